@@ -1,0 +1,8 @@
+#include "abstractexporter.h"
+
+AbstractExporter::AbstractExporter(QObject *parent)
+    : QObject(parent)
+{
+}
+
+AbstractExporter::~AbstractExporter() = default;

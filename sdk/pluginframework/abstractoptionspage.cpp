@@ -1,0 +1,8 @@
+#include "abstractoptionspage.h"
+
+AbstractOptionsPage::AbstractOptionsPage(QWidget *parent)
+    : QFrame(parent)
+{
+}
+
+AbstractOptionsPage::~AbstractOptionsPage() = default;

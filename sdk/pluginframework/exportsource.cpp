@@ -1,0 +1,3 @@
+#include "exportsource.h"
+
+ExportSource::~ExportSource() = default;

@@ -1,0 +1,57 @@
+#include "delimiterhandle.h"
+
+#include "iasciidelimiter.h"
+
+DelimiterHandle::DelimiterHandle(IAsciiDelimiter *delimiter)
+    : record(new Record{delimiter, 1})
+{
+}
+
+DelimiterHandle::DelimiterHandle(const DelimiterHandle &other)
+    : record(other.record)
+{
+    if (record)
+        ++record->count;
+}
+
+DelimiterHandle::DelimiterHandle(DelimiterHandle &&other) noexcept
+    : record(other.record)
+{
+    other.record = nullptr;
+}
+
+DelimiterHandle &DelimiterHandle::operator=(const DelimiterHandle &other)
+{
+    Record *shared = other.record;
+    if (shared)
+        ++shared->count;
+    release();
+    record = shared;
+    return *this;
+}
+
+DelimiterHandle &DelimiterHandle::operator=(DelimiterHandle &&other) noexcept
+{
+    if (this != &other) {
+        release();
+        record = other.record;
+        other.record = nullptr;
+    }
+    return *this;
+}
+
+DelimiterHandle::~DelimiterHandle()
+{
+    release();
+}
+
+void DelimiterHandle::release()
+{
+    if (!record)
+        return;
+    if (--record->count == 0) {
+        delete record->delimiter;
+        delete record;
+    }
+    record = nullptr;
+}
