@@ -1,5 +1,6 @@
 #pragma once
 
+#include "columncatalogue.h"
 #include "delimiterhandle.h"
 
 #include <abstractexporter.h>
@@ -7,9 +8,16 @@
 #include <QString>
 
 class ExportSource;
+class KvVector;
 class QFileDevice;
 class QTextStream;
 class SettingsSynchronizer;
+struct KvGnssPvt;
+struct KvGnssSatelliteInfo;
+struct KvGpsDop;
+struct KvGpsSatelliteInfo;
+struct KvGpsSolution;
+struct KvGpsUtcTime;
 
 /**
  * Exports one recording as delimited text: a block of "//" comment lines that
@@ -33,10 +41,28 @@ public:
     QString name() const override;
 
 private:
+    /** Precision classes of formatValue(). */
+    enum Precision { Ordinary = 0, Geographic = 1, Coarse = 2 };
+
     void writeHeaderBlock(QTextStream &out);
     void writeColumnHeader(QTextStream &out);
     void trimTrailingDelimiter(QString &line) const;
     bool writeSampleRow(QTextStream &out);
+    QString formatValue(double value, int precision) const;
+    bool writeOrientation(QTextStream &row, ColumnCatalogue::OrientationFormat format);
+    bool writeTrigger(QTextStream &row, quint32 dataId);
+
+    QString gpsSolutionFields(const KvGpsSolution &record) const;
+    QString gpsDopFields(const KvGpsDop &record) const;
+    QString gpsUtcTimeFields(const KvGpsUtcTime &record) const;
+    QString gpsSatelliteFields(const KvGpsSatelliteInfo &record) const;
+    QString gnssPvtFields(const KvGnssPvt &record) const;
+    QString gnssSatelliteFields(const KvGnssSatelliteInfo &record) const;
+
+    void writeField(QTextStream &row, const QString &text) const;
+    void writeEmptyFields(QTextStream &row, int count) const;
+    bool writeValues(QTextStream &row, const KvVector &vector, int count, int precision) const;
+    bool writeTruncated(QTextStream &row, const KvVector &vector) const;
 
     ExportSource *source;
     SettingsSynchronizer *settings;

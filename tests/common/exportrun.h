@@ -1,0 +1,27 @@
+#pragma once
+
+#include "testsource.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+class AbstractExporter;
+
+/**
+ * Runs a whole export through @p exporter into a temporary file: start, one
+ * writeSample() per sample (presented by @p source), finish. Returns the
+ * file's bytes, or an empty array when the export could not start.
+ */
+QByteArray exportSamples(AbstractExporter *exporter, TestSource *source,
+                         const QVector<TestSample> &samples);
+
+/** The lines of an exported file after its five header lines. */
+QStringList linesAfterHeaderBlock(const QByteArray &file);
+
+/** A sample that holds every kind of data, with easily checked values. */
+TestSample fullSample();
+
+/** A sample that holds only a packet counter and an acceleration. */
+TestSample sparseSample();
