@@ -172,3 +172,24 @@ TestSample sparseSample()
     s.calibratedAcceleration = {0.0, 0.0, -9.81};
     return s;
 }
+
+QVariantMap recordingProperties()
+{
+    return {
+        {QStringLiteral("StartTime"), QStringLiteral("2026-11-21 09:30:00")},
+        {QStringLiteral("FilterProfile"), QStringLiteral("general")},
+        {QStringLiteral("FilterProfileVersion"), 1},
+        {QStringLiteral("FilterProfileType"), 39},
+        {QStringLiteral("OptionFlags"), 0},
+        {QStringLiteral("FirmwareVersion"), QStringLiteral("1.2.3")},
+    };
+}
+
+QVector<TestSample> recordingSamples()
+{
+    TestSample countersOnly;
+    countersOnly.packetCounter = 44;
+    countersOnly.sampleTimeFine = 123556;
+    countersOnly.hasSampleTimeFine = true;
+    return {fullSample(), sparseSample(), countersOnly};
+}

@@ -25,3 +25,9 @@ TestSample fullSample();
 
 /** A sample that holds only a packet counter and an acceleration. */
 TestSample sparseSample();
+
+/** The properties of the recording the golden exports are made from. */
+QVariantMap recordingProperties();
+
+/** The samples of that recording: full, sparse, and counters only. */
+QVector<TestSample> recordingSamples();

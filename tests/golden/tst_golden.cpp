@@ -41,27 +41,6 @@ private slots:
 
 namespace {
 
-QVariantMap recordingProperties()
-{
-    return {
-        {"StartTime", "2026-11-21 09:30:00"},
-        {"FilterProfile", "general"},
-        {"FilterProfileVersion", 1},
-        {"FilterProfileType", 39},
-        {"OptionFlags", 0},
-        {"FirmwareVersion", "1.2.3"},
-    };
-}
-
-QVector<TestSample> recordingSamples()
-{
-    TestSample countersOnly;
-    countersOnly.packetCounter = 44;
-    countersOnly.sampleTimeFine = 123556;
-    countersOnly.hasSampleTimeFine = true;
-    return {fullSample(), sparseSample(), countersOnly};
-}
-
 Settings everyGroup()
 {
     Settings settings;

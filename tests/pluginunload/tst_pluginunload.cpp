@@ -1,0 +1,77 @@
+#include <abstractexporter.h>
+#include <abstractexporterfactory.h>
+#include <abstractoptionspage.h>
+#include <exportrun.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QPluginLoader>
+#include <QtTest>
+
+#include <memory>
+
+#include <unistd.h>
+
+// Loading, using and unloading the plug-in over and over, as a host that
+// rescans its plug-ins does. A program of its own, so that no other loader
+// keeps the module loaded.
+class tst_PluginUnload : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void loadUseUnloadWithoutGrowth();
+};
+
+namespace {
+
+const QString pluginPath = QStringLiteral(ASCIIEXPORTER_PLUGIN);
+
+qint64 residentBytes()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return -1;
+    const QList<QByteArray> fields = statm.readAll().split(' ');
+    return fields.value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
+}
+
+void cycle()
+{
+    QPluginLoader loader(pluginPath);
+    QVERIFY2(loader.load(), qPrintable(loader.errorString()));
+    auto *factory = qobject_cast<AbstractExporterFactory *>(loader.instance());
+    QVERIFY(factory);
+    TestSource source;
+    source.properties = recordingProperties();
+    std::unique_ptr<AbstractExporter> exporter(factory->createExporter(&source));
+    QVERIFY(!exportSamples(exporter.get(), &source, recordingSamples()).isEmpty());
+    exporter.reset();
+    qDeleteAll(factory->optionsPages());
+    QVERIFY(loader.unload());
+    QVERIFY(!loader.isLoaded());
+}
+
+} // namespace
+
+void tst_PluginUnload::loadUseUnloadWithoutGrowth()
+{
+    // the first rounds fill caches of Qt's own
+    for (int i = 0; i < 10; ++i) {
+        cycle();
+        if (QTest::currentTestFailed())
+            return;
+    }
+    const qint64 before = residentBytes();
+    for (int i = 0; i < 100; ++i) {
+        cycle();
+        if (QTest::currentTestFailed())
+            return;
+    }
+    const qint64 growth = residentBytes() - before;
+    qInfo("resident memory grew by %lld bytes over 100 rounds", growth);
+    QVERIFY2(growth < 1024 * 1024, qPrintable(QStringLiteral("grew by %1 bytes").arg(growth)));
+}
+
+QTEST_MAIN(tst_PluginUnload)
+#include "tst_pluginunload.moc"
