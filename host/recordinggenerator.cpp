@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QFileDevice>
 #include <QIODevice>
 
 #include <algorithm>
@@ -31,6 +32,9 @@ constexpr double startLongitude = 8.5417;
 constexpr double startAltitude = 412.0;
 constexpr double geoidSeparation = 47.5;
 constexpr double walkingSpeed = 1.3;
+// Each step lifts and lowers the sensor by a couple of centimetres.
+constexpr double stepRate = 1.8;
+constexpr double stepLift = 0.02;
 
 // The start of every generated recording, taken as UTC.
 QDateTime startTime()
@@ -103,7 +107,7 @@ public:
     void clear()
     {
         text.clear();
-        levels.clear();
+        firstInLevel.clear();
         afterKey = false;
     }
 
@@ -194,29 +198,24 @@ public:
     }
 
 private:
-    struct Level
-    {
-        bool first;
-    };
-
     void open(char bracket)
     {
         beforeValue();
         text += bracket;
-        levels.push_back({true});
+        firstInLevel.push_back(true);
     }
 
     void close(char bracket)
     {
         text += bracket;
-        levels.pop_back();
+        firstInLevel.pop_back();
     }
 
     void separate()
     {
-        if (!levels.back().first)
+        if (!firstInLevel.back())
             text += ',';
-        levels.back().first = false;
+        firstInLevel.back() = false;
     }
 
     // A value after a key follows its colon; any other value inside a list
@@ -225,12 +224,12 @@ private:
     {
         if (afterKey)
             afterKey = false;
-        else if (!levels.empty())
+        else if (!firstInLevel.empty())
             separate();
     }
 
     std::string text;
-    std::vector<Level> levels;
+    std::vector<bool> firstInLevel;
     bool afterKey = false;
 };
 
@@ -360,7 +359,7 @@ constexpr int satelliteCount = int(std::size(satellitesInView));
 class Walk
 {
 public:
-    Walk(const GeneratorOptions &options)
+    explicit Walk(const GeneratorOptions &options)
         : rate(options.rate)
         , random(options.seed)
     {
@@ -416,8 +415,7 @@ public:
 private:
     void stepTime(double t)
     {
-        const qint64 ms = std::llround(t * 1000.0);
-        sampleTime = startTime().addMSecs(ms);
+        const QDateTime sampleTime = startTime().addMSecs(std::llround(t * 1000.0));
         state.sampleTimeFine = quint32(sampleTimeFineStart + quint64(std::llround(t * 10000.0)));
         state.dateTime = sampleTime.date().toString(Qt::ISODate) + QLatin1Char('T')
                 + sampleTime.time().toString(QStringLiteral("HH:mm:ss.zzz"));
@@ -470,7 +468,9 @@ private:
         // Reference frame: x east, y north, z up. Steps bounce the sensor.
         const double yaw = angles.yaw * toRad;
         const double sway = 0.25 * std::sin(2 * pi * 0.9 * t);
-        const double free[3] = {sway * std::cos(yaw), sway * std::sin(yaw), 0.9 * std::sin(2 * pi * 1.8 * t)};
+        const double stepOmega = 2 * pi * stepRate;
+        const double free[3] = {sway * std::cos(yaw), sway * std::sin(yaw),
+                                -stepLift * stepOmega * stepOmega * std::sin(stepOmega * t)};
         const double specific[3] = {free[0], free[1], free[2] + gravity};
         const double earthField[3] = {0.0, 0.4, -0.9};
         for (int i = 0; i < 3; ++i) {
@@ -498,7 +498,7 @@ private:
         const double yaw = heading * toRad;
         // The rate of change of the altitude below.
         const double up = 0.3 * 2 * pi * 0.05 * std::cos(2 * pi * 0.05 * t)
-                + 0.05 * 2 * pi * 1.8 * std::cos(2 * pi * 1.8 * t);
+                + stepLift * 2 * pi * stepRate * std::cos(2 * pi * stepRate * t);
         state.velocity[0] = walkingSpeed * std::cos(yaw) + random.noise(0.02);
         state.velocity[1] = walkingSpeed * std::sin(yaw) + random.noise(0.02);
         state.velocity[2] = up + random.noise(0.01);
@@ -510,7 +510,7 @@ private:
         longitude = startLongitude + east / (111319.49 * std::cos(startLatitude * toRad));
         state.latitudeLongitude[0] = latitude;
         state.latitudeLongitude[1] = longitude;
-        state.altitude = startAltitude + 0.3 * std::sin(2 * pi * 0.05 * t) + 0.05 * std::sin(2 * pi * 1.8 * t);
+        state.altitude = startAltitude + 0.3 * std::sin(2 * pi * 0.05 * t) + stepLift * std::sin(2 * pi * stepRate * t);
     }
 
     void stepEnvironment(double t)
@@ -687,7 +687,6 @@ private:
     qint16 gpsWeek = 0;
     qint64 startTimeOfWeek = 0;
     SampleState state;
-    QDateTime sampleTime;
     double heading = 0.0;
     double east = 0.0;
     double north = 0.0;
@@ -700,14 +699,19 @@ private:
     quint16 frames2 = 0;
 };
 
-bool writeLine(QIODevice *out, const std::string &text, QString *error)
+bool writeFailed(QIODevice *out, QString *error)
 {
-    const std::string line = text + '\n';
-    if (out->write(line.data(), qint64(line.size())) == qint64(line.size()))
-        return true;
     *error = QCoreApplication::translate("RecordingGenerator", "cannot write the recording: %1")
                      .arg(out->errorString());
     return false;
+}
+
+bool writeLine(QIODevice *out, const std::string &text, QString *error)
+{
+    const std::string line = text + '\n';
+    if (out->write(line.data(), qint64(line.size())) != qint64(line.size()))
+        return writeFailed(out, error);
+    return true;
 }
 
 } // namespace
@@ -755,5 +759,9 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
         if (!writeLine(out, line.data(), error))
             return false;
     }
+    // A file holds the last lines in its buffer: a full disk shows only here.
+    auto *file = qobject_cast<QFileDevice *>(out);
+    if (file && !file->flush())
+        return writeFailed(out, error);
     return true;
 }
