@@ -28,8 +28,11 @@ class RecordingReader
     Q_DECLARE_TR_FUNCTIONS(RecordingReader)
 
 public:
-    /** Longer lines are refused instead of being held in memory. */
-    static constexpr qint64 maxLineLength = 16 * 1024 * 1024;
+    /**
+     * Longer lines are refused. A sample takes a few kilobytes; the limit
+     * bounds what one line may cost to parse, some twenty times its size.
+     */
+    static constexpr qint64 maxLineLength = 4 * 1024 * 1024;
     /** Lists and objects nested deeper than this are refused. */
     static constexpr int maxNesting = 32;
 
