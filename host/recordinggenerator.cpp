@@ -1,0 +1,767 @@
+#include "recordinggenerator.h"
+
+#include "orientationmath.h"
+#include "recordfields.h"
+#include "recordingreader.h"
+
+#include <kvmatrix.h>
+#include <kvquaternion.h>
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QFileDevice>
+#include <QIODevice>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr double pi = M_PI;
+constexpr double gravity = 9.81;
+constexpr double receiverRate = 4.0;
+constexpr qint64 msPerGpsWeek = 7 * 24 * 3600 * 1000LL;
+constexpr qint64 gpsLeapMs = 18000;
+constexpr quint32 sampleTimeFineStart = 1200000;
+constexpr double startLatitude = 47.3769;
+constexpr double startLongitude = 8.5417;
+constexpr double startAltitude = 412.0;
+constexpr double geoidSeparation = 47.5;
+constexpr double walkingSpeed = 1.3;
+// Each step lifts and lowers the sensor by a couple of centimetres.
+constexpr double stepRate = 1.8;
+constexpr double stepLift = 0.02;
+
+// The start of every generated recording, taken as UTC.
+QDateTime startTime()
+{
+    return QDateTime(QDate(2026, 11, 21), QTime(9, 30), Qt::UTC);
+}
+
+// splitmix64: small, fast, and the same on every platform, unlike the
+// standard library's distributions.
+class Random
+{
+public:
+    explicit Random(quint64 seed) : state(seed) {}
+
+    quint64 next()
+    {
+        quint64 z = (state += 0x9E3779B97F4A7C15ULL);
+        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ULL;
+        z = (z ^ (z >> 27)) * 0x94D049BB133111EBULL;
+        return z ^ (z >> 31);
+    }
+
+    /** Uniform in [0, 1). */
+    double uniform() { return double(next() >> 11) * 0x1p-53; }
+
+    /** Bell-shaped noise of standard deviation @p sigma (sum of four uniforms). */
+    double noise(double sigma)
+    {
+        const double sum = uniform() + uniform() + uniform() + uniform() - 2.0;
+        return sum * std::sqrt(3.0) * sigma;
+    }
+
+    /** Uniform integer in [0, @p count). */
+    int below(int count) { return int(next() % quint64(count)); }
+
+private:
+    quint64 state;
+};
+
+// Rounds to a number of decimals, so the file stays short and every number's
+// shortest form has at most that many decimals. Adding 0.0 turns -0 into 0,
+// which reads back with the same bits.
+double rounded(double value, int decimals)
+{
+    const double scale = std::pow(10.0, decimals);
+    return std::round(value * scale) / scale + 0.0;
+}
+
+template <typename Integer>
+Integer clamped(double value)
+{
+    return Integer(std::clamp(std::round(value), double(std::numeric_limits<Integer>::min()),
+                              double(std::numeric_limits<Integer>::max())));
+}
+
+double wrapDegrees(double angle)
+{
+    angle = std::fmod(angle, 360.0);
+    if (angle > 180.0)
+        angle -= 360.0;
+    else if (angle <= -180.0)
+        angle += 360.0;
+    return angle;
+}
+
+// One JSON object on one line, written compactly.
+class JsonLine
+{
+public:
+    void clear()
+    {
+        text.clear();
+        firstInLevel.clear();
+        afterKey = false;
+    }
+
+    const std::string &data() const { return text; }
+
+    void beginObject() { open('{'); }
+    void endObject() { close('}'); }
+    void beginList() { open('['); }
+    void endList() { close(']'); }
+
+    void key(const char *name)
+    {
+        separate();
+        text += '"';
+        text += name;
+        text += "\":";
+        afterKey = true;
+    }
+
+    void integer(qint64 value)
+    {
+        beforeValue();
+        char buffer[24];
+        text.append(buffer, std::to_chars(std::begin(buffer), std::end(buffer), value).ptr);
+    }
+
+    // The shortest text that reads back as exactly the same double.
+    void number(double value, int decimals)
+    {
+        beforeValue();
+        char buffer[32];
+        text.append(buffer, std::to_chars(std::begin(buffer), std::end(buffer), rounded(value, decimals)).ptr);
+    }
+
+    void numbers(const double *values, int count, int decimals)
+    {
+        beginList();
+        for (int i = 0; i < count; ++i)
+            number(values[i], decimals);
+        endList();
+    }
+
+    void quaternion(const KvQuaternion &q, int decimals)
+    {
+        const double components[4] = {q[0], q[1], q[2], q[3]};
+        numbers(components, 4, decimals);
+    }
+
+    // Only plain ASCII texts of our own are written, which need no escapes.
+    void string(const QString &value)
+    {
+        beforeValue();
+        text += '"';
+        text += value.toStdString();
+        text += '"';
+    }
+
+    template <typename Record, std::size_t count>
+    void fields(const RecordFields::Field<Record> (&table)[count], const Record &record)
+    {
+        for (const RecordFields::Field<Record> &field : table) {
+            key(field.name);
+            integer(field.load(record));
+        }
+    }
+
+    template <typename Record, std::size_t count>
+    void record(const RecordFields::Field<Record> (&table)[count], const Record &value)
+    {
+        beginObject();
+        fields(table, value);
+        endObject();
+    }
+
+    template <typename Record, std::size_t count, typename Entry, std::size_t entryCount, std::size_t capacity>
+    void listRecord(const RecordFields::Field<Record> (&table)[count], const Record &value, const char *listName,
+                    const RecordFields::Field<Entry> (&entryTable)[entryCount], const Entry (&entries)[capacity],
+                    int used)
+    {
+        beginObject();
+        fields(table, value);
+        key(listName);
+        beginList();
+        for (int i = 0; i < used; ++i)
+            record(entryTable, entries[i]);
+        endList();
+        endObject();
+    }
+
+private:
+    void open(char bracket)
+    {
+        beforeValue();
+        text += bracket;
+        firstInLevel.push_back(true);
+    }
+
+    void close(char bracket)
+    {
+        text += bracket;
+        firstInLevel.pop_back();
+    }
+
+    void separate()
+    {
+        if (!firstInLevel.back())
+            text += ',';
+        firstInLevel.back() = false;
+    }
+
+    // A value after a key follows its colon; any other value inside a list
+    // is separated from the one before.
+    void beforeValue()
+    {
+        if (afterKey)
+            afterKey = false;
+        else if (!firstInLevel.empty())
+            separate();
+    }
+
+    std::string text;
+    std::vector<bool> firstInLevel;
+    bool afterKey = false;
+};
+
+// Everything one sample line can hold. All of it is computed for every
+// sample, so the values of a key do not depend on which keys are written.
+struct SampleState
+{
+    qint64 index = 0;
+    quint32 sampleTimeFine = 0;
+    QString dateTime;
+    KvUtcTime utcTime;
+    qint32 statusWord = 0;
+    quint16 clippingFlags = 0;
+    double rssi = 0.0;
+    double acceleration[3] = {};
+    double freeAcceleration[3] = {};
+    double angularVelocity[3] = {};
+    double magneticField[3] = {};
+    double velocityIncrement[3] = {};
+    double scrAcceleration[3] = {};
+    double scrGyroscope[3] = {};
+    double scrMagneticField[3] = {};
+    double velocity[3] = {};
+    KvQuaternion orientationIncrement;
+    KvQuaternion quaternion;
+    double euler[3] = {};
+    double matrix[9] = {};
+    double latitudeLongitude[2] = {};
+    double altitude = 0.0;
+    double temperature = 0.0;
+    double pressure = 0.0;
+    quint16 scrTemperature = 0;
+    quint16 gyroTemperatures[3] = {};
+    KvGpsSolution gpsSolution;
+    KvGpsDop gpsDop;
+    KvGpsUtcTime gpsUtcTime;
+    KvGpsSatelliteInfo gpsSatellites;
+    KvGnssPvt gnssPvt;
+    KvGnssSatelliteInfo gnssSatellites;
+    KvTriggerIndication triggerIn1;
+    KvTriggerIndication triggerIn2;
+};
+
+struct SampleWriter
+{
+    const char *key;
+    void (*write)(const SampleState &state, JsonLine &line);
+    // For keys that only some samples hold; none means every sample.
+    bool (*present)(const SampleState &state) = nullptr;
+};
+
+constexpr SampleWriter sampleWriters[] = {
+    {"packetCounter", [](const SampleState &s, JsonLine &l) { l.integer(s.index & 0xFFFF); }},
+    {"sampleTimeFine", [](const SampleState &s, JsonLine &l) { l.integer(s.sampleTimeFine); }},
+    {"sampleDateTime", [](const SampleState &s, JsonLine &l) { l.string(s.dateTime); }},
+    {"utcTime", [](const SampleState &s, JsonLine &l) { l.record(RecordFields::utcTime, s.utcTime); }},
+    {"statusWord", [](const SampleState &s, JsonLine &l) { l.integer(s.statusWord); }},
+    {"clippingFlags", [](const SampleState &s, JsonLine &l) { l.integer(s.clippingFlags); }},
+    {"rssi", [](const SampleState &s, JsonLine &l) { l.number(s.rssi, 0); }},
+    {"calibratedAcceleration", [](const SampleState &s, JsonLine &l) { l.numbers(s.acceleration, 3, 6); }},
+    {"freeAcceleration", [](const SampleState &s, JsonLine &l) { l.numbers(s.freeAcceleration, 3, 6); }},
+    {"calibratedAngularVelocity", [](const SampleState &s, JsonLine &l) { l.numbers(s.angularVelocity, 3, 6); }},
+    {"magneticField", [](const SampleState &s, JsonLine &l) { l.numbers(s.magneticField, 3, 6); }},
+    {"velocityIncrement", [](const SampleState &s, JsonLine &l) { l.numbers(s.velocityIncrement, 3, 8); }},
+    {"scrAcceleration", [](const SampleState &s, JsonLine &l) { l.numbers(s.scrAcceleration, 3, 0); }},
+    {"scrGyroscopeData", [](const SampleState &s, JsonLine &l) { l.numbers(s.scrGyroscope, 3, 0); }},
+    {"scrMagneticField", [](const SampleState &s, JsonLine &l) { l.numbers(s.scrMagneticField, 3, 0); }},
+    {"velocity", [](const SampleState &s, JsonLine &l) { l.numbers(s.velocity, 3, 4); }},
+    {"orientationIncrement", [](const SampleState &s, JsonLine &l) { l.quaternion(s.orientationIncrement, 9); }},
+    {"orientationQuaternion", [](const SampleState &s, JsonLine &l) { l.quaternion(s.quaternion, 9); }},
+    {"orientationEuler", [](const SampleState &s, JsonLine &l) { l.numbers(s.euler, 3, 6); }},
+    {"orientationMatrix", [](const SampleState &s, JsonLine &l) {
+         l.beginList();
+         for (int row = 0; row < 3; ++row)
+             l.numbers(s.matrix + 3 * row, 3, 9);
+         l.endList();
+     }},
+    {"latitudeLongitude", [](const SampleState &s, JsonLine &l) { l.numbers(s.latitudeLongitude, 2, 9); }},
+    {"altitude", [](const SampleState &s, JsonLine &l) { l.number(s.altitude, 3); }},
+    {"temperature", [](const SampleState &s, JsonLine &l) { l.number(s.temperature, 2); }},
+    {"pressure", [](const SampleState &s, JsonLine &l) { l.number(s.pressure, 1); }},
+    {"scrTemperature", [](const SampleState &s, JsonLine &l) { l.integer(s.scrTemperature); }},
+    {"gyroTemperatures", [](const SampleState &s, JsonLine &l) {
+         l.beginList();
+         for (quint16 word : s.gyroTemperatures)
+             l.integer(word);
+         l.endList();
+     }},
+    {"gpsSolution", [](const SampleState &s, JsonLine &l) { l.record(RecordFields::gpsSolution, s.gpsSolution); }},
+    {"gpsDop", [](const SampleState &s, JsonLine &l) { l.record(RecordFields::gpsDop, s.gpsDop); }},
+    {"gpsUtcTime", [](const SampleState &s, JsonLine &l) { l.record(RecordFields::gpsUtcTime, s.gpsUtcTime); }},
+    {"gpsSatellites", [](const SampleState &s, JsonLine &l) {
+         l.listRecord(RecordFields::gpsSatellites, s.gpsSatellites, RecordFields::gpsChannelList,
+                      RecordFields::gpsChannel, s.gpsSatellites.channels, s.gpsSatellites.numCh);
+     }},
+    {"gnssPvt", [](const SampleState &s, JsonLine &l) { l.record(RecordFields::gnssPvt, s.gnssPvt); }},
+    {"gnssSatellites", [](const SampleState &s, JsonLine &l) {
+         l.listRecord(RecordFields::gnssSatellites, s.gnssSatellites, RecordFields::gnssSatelliteList,
+                      RecordFields::gnssSatellite, s.gnssSatellites.satellites, s.gnssSatellites.numSvs);
+     }},
+    {"triggerIn1", [](const SampleState &s, JsonLine &l) { l.record(RecordFields::trigger, s.triggerIn1); },
+     [](const SampleState &s) { return s.triggerIn1.valid; }},
+    {"triggerIn2", [](const SampleState &s, JsonLine &l) { l.record(RecordFields::trigger, s.triggerIn2); },
+     [](const SampleState &s) { return s.triggerIn2.valid; }},
+};
+
+constexpr int gpsChannelCount = 12;
+constexpr quint8 gpsSvids[gpsChannelCount] = {2, 5, 7, 9, 12, 13, 15, 18, 20, 25, 29, 31};
+
+struct SatelliteId
+{
+    quint8 gnssId;
+    quint8 svId;
+};
+
+// GPS (0), Galileo (2), BeiDou (3) and GLONASS (6) satellites in view.
+constexpr SatelliteId satellitesInView[] = {
+    {0, 2}, {0, 5}, {0, 7}, {0, 9}, {0, 12}, {0, 13}, {0, 15}, {0, 18}, {0, 20}, {0, 25},
+    {2, 1}, {2, 4}, {2, 9}, {2, 11}, {2, 19}, {2, 24}, {2, 26}, {2, 33},
+    {3, 6}, {3, 14}, {3, 21}, {3, 28}, {3, 35}, {3, 42},
+    {6, 3}, {6, 8}, {6, 10}, {6, 17}, {6, 22}, {6, 23},
+};
+constexpr int satelliteCount = int(std::size(satellitesInView));
+
+// A sensor carried on a slow walk: gentle roll and pitch sway, a steady turn,
+// and a receiver that reports four times a second.
+class Walk
+{
+public:
+    explicit Walk(const GeneratorOptions &options)
+        : rate(options.rate)
+        , random(options.seed)
+    {
+        deviceId = QStringLiteral("%1").arg(random.next() & 0xFFFFFFFFu, 8, 16, QLatin1Char('0')).toUpper();
+        for (double &level : satelliteLevels)
+            level = 22.0 + 24.0 * random.uniform();
+        const qint64 gpsMs = QDateTime(QDate(1980, 1, 6), QTime(0, 0), Qt::UTC).msecsTo(startTime()) + gpsLeapMs;
+        gpsWeek = qint16(gpsMs / msPerGpsWeek);
+        startTimeOfWeek = gpsMs % msPerGpsWeek;
+    }
+
+    void writeRecordingObject(JsonLine &line) const
+    {
+        line.beginObject();
+        line.key("properties");
+        line.beginObject();
+        line.key("StartTime");
+        line.string(startTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+        line.key("FilterProfile");
+        line.string(QStringLiteral("general"));
+        line.key("FilterProfileVersion");
+        line.integer(1);
+        line.key("FilterProfileType");
+        line.integer(39);
+        line.key("OptionFlags");
+        line.integer(0);
+        line.key("FirmwareVersion");
+        line.string(QStringLiteral("1.2.3"));
+        line.key("DeviceId");
+        line.string(deviceId);
+        line.key("ProductCode");
+        line.string(QStringLiteral("T100"));
+        line.endObject();
+        line.key("updateRate");
+        line.number(rate, 6);
+        line.endObject();
+    }
+
+    const SampleState &step(qint64 index)
+    {
+        const double dt = 1.0 / rate;
+        const double t = double(index) / rate;
+        state.index = index;
+        stepTime(t);
+        stepOrientation(t, dt);
+        stepPosition(t, dt);
+        stepEnvironment(t);
+        stepReceiver(t);
+        stepTriggers(index, t);
+        return state;
+    }
+
+private:
+    void stepTime(double t)
+    {
+        const QDateTime sampleTime = startTime().addMSecs(std::llround(t * 1000.0));
+        state.sampleTimeFine = quint32(sampleTimeFineStart + quint64(std::llround(t * 10000.0)));
+        state.dateTime = sampleTime.date().toString(Qt::ISODate) + QLatin1Char('T')
+                + sampleTime.time().toString(QStringLiteral("HH:mm:ss.zzz"));
+        const QDate date = sampleTime.date();
+        const QTime time = sampleTime.time();
+        state.utcTime.nano = quint32(time.msec()) * 1000000u;
+        state.utcTime.year = quint16(date.year());
+        state.utcTime.month = quint8(date.month());
+        state.utcTime.day = quint8(date.day());
+        state.utcTime.hour = quint8(time.hour());
+        state.utcTime.minute = quint8(time.minute());
+        state.utcTime.second = quint8(time.second());
+        state.utcTime.valid = 0x07;
+    }
+
+    void stepOrientation(double t, double dt)
+    {
+        const double rollRate = 0.21, pitchRate = 0.13, turnRate = 8.0;
+        KvEulerAngles angles;
+        angles.roll = 4.0 * std::sin(2 * pi * rollRate * t);
+        angles.pitch = 2.5 * std::sin(2 * pi * pitchRate * t + 0.7);
+        angles.yaw = wrapDegrees(30.0 + turnRate * t);
+        state.quaternion = OrientationMath::quaternionFromEuler(angles);
+        const KvEulerAngles derived = OrientationMath::eulerFromQuaternion(state.quaternion);
+        state.euler[0] = derived.roll;
+        state.euler[1] = derived.pitch;
+        state.euler[2] = derived.yaw;
+        const KvMatrix r = OrientationMath::matrixFromQuaternion(state.quaternion);
+        for (int i = 0; i < 9; ++i)
+            state.matrix[i] = r.at(i);
+
+        // Body rates of the Z-Y-X angles, in rad/s.
+        const double toRad = pi / 180.0;
+        const double roll = angles.roll * toRad, pitch = angles.pitch * toRad;
+        const double rollDot = 4.0 * 2 * pi * rollRate * std::cos(2 * pi * rollRate * t) * toRad;
+        const double pitchDot = 2.5 * 2 * pi * pitchRate * std::cos(2 * pi * pitchRate * t + 0.7) * toRad;
+        const double yawDot = turnRate * toRad;
+        const double rates[3] = {
+            rollDot - yawDot * std::sin(pitch),
+            pitchDot * std::cos(roll) + yawDot * std::sin(roll) * std::cos(pitch),
+            -pitchDot * std::sin(roll) + yawDot * std::cos(roll) * std::cos(pitch),
+        };
+        for (int i = 0; i < 3; ++i)
+            state.angularVelocity[i] = rates[i] + random.noise(0.002);
+        const double angle = std::sqrt(rates[0] * rates[0] + rates[1] * rates[1] + rates[2] * rates[2]) * dt;
+        const double scale = angle > 0.0 ? std::sin(angle / 2) / (angle / dt) : 0.0;
+        state.orientationIncrement = KvQuaternion(std::cos(angle / 2), rates[0] * scale, rates[1] * scale,
+                                                  rates[2] * scale);
+
+        // Reference frame: x east, y north, z up. Steps bounce the sensor.
+        const double yaw = angles.yaw * toRad;
+        const double sway = 0.25 * std::sin(2 * pi * 0.9 * t);
+        const double stepOmega = 2 * pi * stepRate;
+        const double free[3] = {sway * std::cos(yaw), sway * std::sin(yaw),
+                                -stepLift * stepOmega * stepOmega * std::sin(stepOmega * t)};
+        const double specific[3] = {free[0], free[1], free[2] + gravity};
+        const double earthField[3] = {0.0, 0.4, -0.9};
+        for (int i = 0; i < 3; ++i) {
+            // The transpose of the body-to-reference matrix brings reference
+            // vectors into the body frame.
+            double body = 0.0, field = 0.0;
+            for (int k = 0; k < 3; ++k) {
+                body += r.value(k, i) * specific[k];
+                field += r.value(k, i) * earthField[k];
+            }
+            state.acceleration[i] = body + random.noise(0.01);
+            state.freeAcceleration[i] = free[i] + random.noise(0.01);
+            state.magneticField[i] = field + random.noise(0.003);
+            state.velocityIncrement[i] = state.acceleration[i] * dt;
+            state.scrAcceleration[i] = clamped<quint16>(32768 + 1000.0 * state.acceleration[i] + random.noise(2));
+            state.scrGyroscope[i] = clamped<quint16>(32768 + 5000.0 * state.angularVelocity[i] + random.noise(2));
+            state.scrMagneticField[i] = clamped<quint16>(32768 + 6000.0 * state.magneticField[i] + random.noise(2));
+        }
+        heading = angles.yaw;
+    }
+
+    void stepPosition(double t, double dt)
+    {
+        const double toRad = pi / 180.0;
+        const double yaw = heading * toRad;
+        // The rate of change of the altitude below.
+        const double up = 0.3 * 2 * pi * 0.05 * std::cos(2 * pi * 0.05 * t)
+                + stepLift * 2 * pi * stepRate * std::cos(2 * pi * stepRate * t);
+        state.velocity[0] = walkingSpeed * std::cos(yaw) + random.noise(0.02);
+        state.velocity[1] = walkingSpeed * std::sin(yaw) + random.noise(0.02);
+        state.velocity[2] = up + random.noise(0.01);
+        if (state.index > 0) {
+            east += walkingSpeed * std::cos(yaw) * dt;
+            north += walkingSpeed * std::sin(yaw) * dt;
+        }
+        latitude = startLatitude + north / 111132.954;
+        longitude = startLongitude + east / (111319.49 * std::cos(startLatitude * toRad));
+        state.latitudeLongitude[0] = latitude;
+        state.latitudeLongitude[1] = longitude;
+        state.altitude = startAltitude + 0.3 * std::sin(2 * pi * 0.05 * t) + stepLift * std::sin(2 * pi * stepRate * t);
+    }
+
+    void stepEnvironment(double t)
+    {
+        state.temperature = 24.5 + 1.5 * std::sin(2 * pi * t / 1200.0) + random.noise(0.02);
+        state.pressure = 96500.0 - 12.0 * (state.altitude - startAltitude) + random.noise(3.0);
+        state.rssi = std::round(-58.0 + random.noise(2.0));
+        state.scrTemperature = clamped<quint16>(11500 + 40.0 * std::sin(2 * pi * t / 600.0) + random.noise(2));
+        for (int i = 0; i < 3; ++i)
+            state.gyroTemperatures[i] = clamped<quint16>((state.temperature + 0.4 * i) * 256.0);
+        const bool clipping = random.uniform() < 0.002;
+        state.clippingFlags = clipping ? quint16(1u << random.below(9)) : 0;
+        state.statusWord = clipping ? 0x00400007 : 0x00000007;
+    }
+
+    // The receiver's records change only when a new solution arrives.
+    void stepReceiver(double t)
+    {
+        const qint64 epoch = qint64(std::floor(t * receiverRate + 1e-9));
+        if (epoch == receiverEpoch)
+            return;
+        receiverEpoch = epoch;
+        const qint64 epochMs = epoch * qint64(1000.0 / receiverRate);
+        const QDateTime utc = startTime().addMSecs(epochMs);
+        const quint32 iTOW = quint32((startTimeOfWeek + epochMs) % msPerGpsWeek);
+        const qint32 nano = qint32(utc.time().msec() * 1000000 + std::lround(random.noise(30.0)));
+        const quint8 numSV = quint8(8 + random.below(4));
+        const quint16 pDOP = quint16(120 + random.below(60));
+
+        const double toRad = pi / 180.0;
+        const double lat = (latitude + random.noise(1.5) / 111132.954) * toRad;
+        const double lon = (longitude + random.noise(1.5) / 78000.0) * toRad;
+        const double height = state.altitude + geoidSeparation + random.noise(2.0);
+        const double vE = state.velocity[0], vN = state.velocity[1], vU = state.velocity[2];
+
+        const double a = 6378137.0, e2 = 6.69437999014e-3;
+        const double n = a / std::sqrt(1.0 - e2 * std::sin(lat) * std::sin(lat));
+        KvGpsSolution &sol = state.gpsSolution;
+        sol.iTOW = iTOW;
+        sol.fTOW = nano % 1000000;
+        sol.week = gpsWeek;
+        sol.gpsFix = 3;
+        sol.flags = 0x0D;
+        sol.ecefX = qint32(std::lround((n + height) * std::cos(lat) * std::cos(lon) * 100.0));
+        sol.ecefY = qint32(std::lround((n + height) * std::cos(lat) * std::sin(lon) * 100.0));
+        sol.ecefZ = qint32(std::lround((n * (1.0 - e2) + height) * std::sin(lat) * 100.0));
+        sol.pAcc = quint32(250 + random.below(100));
+        sol.ecefVX = qint32(std::lround((-std::sin(lon) * vE - std::sin(lat) * std::cos(lon) * vN
+                                         + std::cos(lat) * std::cos(lon) * vU) * 100.0));
+        sol.ecefVY = qint32(std::lround((std::cos(lon) * vE - std::sin(lat) * std::sin(lon) * vN
+                                         + std::cos(lat) * std::sin(lon) * vU) * 100.0));
+        sol.ecefVZ = qint32(std::lround((std::cos(lat) * vN + std::sin(lat) * vU) * 100.0));
+        sol.sAcc = quint32(30 + random.below(30));
+        sol.pDOP = pDOP;
+        sol.numSV = numSV;
+
+        KvGpsDop &dop = state.gpsDop;
+        dop.iTOW = iTOW;
+        dop.pDOP = pDOP;
+        dop.hDOP = quint16(pDOP * 6 / 10);
+        dop.vDOP = quint16(pDOP * 8 / 10);
+        dop.tDOP = quint16(pDOP * 7 / 10);
+        dop.gDOP = quint16(pDOP + dop.tDOP / 2);
+        dop.nDOP = quint16(dop.hDOP * 7 / 10);
+        dop.eDOP = quint16(dop.hDOP * 7 / 10);
+
+        const QDate date = utc.date();
+        const QTime time = utc.time();
+        KvGpsUtcTime &gpsUtc = state.gpsUtcTime;
+        gpsUtc.iTOW = iTOW;
+        gpsUtc.tAcc = quint32(15 + random.below(30));
+        gpsUtc.nano = nano;
+        gpsUtc.year = quint16(date.year());
+        gpsUtc.month = quint8(date.month());
+        gpsUtc.day = quint8(date.day());
+        gpsUtc.hour = quint8(time.hour());
+        gpsUtc.min = quint8(time.minute());
+        gpsUtc.sec = quint8(time.second());
+        gpsUtc.valid = 0x07;
+
+        KvGpsSatelliteInfo &svInfo = state.gpsSatellites;
+        svInfo.iTOW = iTOW;
+        svInfo.numCh = gpsChannelCount;
+        for (int i = 0; i < gpsChannelCount; ++i) {
+            svInfo.channels[i].svid = gpsSvids[i];
+            svInfo.channels[i].quality = quint8(4 + random.below(4));
+        }
+
+        const double speed = std::sqrt(vE * vE + vN * vN);
+        double motionHeading = std::atan2(vE, vN) / toRad;
+        if (motionHeading < 0.0)
+            motionHeading += 360.0;
+        double sensorHeading = 90.0 - heading;
+        if (sensorHeading < 0.0)
+            sensorHeading += 360.0;
+        KvGnssPvt &pvt = state.gnssPvt;
+        pvt.iTOW = iTOW;
+        pvt.year = gpsUtc.year;
+        pvt.month = gpsUtc.month;
+        pvt.day = gpsUtc.day;
+        pvt.hour = gpsUtc.hour;
+        pvt.min = gpsUtc.min;
+        pvt.sec = gpsUtc.sec;
+        pvt.valid = 0x37;
+        pvt.tAcc = gpsUtc.tAcc;
+        pvt.nano = nano;
+        pvt.fixType = 3;
+        pvt.flags = 0x01;
+        pvt.numSV = quint8(numSV + 12);
+        pvt.lon = qint32(std::lround(lon / toRad * 1e7));
+        pvt.lat = qint32(std::lround(lat / toRad * 1e7));
+        pvt.height = qint32(std::lround(height * 1000.0));
+        pvt.hMSL = qint32(std::lround((height - geoidSeparation) * 1000.0));
+        pvt.hAcc = quint32(1500 + random.below(1500));
+        pvt.vAcc = quint32(2500 + random.below(2000));
+        pvt.velN = qint32(std::lround(vN * 1000.0));
+        pvt.velE = qint32(std::lround(vE * 1000.0));
+        pvt.velD = qint32(std::lround(-vU * 1000.0));
+        pvt.gSpeed = qint32(std::lround(speed * 1000.0));
+        pvt.headMot = qint32(std::lround(motionHeading * 1e5)) % 36000000;
+        pvt.sAcc = quint32(200 + random.below(300));
+        pvt.headAcc = quint32(500000 + random.below(1500000));
+        pvt.headVeh = qint32(std::lround(sensorHeading * 1e5)) % 36000000;
+        pvt.gDOP = dop.gDOP;
+        pvt.pDOP = dop.pDOP;
+        pvt.tDOP = dop.tDOP;
+        pvt.vDOP = dop.vDOP;
+        pvt.hDOP = dop.hDOP;
+        pvt.nDOP = dop.nDOP;
+        pvt.eDOP = dop.eDOP;
+
+        KvGnssSatelliteInfo &sat = state.gnssSatellites;
+        sat.iTOW = iTOW;
+        sat.numSvs = quint8(satelliteCount);
+        for (int i = 0; i < satelliteCount; ++i) {
+            satelliteLevels[i] = std::clamp(satelliteLevels[i] + random.noise(0.3), 12.0, 50.0);
+            const quint8 cno = quint8(std::lround(satelliteLevels[i] + random.noise(1.0)));
+            const quint32 quality = cno > 30 ? 7 : 4;
+            const quint32 used = cno > 25 ? 0x08 : 0x00;
+            sat.satellites[i].gnssId = satellitesInView[i].gnssId;
+            sat.satellites[i].svId = satellitesInView[i].svId;
+            sat.satellites[i].cno = cno;
+            // Quality, used in the solution, healthy, orbit from ephemeris.
+            sat.satellites[i].flags = quality | used | 0x10 | 0x100;
+        }
+    }
+
+    // Input 1 fires at random now and then, input 2 every two seconds.
+    void stepTriggers(qint64 index, double t)
+    {
+        state.triggerIn1 = KvTriggerIndication();
+        state.triggerIn2 = KvTriggerIndication();
+        if (random.uniform() < 0.01) {
+            state.triggerIn1.line = 1;
+            state.triggerIn1.polarity = 1;
+            state.triggerIn1.timestamp = state.sampleTimeFine - quint32(random.below(50));
+            state.triggerIn1.frameNumber = frames1++;
+            state.triggerIn1.valid = true;
+        }
+        const qint64 period = qint64(std::floor(t / 2.0));
+        if (index > 0 && period != lastTriggerPeriod) {
+            state.triggerIn2.line = 2;
+            state.triggerIn2.polarity = quint8(1 + frames2 % 2);
+            state.triggerIn2.timestamp = state.sampleTimeFine - quint32(random.below(50));
+            state.triggerIn2.frameNumber = frames2++;
+            state.triggerIn2.valid = true;
+        }
+        lastTriggerPeriod = period;
+    }
+
+    double rate;
+    Random random;
+    QString deviceId;
+    qint16 gpsWeek = 0;
+    qint64 startTimeOfWeek = 0;
+    SampleState state;
+    double heading = 0.0;
+    double east = 0.0;
+    double north = 0.0;
+    double latitude = startLatitude;
+    double longitude = startLongitude;
+    qint64 receiverEpoch = -1;
+    double satelliteLevels[satelliteCount] = {};
+    qint64 lastTriggerPeriod = 0;
+    quint16 frames1 = 0;
+    quint16 frames2 = 0;
+};
+
+bool writeFailed(QIODevice *out, QString *error)
+{
+    *error = QCoreApplication::translate("RecordingGenerator", "cannot write the recording: %1")
+                     .arg(out->errorString());
+    return false;
+}
+
+bool writeLine(QIODevice *out, const std::string &text, QString *error)
+{
+    const std::string line = text + '\n';
+    if (out->write(line.data(), qint64(line.size())) != qint64(line.size()))
+        return writeFailed(out, error);
+    return true;
+}
+
+} // namespace
+
+bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString *error)
+{
+    if (options.samples < 0) {
+        *error = QCoreApplication::translate("RecordingGenerator", "the number of samples must not be negative");
+        return false;
+    }
+    if (!(options.rate > 0.0 && options.rate <= 10000.0)) {
+        *error = QCoreApplication::translate("RecordingGenerator", "the rate must be above 0 and at most 10000 Hz");
+        return false;
+    }
+    bool wanted[std::size(sampleWriters)] = {};
+    for (const QString &key : options.keys) {
+        const auto writer = std::find_if(std::begin(sampleWriters), std::end(sampleWriters),
+                                         [&](const SampleWriter &w) { return key == QLatin1String(w.key); });
+        if (writer == std::end(sampleWriters)) {
+            *error = QCoreApplication::translate("RecordingGenerator", "unknown sample key \"%1\"").arg(key);
+            return false;
+        }
+        wanted[writer - std::begin(sampleWriters)] = true;
+    }
+    if (options.keys.isEmpty())
+        std::fill(std::begin(wanted), std::end(wanted), true);
+
+    Walk walk(options);
+    JsonLine line;
+    walk.writeRecordingObject(line);
+    if (!writeLine(out, line.data(), error))
+        return false;
+    for (qint64 index = 0; index < options.samples; ++index) {
+        const SampleState &state = walk.step(index);
+        line.clear();
+        line.beginObject();
+        for (std::size_t i = 0; i < std::size(sampleWriters); ++i) {
+            const SampleWriter &writer = sampleWriters[i];
+            if (!wanted[i] || (writer.present && !writer.present(state)))
+                continue;
+            line.key(writer.key);
+            writer.write(state, line);
+        }
+        line.endObject();
+        if (!writeLine(out, line.data(), error))
+            return false;
+    }
+    // A file holds the last lines in its buffer: a full disk shows only here.
+    auto *file = qobject_cast<QFileDevice *>(out);
+    if (file && !file->flush())
+        return writeFailed(out, error);
+    return true;
+}

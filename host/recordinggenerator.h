@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class QIODevice;
+
+/** What generateRecording() writes. */
+struct GeneratorOptions
+{
+    /** Number of sample lines after the recording object. */
+    qint64 samples = 1000;
+    /** Samples per second: the recording's update rate and the spacing of the sample times. */
+    double rate = 100.0;
+    /** Seed of the noise; the same options give the same bytes. */
+    quint64 seed = 1;
+    /** The sample keys to write (see RecordingReader::sampleKeys()); empty for every key. */
+    QStringList keys;
+};
+
+/**
+ * Writes a synthetic recording in the JSON Lines format to @p out, which must
+ * be open for writing: a sensor carried on a slow walk, turning gently, with
+ * noisy inertial data, receiver records and now and then a trigger. The
+ * values of a key do not depend on which other keys are written.
+ *
+ * Returns false and sets @p error when an option is out of range, a key is
+ * unknown or writing fails.
+ */
+bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString *error);
