@@ -61,6 +61,11 @@ public:
     /** The sample read last by readNext(). */
     const RecordingSample &sample() const;
 
+    /** How far reading has come into the file, in bytes; for progress. */
+    qint64 position() const { return file.pos(); }
+    /** The size of the file, in bytes. */
+    qint64 size() const { return file.size(); }
+
 private:
     enum class LineStatus { Read, End, Failed };
 

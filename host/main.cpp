@@ -1,0 +1,69 @@
+#include "commands.h"
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QTextCodec>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+const char overview[] =
+    "Usage: asciiexport COMMAND [options]\n"
+    "\n"
+    "Exports motion-tracker recordings as delimited text through the ASCII\n"
+    "exporter plug-in, and edits its settings.\n"
+    "\n"
+    "Commands:\n"
+    "  export     export recordings, one text file each\n"
+    "  settings   list every setting: value, default, description\n"
+    "  options    edit the settings in the settings dialog\n"
+    "  info       show the plug-in's metadata, name, version and extension\n"
+    "  generate   write a synthetic recording\n"
+    "\n"
+    "'asciiexport COMMAND --help' tells more about each command.\n";
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QString command = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
+    // Only the dialog needs a display.
+    std::unique_ptr<QCoreApplication> application;
+    if (command == QLatin1String("options"))
+        application = std::make_unique<QApplication>(argc, argv);
+    else
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("asciiexport"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+    // Files are written in UTF-8 whatever the locale: text the user types
+    // (a custom delimiter, say) must not turn into question marks.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+
+    const QStringList arguments = QCoreApplication::arguments().mid(2);
+    if (command == QLatin1String("export"))
+        return Commands::exportRecordings(arguments);
+    if (command == QLatin1String("settings"))
+        return Commands::listSettings(arguments);
+    if (command == QLatin1String("options"))
+        return Commands::editOptions(arguments);
+    if (command == QLatin1String("info"))
+        return Commands::showInfo(arguments);
+    if (command == QLatin1String("generate"))
+        return Commands::generate(arguments);
+    if (command == QLatin1String("-h") || command == QLatin1String("--help") || command == QLatin1String("help")) {
+        std::fputs(overview, stdout);
+        return 0;
+    }
+    if (command == QLatin1String("--version")) {
+        std::printf("asciiexport %s\n", qPrintable(QCoreApplication::applicationVersion()));
+        return 0;
+    }
+    if (command.isEmpty())
+        std::fputs("asciiexport: no command given\n", stderr);
+    else
+        std::fprintf(stderr, "asciiexport: unknown command \"%s\"\n", argv[1]);
+    std::fputs(overview, stderr);
+    return 2;
+}
