@@ -308,7 +308,7 @@ int showInfo(const QStringList &arguments)
         {tr("File extension"), factory->fileExtension()},
     };
     for (const auto &row : rows)
-        printLine(stdout, QStringLiteral("%1 %2").arg(row.first + QLatin1Char(':'), -16).arg(row.second));
+        printLine(stdout, QStringLiteral("%1 %2").arg(row.first + QLatin1Char(':'), -15).arg(row.second));
     return 0;
 }
 

@@ -29,12 +29,22 @@ const char overview[] =
 int main(int argc, char *argv[])
 {
     const QString command = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
+    bool help = false;
+    for (int i = 2; i < argc; ++i)
+        help = help || qstrcmp(argv[i], "-h") == 0 || qstrcmp(argv[i], "--help") == 0;
     // Only the dialog needs a display.
     std::unique_ptr<QCoreApplication> application;
-    if (command == QLatin1String("options"))
+    if (command == QLatin1String("options") && !help) {
+        if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+            && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+            std::fputs("asciiexport options: no display to show the dialog on "
+                       "(set DISPLAY, or QT_QPA_PLATFORM=offscreen)\n", stderr);
+            return 1;
+        }
         application = std::make_unique<QApplication>(argc, argv);
-    else
+    } else {
         application = std::make_unique<QCoreApplication>(argc, argv);
+    }
     QCoreApplication::setApplicationName(QStringLiteral("asciiexport"));
     QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
     // Files are written in UTF-8 whatever the locale: text the user types

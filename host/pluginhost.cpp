@@ -12,7 +12,7 @@ QString PluginHost::defaultPluginPath()
 }
 
 PluginHost::PluginHost(const QString &fileName)
-    : loader(QFileInfo(fileName).absoluteFilePath())
+    : requested(QFileInfo(fileName).absoluteFilePath())
 {
 }
 
@@ -22,15 +22,20 @@ PluginHost::~PluginHost() = default;
 
 bool PluginHost::load()
 {
-    const QFileInfo file(loader.fileName());
+    const QFileInfo file(requested);
     if (!file.exists()) {
         error = QCoreApplication::translate("PluginHost", "%1: no such plug-in file").arg(file.filePath());
         return false;
     }
-    if (!file.isFile() || !file.isReadable()) {
+    if (file.isDir()) {
+        error = QCoreApplication::translate("PluginHost", "%1: is a folder, not a plug-in file").arg(file.filePath());
+        return false;
+    }
+    if (!file.isReadable()) {
         error = QCoreApplication::translate("PluginHost", "%1: not a readable file").arg(file.filePath());
         return false;
     }
+    loader.setFileName(requested);
     if (!loader.load()) {
         error = QCoreApplication::translate("PluginHost", "%1: not a usable Qt plug-in: %2")
                     .arg(file.filePath(), loader.errorString());
@@ -58,5 +63,5 @@ QJsonObject PluginHost::metaData() const
 
 QString PluginHost::fileName() const
 {
-    return loader.fileName();
+    return requested;
 }

@@ -33,6 +33,7 @@ public:
     QString fileName() const;
 
 private:
+    QString requested;  // as given: the loader forgets a name it cannot use
     QPluginLoader loader;
     AbstractExporterFactory *exporterFactory = nullptr;
     QString error;

@@ -1,0 +1,495 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <unistd.h>
+
+// The program asciiexport driven as a user drives it, in its own process:
+// exit statuses, messages, and the files it writes, byte for byte.
+class tst_HostProgram : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void generatedExports_data();
+    void generatedExports();
+    void generateIsDeterministic();
+    void setTyping_data();
+    void setTyping();
+    void setIsNotSaved();
+    void patternNaming();
+    void outputFileAndFolder();
+    void badLine_data();
+    void badLine();
+    void failedExportKeepsAnOlderFile();
+    void unwritableOutputFolder();
+    void sameOutputTwice();
+    void usageErrors_data();
+    void usageErrors();
+    void pluginFaults_data();
+    void pluginFaults();
+    void helpForEveryCommand_data();
+    void helpForEveryCommand();
+    void settingsListing();
+    void info();
+
+private:
+    struct Result
+    {
+        int status = -1;
+        QByteArray out;
+        QByteArray err;
+    };
+
+    Result run(const QStringList &arguments, const QString &workingDirectory = QString());
+    // Writes a recording with generate; an empty name on failure.
+    QString generated(const QString &name, const QStringList &options);
+    QString path(const QString &name) const { return dir->filePath(name); }
+    QStringList withSettings(QStringList arguments) const;
+    static QByteArray readFile(const QString &fileName);
+    static void writeFile(const QString &fileName, const QByteArray &bytes);
+
+    QTemporaryDir *dir = nullptr;
+};
+
+namespace {
+
+const QString program = QStringLiteral(ASCIIEXPORT_PROGRAM);
+
+const QStringList everyGroup{
+    "exportDateTime", "exportUtc", "exportStatusFlags", "exportClipFlags", "exportRssi",
+    "exportCalibratedAcceleration", "exportFreeAcceleration", "exportCalibratedAngularVelocity",
+    "exportMagneticField", "exportVelocityIncrement", "exportOrientationIncrement", "exportPosition",
+    "exportVelocity", "exportTemperature", "exportGyroTemperature", "exportPressure",
+    "exportScrAcceleration", "exportScrGyroscopeData", "exportScrMagneticField", "exportScrTemperature",
+    "exportScrGyroTemperature", "exportRawGps", "exportRawGnss", "exportTriggerIn1", "exportTriggerIn2",
+};
+
+QStringList setAll(const QStringList &keys)
+{
+    QStringList arguments;
+    for (const QString &key : keys)
+        arguments << QStringLiteral("--set") << key + QStringLiteral("=true");
+    return arguments;
+}
+
+const QByteArray recordingObject =
+    "{\"properties\": {\"StartTime\": \"2026-11-21 09:30:00\", \"FilterProfile\": \"general\", "
+    "\"FilterProfileVersion\": 1, \"FilterProfileType\": 39, \"OptionFlags\": 0, "
+    "\"FirmwareVersion\": \"1.2.3\", \"DeviceId\": \"0123ABCD\", \"ProductCode\": \"T100\"}, "
+    "\"updateRate\": 100}\n";
+
+} // namespace
+
+void tst_HostProgram::init()
+{
+    dir = new QTemporaryDir;
+    QVERIFY(dir->isValid());
+}
+
+void tst_HostProgram::cleanup()
+{
+    delete dir;
+}
+
+tst_HostProgram::Result tst_HostProgram::run(const QStringList &arguments, const QString &workingDirectory)
+{
+    QProcess process;
+    process.setWorkingDirectory(workingDirectory.isEmpty() ? dir->path() : workingDirectory);
+    process.start(program, arguments);
+    Result result;
+    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
+        return result;
+    result.status = process.exitCode();
+    result.out = process.readAllStandardOutput();
+    result.err = process.readAllStandardError();
+    return result;
+}
+
+QStringList tst_HostProgram::withSettings(QStringList arguments) const
+{
+    arguments.insert(1, QStringLiteral("--settings"));
+    arguments.insert(2, path(QStringLiteral("settings.ini")));
+    return arguments;
+}
+
+QString tst_HostProgram::generated(const QString &name, const QStringList &options)
+{
+    const Result result = run(QStringList{QStringLiteral("generate"), QStringLiteral("-o"), path(name)} + options);
+    return result.status == 0 ? path(name) : QString();
+}
+
+QByteArray tst_HostProgram::readFile(const QString &fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
+}
+
+void tst_HostProgram::writeFile(const QString &fileName, const QByteArray &bytes)
+{
+    QFile file(fileName);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+void tst_HostProgram::generatedExports_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("default settings") << QStringList() << "host-defaults.txt";
+    QTest::newRow("every group with Euler angles") << setAll(everyGroup) << "host-all-euler.txt";
+    QTest::newRow("every group with a matrix, commas, NaN and high precision")
+        << setAll(everyGroup) + QStringList{"--set", "exportOrientation=Matrix", "--set", "useCommaDelimiter=1",
+                                            "--set", "insertNan=true", "--set", "highPrecision=true"}
+        << "host-all-matrix.txt";
+}
+
+// Checked by hand against the recording (tests/data/host-recording.jsonl is
+// what generate writes for the options below), first row of
+// host-all-euler.txt: packet counter 00000, sample time 1200000, the date
+// 2026 11 21 with 0.0000 seconds, RSSI -60.0000, acceleration -0.293909
+// 0.018725 9.808920, pressure 96502.8000, the Euler angles 0.000000 1.610544
+// 30.000000 worked out from the quaternion (0.965830427, -0.003637491,
+// 0.013575302, 0.258793483), position 47.376900000 8.541700000 412.000000,
+// temperature 24.52, gyroscope words 6277 6380 6482 as 25 25 25, the GNSS
+// time of week 552618000, longitude 8.5416991, latitude 47.3768999, motion
+// heading 60.91, geometric DOP 2.16, and 410 fields in header and row.
+void tst_HostProgram::generatedExports()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QString, expected);
+
+    const QString recording = generated(QStringLiteral("rec.jsonl"),
+                                        {"--samples", "25", "--seed", "7", "--rate", "50"});
+    QVERIFY(!recording.isEmpty());
+    QCOMPARE(readFile(recording), readFile(QStringLiteral(TEST_DATA_DIR "/host-recording.jsonl")));
+
+    const Result result = run(withSettings(QStringList{"export", "--quiet", "-o", path("out.txt")} + options
+                                           + QStringList{recording}));
+    QCOMPARE(result.err, QByteArray());
+    QCOMPARE(result.status, 0);
+    QCOMPARE(readFile(path("out.txt")), readFile(QStringLiteral(TEST_DATA_DIR "/") + expected));
+}
+
+void tst_HostProgram::generateIsDeterministic()
+{
+    const QString first = generated(QStringLiteral("a.jsonl"), {"--samples", "300", "--seed", "42"});
+    const QString second = generated(QStringLiteral("b.jsonl"), {"--samples", "300", "--seed", "42"});
+    const QString other = generated(QStringLiteral("c.jsonl"), {"--samples", "300", "--seed", "43"});
+    QVERIFY(!first.isEmpty() && !second.isEmpty() && !other.isEmpty());
+    QCOMPARE(readFile(first), readFile(second));
+    QVERIFY(readFile(first) != readFile(other));
+
+    const QString some = generated(QStringLiteral("d.jsonl"),
+                                   {"--samples", "3", "--groups", "packetCounter,orientationQuaternion"});
+    const QList<QByteArray> lines = readFile(some).trimmed().split('\n');
+    QCOMPARE(lines.size(), 4);
+    QVERIFY(lines.at(1).startsWith("{\"packetCounter\":"));
+    QVERIFY(lines.at(1).contains("\"orientationQuaternion\":"));
+    QVERIFY(!lines.at(1).contains("calibratedAcceleration"));
+}
+
+void tst_HostProgram::setTyping_data()
+{
+    QTest::addColumn<QStringList>("sets");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("columnLine");
+    QTest::addColumn<QByteArray>("error");
+
+    QTest::newRow("true for a boolean key") << QStringList{"exportRssi=true"} << 0
+        << QByteArray("PacketCounter\tSampleTimeFine\tRSSI\tRoll\tPitch\tYaw") << QByteArray();
+    QTest::newRow("1 for a boolean key") << QStringList{"exportRssi=1"} << 0
+        << QByteArray("PacketCounter\tSampleTimeFine\tRSSI\tRoll\tPitch\tYaw") << QByteArray();
+    QTest::newRow("0 for a boolean key") << QStringList{"exportSampleTimeFine=0"} << 0
+        << QByteArray("PacketCounter\tRoll\tPitch\tYaw") << QByteArray();
+    QTest::newRow("false for a boolean key") << QStringList{"exportSampleTimeFine=false"} << 0
+        << QByteArray("PacketCounter\tRoll\tPitch\tYaw") << QByteArray();
+    QTest::newRow("yes is a usage error for a boolean key") << QStringList{"exportRssi=yes"} << 2
+        << QByteArray() << QByteArray("asciiexport export: exportRssi takes true, false, 1 or 0, not \"yes\"\n"
+                                      "Try 'asciiexport export --help'.\n");
+    QTest::newRow("an empty value is a usage error for a boolean key") << QStringList{"exportRssi="} << 2
+        << QByteArray() << QByteArray("asciiexport export: exportRssi takes true, false, 1 or 0, not \"\"\n"
+                                      "Try 'asciiexport export --help'.\n");
+    // " = " loses its last blank only: one character comes off the line
+    QTest::newRow("a string key takes the text after the first = verbatim")
+        << QStringList{"useOtherDelimiter=true", "otherDelimiter= = "} << 0
+        << QByteArray("PacketCounter = SampleTimeFine = Roll = Pitch = Yaw =") << QByteArray();
+    QTest::newRow("a string key keeps true as text")
+        << QStringList{"exportOrientation=true"} << 0 << QByteArray("PacketCounter\tSampleTimeFine") << QByteArray();
+    QTest::newRow("later changes win") << QStringList{"exportRssi=true", "exportRssi=false"} << 0
+        << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw") << QByteArray();
+    QTest::newRow("no = is a usage error") << QStringList{"exportRssi"} << 2 << QByteArray()
+        << QByteArray("asciiexport export: --set takes KEY=VALUE, not \"exportRssi\"\n"
+                      "Try 'asciiexport export --help'.\n");
+}
+
+void tst_HostProgram::setTyping()
+{
+    QFETCH(QStringList, sets);
+    QFETCH(int, status);
+    QFETCH(QByteArray, columnLine);
+    QFETCH(QByteArray, error);
+
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
+    QStringList arguments{"export", "--quiet", "-o", path("out.txt")};
+    for (const QString &set : sets)
+        arguments << QStringLiteral("--set") << set;
+    const Result result = run(withSettings(arguments << recording));
+    QCOMPARE(result.err, error);
+    QCOMPARE(result.status, status);
+    if (status == 0)
+        QCOMPARE(readFile(path("out.txt")).split('\n').value(5), columnLine);
+    else
+        QVERIFY(!QFile::exists(path("out.txt")));
+}
+
+void tst_HostProgram::setIsNotSaved()
+{
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
+    writeFile(path("settings.ini"), "[General]\nexportRssi=false\n");
+    const Result result = run(withSettings({"export", "--quiet", "--set", "exportRssi=true", recording}));
+    QCOMPARE(result.status, 0);
+    QCOMPARE(readFile(path("settings.ini")), QByteArray("[General]\nexportRssi=false\n"));
+}
+
+void tst_HostProgram::patternNaming()
+{
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("in")));
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("out")));
+    const QByteArray sample = "{\"packetCounter\": 1, \"orientationEuler\": [1, 2, 3]}\n";
+    writeFile(path("in/walk.jsonl"), recordingObject + sample);
+    writeFile(path("in/run.day2.jsonl"), recordingObject + sample);
+    // the same recording twice on the command line: <seqnr> keeps them apart
+    const QStringList recordings{path("in/walk.jsonl"), path("in/run.day2.jsonl"), path("in/walk.jsonl")};
+    const Result beside = run(withSettings(QStringList{"export", "--quiet", "--set",
+                                                       "outputFileFormat=<inputfile>_<seqnr>_<deviceid>-<productcode>"}
+                                           + recordings));
+    QCOMPARE(beside.err, QByteArray());
+    QCOMPARE(beside.status, 0);
+    QCOMPARE(QDir(path("in")).entryList(QDir::Files, QDir::Name),
+             (QStringList{"run.day2.jsonl", "run.day2_002_0123ABCD-T100.txt", "walk.jsonl",
+                          "walk_001_0123ABCD-T100.txt", "walk_003_0123ABCD-T100.txt"}));
+
+    const Result inFolder = run(withSettings(QStringList{"export", "--quiet", "--output-dir", path("out"),
+                                                         "--set", "outputFileExtension=csv",
+                                                         "--set", "outputFileFormat=<filterprofile>-<seqnr>"}
+                                             + recordings.mid(0, 2)));
+    QCOMPARE(inFolder.status, 0);
+    QCOMPARE(QDir(path("out")).entryList(QDir::Files, QDir::Name), (QStringList{"general-001.csv", "general-002.csv"}));
+
+    const Result dated = run(withSettings({"export", "--quiet", "--output-dir", path("out"),
+                                           "--set", "outputFileFormat=<date>_<time>", recordings.first()}));
+    QCOMPARE(dated.status, 0);
+    const QStringList names = QDir(path("out")).entryList({"*.txt"}, QDir::Files);
+    QCOMPARE(names.size(), 1);
+    QVERIFY2(QRegularExpression(QStringLiteral("^\\d{4}-\\d\\d-\\d\\d_\\d\\dh\\d\\d\\.txt$")).match(names.first()).hasMatch(),
+             qPrintable(names.first()));
+}
+
+void tst_HostProgram::outputFileAndFolder()
+{
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "3"});
+    const Result result = run(withSettings({"export", "--quiet", "--output", QStringLiteral("exact name.dat"), recording}));
+    QCOMPARE(result.status, 0);
+    QVERIFY(QFile::exists(path("exact name.dat")));
+    QVERIFY(!QFile::exists(path("rec-001.txt")));
+}
+
+void tst_HostProgram::badLine_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("message");
+
+    const QByteArray good = "{\"packetCounter\": 1, \"orientationEuler\": [1, 2, 3]}\n";
+    QTest::newRow("at line 1: no recording object")
+        << QByteArray("[1, 2, 3]\n") + good << QByteArray(":1: ");
+    QTest::newRow("in the middle: out of range")
+        << recordingObject + good + "{\"packetCounter\": 70000}\n" + good << QByteArray(":3: \"packetCounter\": 70000 is out of range (0..65535)");
+    QTest::newRow("at the end: not an object")
+        << recordingObject + good + good + "42\n" << QByteArray(":4: ");
+    QTest::newRow("at the end: a line cut short")
+        << recordingObject + good + "{\"packetCounter\": 1, \"orientationEuler\": [1, 2" << QByteArray(":3: ");
+    QTest::newRow("a list of the wrong length")
+        << recordingObject + "{\"orientationEuler\": [1, 2]}\n" << QByteArray(":2: \"orientationEuler\"");
+    QTest::newRow("a value of the wrong type")
+        << recordingObject + "{\"pressure\": \"high\"}\n" << QByteArray(":2: \"pressure\"");
+}
+
+void tst_HostProgram::badLine()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QByteArray, message);
+
+    writeFile(path("bad.jsonl"), content);
+    const QString good = generated(QStringLiteral("good.jsonl"), {"--samples", "2"});
+    const Result result = run(withSettings({"export", "--quiet", path("bad.jsonl"), good}));
+    QCOMPARE(result.status, 1);
+    const QList<QByteArray> lines = result.err.split('\n');
+    QCOMPARE(lines.size(), 2);  // one line, then the final line end
+    QVERIFY2(lines.first().startsWith(path("bad.jsonl").toUtf8() + message), result.err.constData());
+    QVERIFY(!QFile::exists(path("bad-001.txt")));
+    // nothing else is left behind either
+    QCOMPARE(QDir(dir->path()).entryList(QDir::Files, QDir::Name),
+             (QStringList{"bad.jsonl", "good-002.txt", "good.jsonl"}));
+}
+
+void tst_HostProgram::failedExportKeepsAnOlderFile()
+{
+    writeFile(path("rec.jsonl"), recordingObject + "{\"packetCounter\": -1}\n");
+    writeFile(path("rec-001.txt"), "an older export\n");
+    const Result result = run(withSettings({"export", "--quiet", path("rec.jsonl")}));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(readFile(path("rec-001.txt")), QByteArray("an older export\n"));
+}
+
+void tst_HostProgram::unwritableOutputFolder()
+{
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
+    QString folder = path(QStringLiteral("locked"));
+    QVERIFY(QDir().mkdir(folder));
+    QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+    if (::geteuid() == 0)
+        folder = QStringLiteral("/proc");  // root writes anywhere but there
+    const Result result = run(withSettings({"export", "--quiet", "--output-dir", folder, recording}));
+    QCOMPARE(result.status, 1);
+    // the plug-in's message: the name of the file it could not open
+    QCOMPARE(result.err, (folder + QStringLiteral("/rec-001.txt\n")).toUtf8());
+    QFile::setPermissions(path(QStringLiteral("locked")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+void tst_HostProgram::sameOutputTwice()
+{
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("a")));
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("b")));
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("out")));
+    const QString first = generated(QStringLiteral("a/rec.jsonl"), {"--samples", "2", "--seed", "1"});
+    const QString second = generated(QStringLiteral("b/rec.jsonl"), {"--samples", "2", "--seed", "2"});
+    const Result result = run(withSettings({"export", "--quiet", "--output-dir", path("out"),
+                                            "--set", "outputFileFormat=<inputfile>", first, second}));
+    QCOMPARE(result.status, 1);
+    QVERIFY2(result.err.contains("was written for"), result.err.constData());
+    // the first export is kept, not overwritten by the second
+    QVERIFY(readFile(path("out/rec.txt")).contains("00000\t"));
+}
+
+void tst_HostProgram::usageErrors_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("message");
+
+    QTest::newRow("no command") << QStringList() << QByteArray("asciiexport: no command given");
+    QTest::newRow("an unknown command") << QStringList{"convert"} << QByteArray("asciiexport: unknown command \"convert\"");
+    QTest::newRow("no recording") << QStringList{"export"} << QByteArray("asciiexport export: no recording given");
+    QTest::newRow("an unknown option") << QStringList{"export", "--fast", "x.jsonl"}
+        << QByteArray("asciiexport export: Unknown option 'fast'.");
+    QTest::newRow("--output with two recordings") << QStringList{"export", "-o", "x.txt", "a.jsonl", "b.jsonl"}
+        << QByteArray("asciiexport export: --output takes one recording only; use --output-dir for several");
+    QTest::newRow("--output and --output-dir") << QStringList{"export", "-o", "x.txt", "--output-dir", ".", "a.jsonl"}
+        << QByteArray("asciiexport export: --output and --output-dir exclude each other");
+    QTest::newRow("--progress and --quiet") << QStringList{"export", "--progress", "--quiet", "a.jsonl"}
+        << QByteArray("asciiexport export: --progress and --quiet exclude each other");
+    QTest::newRow("generate without output") << QStringList{"generate"}
+        << QByteArray("asciiexport generate: --output is required");
+    QTest::newRow("generate with a bad count") << QStringList{"generate", "--samples", "-3", "-o", "x"}
+        << QByteArray("asciiexport generate: --samples takes a whole number of 0 or more");
+    QTest::newRow("generate with a zero rate") << QStringList{"generate", "--rate", "0", "-o", "x"}
+        << QByteArray("asciiexport generate: --rate takes a number greater than 0");
+    QTest::newRow("generate with an unknown key") << QStringList{"generate", "--groups", "packetCounter,speed", "-o", "x"}
+        << QByteArray("asciiexport generate: unknown sample key \"speed\"");
+    QTest::newRow("settings with an argument") << QStringList{"settings", "extra"}
+        << QByteArray("asciiexport settings: unexpected argument \"extra\"");
+}
+
+void tst_HostProgram::usageErrors()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, message);
+
+    const Result result = run(arguments);
+    QCOMPARE(result.status, 2);
+    QVERIFY2(result.err.startsWith(message), result.err.constData());
+    QCOMPARE(QDir(dir->path()).entryList(QDir::Files), QStringList());
+}
+
+void tst_HostProgram::pluginFaults_data()
+{
+    QTest::addColumn<QString>("plugin");
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("a missing plug-in file") << "missing.so" << "no such plug-in file";
+    QTest::newRow("a file that is no plug-in") << "text.so" << "not a usable Qt plug-in";
+    QTest::newRow("a folder") << "." << "is a folder, not a plug-in file";
+    QTest::newRow("a Qt plug-in for another interface") << QStringLiteral(OTHER_QT_PLUGIN)
+        << "not an exporter plug-in (it does not provide com.korvat.Zentrel.AbstractExporterFactory/1.0)";
+}
+
+void tst_HostProgram::pluginFaults()
+{
+    QFETCH(QString, plugin);
+    QFETCH(QString, message);
+
+    writeFile(path("text.so"), "not a shared object\n");
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
+    for (const char *command : {"export", "settings", "info"}) {
+        QStringList arguments{QString::fromLatin1(command), "--plugin", plugin};
+        if (qstrcmp(command, "export") == 0)
+            arguments << recording;
+        const Result result = run(withSettings(arguments));
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.err.contains(message.toUtf8()), result.err.constData());
+        QCOMPARE(result.err.count('\n'), 1);
+    }
+    QVERIFY(!QFile::exists(path("rec-001.txt")));
+}
+
+void tst_HostProgram::helpForEveryCommand_data()
+{
+    QTest::addColumn<QString>("command");
+    for (const char *command : {"export", "settings", "options", "info", "generate"})
+        QTest::newRow(command) << QString::fromLatin1(command);
+}
+
+void tst_HostProgram::helpForEveryCommand()
+{
+    QFETCH(QString, command);
+
+    const Result result = run({command, QStringLiteral("--help")});
+    QCOMPARE(result.status, 0);
+    QVERIFY2(result.out.startsWith("Usage: asciiexport " + command.toUtf8() + " [options]"), result.out.constData());
+    const Result overview = run({QStringLiteral("--help")});
+    QCOMPARE(overview.status, 0);
+    QVERIFY(overview.out.contains("  " + command.toUtf8() + " "));
+}
+
+void tst_HostProgram::settingsListing()
+{
+    writeFile(path("settings.ini"), "[General]\nexportRssi=true\notherDelimiter=|\n");
+    const Result result = run(withSettings({"settings"}));
+    QCOMPARE(result.status, 0);
+    const QList<QByteArray> lines = result.out.trimmed().split('\n');
+    QCOMPARE(lines.size(), 43);  // 42 settings and the described spelling without a default
+    QVERIFY(lines.contains("exportRssi: true (default: false)  Export the RSSI"));
+    QVERIFY(lines.contains("otherDelimiter: \"|\" (default: \"\")  Use this custom delimiter"));
+    QVERIFY(lines.contains("exportScrcceleration: (none) (default: (none))  Export SCR acceleration data"));
+    QVERIFY(lines.contains("exportScrAcceleration: false (default: false)"));
+}
+
+void tst_HostProgram::info()
+{
+    const Result result = run(withSettings({"info"}));
+    QCOMPARE(result.status, 0);
+    QVERIFY(result.out.contains("IID:            AsciiExporterFactory\n"));
+    QVERIFY(result.out.contains("Name:           ASCII Exporter\n"));
+    QVERIFY(result.out.contains("Version:        3.6\n"));
+    QVERIFY(result.out.contains("File extension: txt\n"));
+    QVERIFY(result.out.contains("Debug build:    no\n"));
+}
+
+QTEST_GUILESS_MAIN(tst_HostProgram)
+#include "tst_hostprogram.moc"

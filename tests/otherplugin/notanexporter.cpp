@@ -1,0 +1,6 @@
+#include "notanexporter.h"
+
+NotAnExporter::NotAnExporter(QObject *parent)
+    : QObject(parent)
+{
+}
