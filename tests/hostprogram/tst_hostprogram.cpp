@@ -24,6 +24,7 @@ private slots:
     void setIsNotSaved();
     void patternNaming();
     void outputFileAndFolder();
+    void progress();
     void badLine_data();
     void badLine();
     void failedExportKeepsAnOlderFile();
@@ -299,6 +300,22 @@ void tst_HostProgram::outputFileAndFolder()
     QCOMPARE(result.status, 0);
     QVERIFY(QFile::exists(path("exact name.dat")));
     QVERIFY(!QFile::exists(path("rec-001.txt")));
+}
+
+void tst_HostProgram::progress()
+{
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2000"});
+    const Result shown = run(withSettings({"export", "--progress", recording}));
+    QCOMPARE(shown.status, 0);
+    QVERIFY2(shown.err.startsWith("\r[") && shown.err.contains("] 100% rec.jsonl"), shown.err.constData());
+    // the bar is wiped at the end, and nothing else is said
+    QVERIFY(shown.err.endsWith('\r'));
+    QVERIFY(!shown.err.contains('\n'));
+
+    // not a terminal: no progress unless asked for
+    const Result silent = run(withSettings({"export", recording}));
+    QCOMPARE(silent.status, 0);
+    QCOMPARE(silent.err, QByteArray());
 }
 
 void tst_HostProgram::badLine_data()
