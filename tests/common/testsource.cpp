@@ -4,9 +4,9 @@ KvTriggerIndication TestSource::triggerIndication(quint32 dataId) const
 {
     switch (dataId) {
     case 0x4810:
-        return sample.triggerIn1;
+        return current().triggerIn1;
     case 0x4820:
-        return sample.triggerIn2;
+        return current().triggerIn2;
     default:
         return KvTriggerIndication();
     }

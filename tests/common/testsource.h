@@ -53,6 +53,9 @@ struct TestSample
 /**
  * An export source over properties, a rate and one current sample, all set by
  * the test. It records every message the exporter reports.
+ *
+ * The current sample is `sample`, or one kept elsewhere after show(), which
+ * lets a benchmark step through samples without copying them.
  */
 class TestSource : public ExportSource
 {
@@ -62,44 +65,56 @@ public:
     TestSample sample;
     QList<QPair<int, QString>> messages;
 
+    TestSource() = default;
+    TestSource(const TestSource &) = delete;
+    TestSource &operator=(const TestSource &) = delete;
+
+    /** Presents @p other, which must outlive its showing; null presents `sample` again. */
+    void show(const TestSample *other) { shown = other; }
+
     double updateRate() const override { return rate; }
     QVariant property(const QString &key) const override { return properties.value(key); }
     void reportMessage(int kind, const QString &text) override { messages.append({kind, text}); }
 
     quint32 orientationSelector() const override { return 0x2010; }
     quint32 velocitySelector() const override { return 0xD010; }
-    QDateTime sampleDateTime() const override { return sample.dateTime; }
-    KvUtcTime utcTime() const override { return sample.utc; }
-    quint16 packetCounter() const override { return sample.packetCounter; }
-    quint32 sampleTimeFine() const override { return sample.sampleTimeFine; }
-    bool hasSampleTimeFine() const override { return sample.hasSampleTimeFine; }
-    double temperature() const override { return sample.temperature; }
-    quint16 scrTemperature() const override { return sample.scrTemperature; }
-    QVector<quint16> gyroTemperatures() const override { return sample.gyroTemperatures; }
-    KvVector calibratedAcceleration() const override { return sample.calibratedAcceleration; }
-    KvVector freeAcceleration() const override { return sample.freeAcceleration; }
-    KvVector scrAcceleration() const override { return sample.scrAcceleration; }
-    KvVector velocityIncrement() const override { return sample.velocityIncrement; }
-    KvVector calibratedAngularVelocity() const override { return sample.calibratedAngularVelocity; }
-    KvVector scrGyroscopeData() const override { return sample.scrGyroscopeData; }
-    KvQuaternion orientationIncrement() const override { return sample.orientationIncrement; }
-    KvVector magneticField() const override { return sample.magneticField; }
-    KvVector scrMagneticField() const override { return sample.scrMagneticField; }
-    KvQuaternion orientationQuaternion(quint32) const override { return sample.orientationQuaternion; }
-    KvEulerAngles orientationEuler(quint32) const override { return sample.orientationEuler; }
-    KvMatrix orientationMatrix(quint32) const override { return sample.orientationMatrix; }
-    KvVector latitudeLongitude() const override { return sample.latitudeLongitude; }
-    double altitude() const override { return sample.altitude; }
-    KvVector velocity(quint32) const override { return sample.velocity; }
-    qint32 statusWord() const override { return sample.statusWord; }
-    double pressure() const override { return sample.pressure; }
-    double rssi() const override { return sample.rssi; }
-    quint16 clippingFlags() const override { return sample.clippingFlags; }
-    KvGpsDop gpsDopRecord() const override { return sample.gpsDop; }
-    KvGpsSolution gpsSolutionRecord() const override { return sample.gpsSolution; }
-    KvGpsUtcTime gpsUtcTimeRecord() const override { return sample.gpsUtcTime; }
-    KvGpsSatelliteInfo gpsSatelliteRecord() const override { return sample.gpsSatellites; }
-    KvGnssPvt gnssPvtRecord() const override { return sample.gnssPvt; }
-    KvGnssSatelliteInfo gnssSatelliteRecord() const override { return sample.gnssSatellites; }
+    QDateTime sampleDateTime() const override { return current().dateTime; }
+    KvUtcTime utcTime() const override { return current().utc; }
+    quint16 packetCounter() const override { return current().packetCounter; }
+    quint32 sampleTimeFine() const override { return current().sampleTimeFine; }
+    bool hasSampleTimeFine() const override { return current().hasSampleTimeFine; }
+    double temperature() const override { return current().temperature; }
+    quint16 scrTemperature() const override { return current().scrTemperature; }
+    QVector<quint16> gyroTemperatures() const override { return current().gyroTemperatures; }
+    KvVector calibratedAcceleration() const override { return current().calibratedAcceleration; }
+    KvVector freeAcceleration() const override { return current().freeAcceleration; }
+    KvVector scrAcceleration() const override { return current().scrAcceleration; }
+    KvVector velocityIncrement() const override { return current().velocityIncrement; }
+    KvVector calibratedAngularVelocity() const override { return current().calibratedAngularVelocity; }
+    KvVector scrGyroscopeData() const override { return current().scrGyroscopeData; }
+    KvQuaternion orientationIncrement() const override { return current().orientationIncrement; }
+    KvVector magneticField() const override { return current().magneticField; }
+    KvVector scrMagneticField() const override { return current().scrMagneticField; }
+    KvQuaternion orientationQuaternion(quint32) const override { return current().orientationQuaternion; }
+    KvEulerAngles orientationEuler(quint32) const override { return current().orientationEuler; }
+    KvMatrix orientationMatrix(quint32) const override { return current().orientationMatrix; }
+    KvVector latitudeLongitude() const override { return current().latitudeLongitude; }
+    double altitude() const override { return current().altitude; }
+    KvVector velocity(quint32) const override { return current().velocity; }
+    qint32 statusWord() const override { return current().statusWord; }
+    double pressure() const override { return current().pressure; }
+    double rssi() const override { return current().rssi; }
+    quint16 clippingFlags() const override { return current().clippingFlags; }
+    KvGpsDop gpsDopRecord() const override { return current().gpsDop; }
+    KvGpsSolution gpsSolutionRecord() const override { return current().gpsSolution; }
+    KvGpsUtcTime gpsUtcTimeRecord() const override { return current().gpsUtcTime; }
+    KvGpsSatelliteInfo gpsSatelliteRecord() const override { return current().gpsSatellites; }
+    KvGnssPvt gnssPvtRecord() const override { return current().gnssPvt; }
+    KvGnssSatelliteInfo gnssSatelliteRecord() const override { return current().gnssSatellites; }
     KvTriggerIndication triggerIndication(quint32 dataId) const override;
+
+private:
+    const TestSample &current() const { return shown ? *shown : sample; }
+
+    const TestSample *shown = nullptr;
 };
