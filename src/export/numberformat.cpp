@@ -19,7 +19,7 @@ constexpr quint64 powersOf10[] = {
     100000000000000000ull, 1000000000000000000ull, 10000000000000000000ull,
 };
 
-// Up to 5^27, the largest power of five below 2 * 10^18.
+// Up to 5^27, the largest power of five in 64 bits.
 constexpr quint64 powersOf5[] = {
     1ull, 5ull, 25ull, 125ull, 625ull, 3125ull, 15625ull, 78125ull, 390625ull,
     1953125ull, 9765625ull, 48828125ull, 244140625ull, 1220703125ull, 6103515625ull,
@@ -84,7 +84,7 @@ char *writeSpecial(char *out, const Binary &b)
 int decimalLength(quint64 n)
 {
     n |= 1; // same length, and zero has one digit
-    // 1233 / 4096 is just above log10(2): the guess is exact or one too high.
+    // Numbers of this bit length have guess or guess + 1 digits (1233 / 4096 ~ log10(2)).
     const int guess = ((64 - qCountLeadingZeroBits(n)) * 1233) >> 12;
     return guess + 1 - (n < powersOf10[guess]);
 }
@@ -133,14 +133,15 @@ char *writePadded(char *out, bool negative, quint64 magnitude, int width, char f
 }
 
 // Whether mantissa * 2^exponent lies exactly halfway between two numbers of
-// `digits` significant digits. If so, *below gets the digits of the lower one
-// and *decpt the position of the decimal point relative to them.
-bool isDecimalTie(quint64 mantissa, int exponent, int digits, quint64 *below, int *decpt)
+// `digits` significant digits. If so, *rounded gets the digits of the upper
+// one, where Qt rounds to, and *decpt the position of the decimal point
+// relative to the digits.
+bool isDecimalTie(quint64 mantissa, int exponent, int digits, quint64 *rounded, int *decpt)
 {
     const int zeroBits = qCountTrailingZeroBits(mantissa);
     mantissa >>= zeroBits;
     exponent += zeroBits;
-    // A tie is (2 * below + 1) / 2 * 10^q. With an odd mantissa the powers of
+    // A tie is (2 * lower + 1) / 2 * 10^q. With an odd mantissa the powers of
     // two on both sides only match for q = exponent + 1.
     const int q = exponent + 1;
     quint64 odd;
@@ -159,9 +160,51 @@ bool isDecimalTie(quint64 mantissa, int exponent, int digits, quint64 *below, in
     const quint64 lower = odd / 2;
     if (lower < powersOf10[digits - 1] || lower >= powersOf10[digits])
         return false;
-    *below = lower;
+    *rounded = lower + 1;
     *decpt = digits + q;
     return true;
+}
+
+// The `digits` significant digits of mantissa * 2^exponent, rounded half away
+// from zero, as a number of `digits` digits (or 10^digits after a carry), and
+// the position of the decimal point relative to them. Works in 128 bits, for
+// normal values below 2^53 that are not too small for that.
+bool roundExactly(quint64 mantissa, int exponent, int digits, quint64 *rounded, int *decpt)
+{
+    if (exponent >= 0 || exponent < -127 || mantissa < quint64(1) << 52)
+        return false;
+    const int shift = -exponent;
+    // The value lies in [2^(52 - shift), 2^(53 - shift)); 78913 / 2^18 is just
+    // below log10(2), so this is floor(log10(value)) or one less.
+    int power = ((52 - shift) * 78913) >> 18;
+    for (;;) {
+        const int scale = digits - 1 - power;
+        if (scale > 22)
+            return false;
+        quint64 truncated;
+        quint64 n;
+        if (scale >= 0) {
+            quint128 scaled = quint128(mantissa) * powersOf10[qMin(scale, 19)];
+            if (scale > 19)
+                scaled *= powersOf10[scale - 19];
+            truncated = quint64(scaled >> shift);
+            n = quint64(((scaled >> (shift - 1)) + 1) >> 1);
+        } else {
+            // Dropping whole digits: the part below the point cannot tip the
+            // rounding, as half of 10^-scale is a whole number.
+            const quint64 whole = mantissa >> shift;
+            const quint64 unit = powersOf10[-scale];
+            truncated = whole / unit;
+            n = truncated + (whole - truncated * unit >= unit / 2);
+        }
+        if (truncated >= powersOf10[digits]) {
+            ++power;
+            continue;
+        }
+        *rounded = n;
+        *decpt = power + 1;
+        return true;
+    }
 }
 
 } // namespace
@@ -188,19 +231,24 @@ char *NumberFormat::writeFixed(char *out, double v, int decimals)
         return out;
     }
 
-    // |v| * 10^decimals = scaled / 2^shift exactly; round half away from zero.
+    // |v| = mantissa / 2^shift: the whole part is the bits above the point,
+    // the decimals those below it times 10^decimals, rounded half away from zero.
     const int shift = -b.exponent;
     const quint64 unit = powersOf10[decimals];
-    const quint128 scaled = quint128(b.mantissa) * unit;
-    const quint128 rounded = shift <= 128 ? ((scaled >> (shift - 1)) + 1) >> 1 : 0;
-    quint64 integral;
-    quint64 fraction;
-    if (rounded >> 64 == 0) {
-        integral = quint64(rounded) / unit;
-        fraction = quint64(rounded) - integral * unit;
-    } else {
-        integral = quint64(rounded / unit);
-        fraction = quint64(rounded - quint128(integral) * unit);
+    quint64 integral = 0;
+    quint64 below = b.mantissa;
+    if (shift < 64) {
+        integral = b.mantissa >> shift;
+        below = b.mantissa & ((quint64(1) << shift) - 1);
+    }
+    quint64 fraction = 0;
+    if (shift <= 128) {
+        const quint128 scaled = quint128(below) * unit;
+        fraction = quint64(((scaled >> (shift - 1)) + 1) >> 1);
+        if (fraction == unit) {
+            ++integral;
+            fraction = 0;
+        }
     }
     out = writeDecimal(out, integral);
     if (decimals > 0) {
@@ -224,22 +272,23 @@ char *NumberFormat::writeGeneral(char *out, double v, int digits)
     if (b.negative)
         *out++ = '-';
 
-    // to_chars rounds exactly but sends ties to even; Qt sends them away from zero.
-    char text[MaxDigits + 1];
-    int length;
+    // Exactly rounded digits as a number and the decimal point after them.
+    quint64 rounded;
     int decpt;
-    quint64 below;
-    if (isDecimalTie(b.mantissa, b.exponent, digits, &below, &decpt)) {
-        if (below + 1 == powersOf10[digits]) {
+    char text[MaxDigits + 1];
+    int length = digits;
+    if (roundExactly(b.mantissa, b.exponent, digits, &rounded, &decpt)
+        || isDecimalTie(b.mantissa, b.exponent, digits, &rounded, &decpt)) {
+        if (rounded == powersOf10[digits]) {
             text[0] = '1';
             length = 1;
             ++decpt;
         } else {
-            writeDigits(text, below + 1, digits);
-            length = digits;
+            writeDigits(text, rounded, digits);
         }
     } else {
-        // "d.ddde+xx": the digits, then the exponent of the first one.
+        // to_chars rounds exactly too, and only sends ties, handled above, to even.
+        // It gives "d.ddde+xx": the digits, then the exponent of the first one.
         char scientific[32];
         const char *end = std::to_chars(scientific, scientific + sizeof scientific, std::fabs(v),
                                         std::chars_format::scientific, digits - 1).ptr;

@@ -426,3 +426,13 @@ QVector<quint64> NumberFormatCase::values(int count, quint64 seed) const
     }
     return values;
 }
+
+QVector<quint64> NumberFormatCase::typicalValues(int count, quint64 seed) const
+{
+    QRandomGenerator rng(quint32(seed) ^ quint32(seed >> 32) ^ qHash(name));
+    QVector<quint64> values;
+    values.reserve(count);
+    for (int i = 0; i < count; ++i)
+        values.append(kind == Double ? fromDouble(sensorValue(rng)) : smallInteger(rng));
+    return values;
+}

@@ -30,6 +30,8 @@ struct NumberFormatCase
 
     // Edge values first, then a reproducible mix from seed up to count in all.
     QVector<quint64> values(int count, quint64 seed) const;
+    // Only what a recording mostly holds: sensor readings, small integers.
+    QVector<quint64> typicalValues(int count, quint64 seed) const;
 
     QString name;
     Call call = Asprintf;
