@@ -14,16 +14,46 @@ SettingsSynchronizer::SettingsSynchronizer(const QMap<QString, QVariant> &defaul
 {
     for (auto it = defaults.cbegin(); it != defaults.cend(); ++it)
         defaultValues.insert(it.key(), it.value());
+    current = defaultValues;
 }
 
 SettingsSynchronizer::~SettingsSynchronizer() = default;
 
+std::size_t SettingsSynchronizer::answerSlot(const QString &key)
+{
+    return std::size_t((quint64(quintptr(key.constData())) * 0x9E3779B97F4A7C15ull) >> 54) % answerSlots;
+}
+
 QVariant SettingsSynchronizer::setting(const QString &key) const
 {
-    const auto stored = values.constFind(key);
-    if (stored != values.cend())
-        return *stored;
-    return defaultValues.value(key);
+    const Answer &answer = answers[answerSlot(key)];
+    if (Q_LIKELY(answer.revision == revision && answer.key.constData() == key.constData()
+                 && answer.key.size() == key.size()))
+        return answer.value;
+    return lookUp(key);
+}
+
+// A key whose own slot is taken finds its answer in one of the next few, or
+// takes the first of them left over from before the last change.
+QVariant SettingsSynchronizer::lookUp(const QString &key) const
+{
+    constexpr std::size_t probes = 4;
+    const std::size_t first = answerSlot(key);
+    Answer *free = nullptr;
+    for (std::size_t i = 0; i < probes; ++i) {
+        Answer &answer = answers[(first + i) % answerSlots];
+        if (answer.revision != revision) {
+            if (!free)
+                free = &answer;
+        } else if (answer.key.constData() == key.constData() && answer.key.size() == key.size()) {
+            return answer.value;
+        }
+    }
+    Answer &answer = free ? *free : answers[first];
+    answer.key = key;
+    answer.value = current.value(key);
+    answer.revision = revision;
+    return answer.value;
 }
 
 void SettingsSynchronizer::setSetting(const QString &key, const QVariant &value)
@@ -32,13 +62,22 @@ void SettingsSynchronizer::setSetting(const QString &key, const QVariant &value)
     if (stored != values.cend() && stored->userType() == value.userType() && *stored == value)
         return;
     values.insert(key, value);
+    current.insert(key, value);
+    ++revision;
     emit settingChanged(key);
 }
 
 void SettingsSynchronizer::resetSetting(const QString &key)
 {
-    if (values.remove(key))
-        emit settingChanged(key);
+    if (!values.remove(key))
+        return;
+    const auto fallback = defaultValues.constFind(key);
+    if (fallback != defaultValues.cend())
+        current.insert(key, *fallback);
+    else
+        current.remove(key);
+    ++revision;
+    emit settingChanged(key);
 }
 
 QVariant SettingsSynchronizer::defaultSetting(const QString &key) const

@@ -9,6 +9,8 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <array>
+
 /**
  * A plug-in's settings store: keys with a default value and a description,
  * and the values the user has stored. Values are booleans and strings.
@@ -17,6 +19,11 @@
  * variant (which reads as false and as an empty string). The store can be
  * kept in an INI file; values read from a file are typed by their key's
  * default.
+ *
+ * Exporters read settings for every field of every sample. setting() keeps
+ * the answers to the keys asked last, found again by the key's text buffer;
+ * so reading is cheap for callers that ask with the same key strings again,
+ * as plug-ins do. The store belongs to one thread.
  */
 class PLUGINFRAMEWORK_EXPORT SettingsSynchronizer : public QObject
 {
@@ -70,8 +77,23 @@ signals:
     void settingChanged(const QString &key);
 
 private:
-    // Read for every field of every exported sample: hashed, not sorted.
     QHash<QString, QVariant> values;
     QHash<QString, QVariant> defaultValues;
+    // What setting() answers: the stored values over the defaults. Exporters
+    // read it for every field of every sample, so it is one hashed lookup.
+    QHash<QString, QVariant> current;
     QMap<QString, QString> descriptionTexts;
+
+    static std::size_t answerSlot(const QString &key);
+    Q_NEVER_INLINE QVariant lookUp(const QString &key) const;
+
+    struct Answer
+    {
+        QString key;  // shares the caller's text: its buffer cannot be reused while kept here
+        QVariant value;
+        quint64 revision = 0;
+    };
+    static constexpr std::size_t answerSlots = 1024;
+    mutable std::array<Answer, answerSlots> answers;
+    quint64 revision = 1;  // counts changes; older answers are stale
 };

@@ -11,28 +11,12 @@
 #include <QFileDevice>
 #include <QTextStream>
 
-#include <cmath>
 #include <limits>
 
 namespace {
 
 constexpr quint32 triggerIn1Id = 0x4810;
 constexpr quint32 triggerIn2Id = 0x4820;
-
-QString padded(qint64 value, int width, char fill)
-{
-    return QStringLiteral("%1").arg(value, width, 10, QLatin1Char(fill));
-}
-
-QString decimal(qint64 value)
-{
-    return QString::number(value);
-}
-
-QString fixed(double value, int decimals)
-{
-    return QString::asprintf("%.*f", decimals, value);
-}
 
 // Truncates toward zero to a 64-bit integer. Values without such an integer
 // (NaN, beyond the range) give the lowest one, as the processor's own
@@ -45,6 +29,16 @@ qint64 truncated(double value)
     return qint64(value);
 }
 
+// The first character the delimiter writes, or the null character.
+QChar firstCharacter(const DelimiterHandle &delimiter)
+{
+    QString text;
+    QTextStream probe(&text);
+    delimiter->write(probe);
+    probe.flush();
+    return text.isEmpty() ? QChar(QChar::Null) : text.at(0);
+}
+
 } // namespace
 
 AsciiExporter::AsciiExporter(ExportSource *source, SettingsSynchronizer *settings, QObject *parent)
@@ -53,7 +47,11 @@ AsciiExporter::AsciiExporter(ExportSource *source, SettingsSynchronizer *setting
     , settings(settings)
     , delimiter(makeDelimiter(settings))
     , emptyFieldText(makeEmptyFieldText(settings))
+    , delimiterStart(firstCharacter(delimiter))
+    , row(delimiter, emptyFieldText)
 {
+    for (const ColumnCatalogue::DataGroup &group : ColumnCatalogue::groups())
+        groupKeys.append(QLatin1String(group.settingKey));
 }
 
 // The stream is left alone on purpose: finish() is the one place that releases
@@ -136,29 +134,27 @@ void AsciiExporter::writeColumnHeader(QTextStream &out)
 {
     using namespace ColumnCatalogue;
 
-    QString line;
-    QTextStream header(&line, QIODevice::ReadWrite);
-    const auto writeName = [&](const QString &name) {
-        header << name;
-        delimiter->write(header);
-    };
-    for (const DataGroup &group : groups()) {
-        const QVariant setting = settings->setting(QLatin1String(group.settingKey));
-        Names columns = group.columns;
-        if (group.group == Group::Orientation)
+    RowBuffer header(delimiter, emptyFieldText);
+    const DataGroup *group = groups().begin();
+    for (const QString &key : qAsConst(groupKeys)) {
+        const QVariant setting = settings->setting(key);
+        Names columns = group->columns;
+        if (group->group == Group::Orientation)
             columns = orientationColumns(orientationFormat(setting.toString()));
         else if (!setting.toBool())
-            continue;
+            columns = Names{nullptr, 0};
         for (const char *name : columns)
-            writeName(QLatin1String(name));
-        for (int index = 0; index < group.block.repeat; ++index) {
-            for (const char *format : group.block.formats)
-                writeName(QString::asprintf(format, index));
+            header.field(QLatin1String(name));
+        if (columns.count > 0) {
+            for (int index = 0; index < group->block.repeat; ++index) {
+                for (const char *format : group->block.formats)
+                    header.field(QString::asprintf(format, index));
+            }
         }
+        ++group;
     }
-    header.flush();
-    trimTrailingDelimiter(line);
-    out << line;
+    trimTrailingDelimiter(header.line());
+    out << header.line();
 }
 
 // Removes one character, the delimiter's first, from the end of the line. A
@@ -167,72 +163,52 @@ void AsciiExporter::writeColumnHeader(QTextStream &out)
 // like this and readers rely on it.
 void AsciiExporter::trimTrailingDelimiter(QString &line) const
 {
-    QString text;
-    QTextStream probe(&text);
-    delimiter->write(probe);
-    probe.flush();
-    const QChar last = text.isEmpty() ? QChar(QChar::Null) : text.at(0);
-    if (line.endsWith(last))
+    if (line.endsWith(delimiterStart))
         line.chop(1);
 }
 
-QString AsciiExporter::formatValue(double value, int precision) const
+void AsciiExporter::formatValue(RowBuffer &row, double value, int precision) const
 {
-    if (settings->setting(QStringLiteral("highPrecision")).toBool())
-        return QString::asprintf("%.18g", value);
-    const int decimals = precision == Geographic ? 9 : precision == Coarse ? 4 : 6;
-    const QByteArray format = QStringLiteral("%.%1f").arg(decimals).toLatin1();
-    return QString::asprintf(format.constData(), value);
-}
-
-void AsciiExporter::writeField(QTextStream &row, const QString &text) const
-{
-    row << text;
-    delimiter->write(row);
-}
-
-void AsciiExporter::writeEmptyFields(QTextStream &row, int count) const
-{
-    for (int i = 0; i < count; ++i) {
-        emptyFieldText->write(row);
-        delimiter->write(row);
+    if (settings->setting(QStringLiteral("highPrecision")).toBool()) {
+        row.general(value, 18);
+        return;
     }
+    row.fixed(value, precision == Geographic ? 9 : precision == Coarse ? 4 : 6);
 }
 
 // Writes the first @p count elements, or placeholders for an empty vector.
 // An element the vector lacks is missing data as well.
-bool AsciiExporter::writeValues(QTextStream &row, const KvVector &vector, int count,
-                                int precision) const
+bool AsciiExporter::writeValues(RowBuffer &row, const KvVector &vector, int count, int precision) const
 {
     if (vector.isEmpty()) {
-        writeEmptyFields(row, count);
+        row.empty(count);
         return false;
     }
     for (int i = 0; i < count; ++i) {
         if (i < vector.size())
-            writeField(row, formatValue(vector.at(i), precision));
+            formatValue(row, vector.at(i), precision);
         else
-            writeEmptyFields(row, 1);
+            row.empty(1);
     }
     return true;
 }
 
-bool AsciiExporter::writeTruncated(QTextStream &row, const KvVector &vector) const
+bool AsciiExporter::writeTruncated(RowBuffer &row, const KvVector &vector) const
 {
     if (vector.isEmpty()) {
-        writeEmptyFields(row, 3);
+        row.empty(3);
         return false;
     }
     for (int i = 0; i < 3; ++i) {
         if (i < vector.size())
-            writeField(row, decimal(truncated(vector.at(i))));
+            row.integer(truncated(vector.at(i)));
         else
-            writeEmptyFields(row, 1);
+            row.empty(1);
     }
     return true;
 }
 
-bool AsciiExporter::writeOrientation(QTextStream &row, ColumnCatalogue::OrientationFormat format)
+bool AsciiExporter::writeOrientation(RowBuffer &row, ColumnCatalogue::OrientationFormat format)
 {
     using ColumnCatalogue::OrientationFormat;
 
@@ -241,35 +217,35 @@ bool AsciiExporter::writeOrientation(QTextStream &row, ColumnCatalogue::Orientat
         const KvEulerAngles euler = source->orientationEuler(source->orientationSelector());
         // An attitude of exactly zero is how the source says it has none.
         if (euler.roll == 0.0 && euler.pitch == 0.0 && euler.yaw == 0.0) {
-            writeEmptyFields(row, 3);
+            row.empty(3);
             return false;
         }
-        writeField(row, formatValue(euler.roll, Ordinary));
-        writeField(row, formatValue(euler.pitch, Ordinary));
-        writeField(row, formatValue(euler.yaw, Ordinary));
+        formatValue(row, euler.roll, Ordinary);
+        formatValue(row, euler.pitch, Ordinary);
+        formatValue(row, euler.yaw, Ordinary);
         return true;
     }
     case OrientationFormat::Matrix: {
         const KvMatrix matrix = source->orientationMatrix(source->orientationSelector());
         if (matrix.isEmpty()) {
-            writeEmptyFields(row, 9);
+            row.empty(9);
             return false;
         }
         // column by column, as the header names them
         for (int column = 0; column < 3; ++column) {
             for (int rowIndex = 0; rowIndex < 3; ++rowIndex)
-                writeField(row, formatValue(matrix.value(rowIndex, column), Ordinary));
+                formatValue(row, matrix.value(rowIndex, column), Ordinary);
         }
         return true;
     }
     case OrientationFormat::Quaternion: {
         const KvQuaternion quaternion = source->orientationQuaternion(source->orientationSelector());
         if (quaternion.isEmpty()) {
-            writeEmptyFields(row, 4);
+            row.empty(4);
             return false;
         }
         for (int i = 0; i < 4; ++i)
-            writeField(row, formatValue(quaternion.at(i), Ordinary));
+            formatValue(row, quaternion.at(i), Ordinary);
         return true;
     }
     case OrientationFormat::None:
@@ -278,230 +254,218 @@ bool AsciiExporter::writeOrientation(QTextStream &row, ColumnCatalogue::Orientat
     return false;
 }
 
-bool AsciiExporter::writeTrigger(QTextStream &row, quint32 dataId)
+bool AsciiExporter::writeTrigger(RowBuffer &row, quint32 dataId)
 {
     const KvTriggerIndication trigger = source->triggerIndication(dataId);
     if (!trigger.isValid()) {
-        writeEmptyFields(row, 3);
+        row.empty(3);
         return false;
     }
-    writeField(row, padded(trigger.polarity, 1, ' '));
-    writeField(row, padded(trigger.timestamp, 10, ' '));
-    writeField(row, padded(trigger.frameNumber, 5, ' '));
+    row.natural(trigger.polarity, 1);
+    row.natural(trigger.timestamp, 10);
+    row.natural(trigger.frameNumber, 5);
     return true;
 }
 
-QString AsciiExporter::gpsSolutionFields(const KvGpsSolution &record) const
+// The receiver records hold the raw integers of the receiver's messages.
+// Whole numbers are written as printf's "%d" writes them (a time of week
+// beyond 2^31 comes out negative, as it always has) and "%u" where noted;
+// scaled values in fixed notation.
+
+void AsciiExporter::writeGpsSolution(RowBuffer &row, const KvGpsSolution &record) const
 {
-    QString text;
-    QTextStream fields(&text, QIODevice::ReadWrite);
     if (record.iTOW == 0) {
-        writeEmptyFields(fields, 15);
-        return text;
+        row.empty(15);
+        return;
     }
-    writeField(fields, QString::asprintf("%d", record.iTOW));
-    writeField(fields, QString::asprintf("%d", record.fTOW));
-    writeField(fields, QString::asprintf("%d", record.week));
-    writeField(fields, QString::asprintf("%d", record.gpsFix));
-    writeField(fields, QString::asprintf("%d", record.flags));
+    row.integer(qint32(record.iTOW));
+    row.integer(record.fTOW);
+    row.integer(record.week);
+    row.integer(record.gpsFix);
+    row.integer(record.flags);
     // centimetres to metres
-    writeField(fields, QString::asprintf("%.2lf", record.ecefX * 0.01));
-    writeField(fields, QString::asprintf("%.2lf", record.ecefY * 0.01));
-    writeField(fields, QString::asprintf("%.2lf", record.ecefZ * 0.01));
-    writeField(fields, QString::asprintf("%.2lf", record.pAcc * 0.01));
-    writeField(fields, QString::asprintf("%.2lf", record.ecefVX * 0.01));
-    writeField(fields, QString::asprintf("%.2lf", record.ecefVY * 0.01));
-    writeField(fields, QString::asprintf("%.2lf", record.ecefVZ * 0.01));
-    writeField(fields, QString::asprintf("%.2lf", record.sAcc * 0.01));
-    writeField(fields, QString::asprintf("%.2lf", record.pDOP * 0.01));
-    writeField(fields, QString::asprintf("%d", record.numSV));
-    return text;
+    row.fixed(record.ecefX * 0.01, 2);
+    row.fixed(record.ecefY * 0.01, 2);
+    row.fixed(record.ecefZ * 0.01, 2);
+    row.fixed(record.pAcc * 0.01, 2);
+    row.fixed(record.ecefVX * 0.01, 2);
+    row.fixed(record.ecefVY * 0.01, 2);
+    row.fixed(record.ecefVZ * 0.01, 2);
+    row.fixed(record.sAcc * 0.01, 2);
+    row.fixed(record.pDOP * 0.01, 2);
+    row.integer(record.numSV);
 }
 
-QString AsciiExporter::gpsDopFields(const KvGpsDop &record) const
+void AsciiExporter::writeGpsDop(RowBuffer &row, const KvGpsDop &record) const
 {
-    QString text;
-    QTextStream fields(&text, QIODevice::ReadWrite);
     if (record.iTOW == 0) {
-        writeEmptyFields(fields, 8);
-        return text;
+        row.empty(8);
+        return;
     }
-    writeField(fields, QString::asprintf("%d", record.iTOW));
+    row.integer(qint32(record.iTOW));
     for (const quint16 dop : {record.gDOP, record.pDOP, record.tDOP, record.vDOP,
                               record.hDOP, record.nDOP, record.eDOP})
-        writeField(fields, QString::asprintf("%.2lf", dop * 0.01));
-    return text;
+        row.fixed(dop * 0.01, 2);
 }
 
-QString AsciiExporter::gpsUtcTimeFields(const KvGpsUtcTime &record) const
+void AsciiExporter::writeGpsUtcTime(RowBuffer &row, const KvGpsUtcTime &record) const
 {
-    QString text;
-    QTextStream fields(&text, QIODevice::ReadWrite);
     if (record.iTOW == 0) {
-        writeEmptyFields(fields, 10);
-        return text;
+        row.empty(10);
+        return;
     }
-    writeField(fields, QString::asprintf("%d", record.iTOW));
-    writeField(fields, QString::asprintf("%u", record.tAcc));
-    writeField(fields, QString::asprintf("%d", record.nano));
-    writeField(fields, QString::asprintf("%d", record.year));
-    writeField(fields, QString::asprintf("%d", record.month));
-    writeField(fields, QString::asprintf("%d", record.day));
-    writeField(fields, QString::asprintf("%d", record.hour));
-    writeField(fields, QString::asprintf("%d", record.min));
-    writeField(fields, QString::asprintf("%d", record.sec));
-    writeField(fields, QString::asprintf("%d", record.valid));
-    return text;
+    row.integer(qint32(record.iTOW));
+    row.natural(record.tAcc);
+    row.integer(record.nano);
+    row.integer(record.year);
+    row.integer(record.month);
+    row.integer(record.day);
+    row.integer(record.hour);
+    row.integer(record.min);
+    row.integer(record.sec);
+    row.integer(record.valid);
 }
 
-QString AsciiExporter::gpsSatelliteFields(const KvGpsSatelliteInfo &record) const
+void AsciiExporter::writeGpsSatellites(RowBuffer &row, const KvGpsSatelliteInfo &record) const
 {
-    QString text;
-    QTextStream fields(&text, QIODevice::ReadWrite);
     if (record.iTOW == 0) {
-        writeEmptyFields(fields, 1 + 2 * KvGpsSatelliteInfo::maxChannels);
-        return text;
+        row.empty(1 + 2 * KvGpsSatelliteInfo::maxChannels);
+        return;
     }
-    writeField(fields, QString::asprintf("%u", record.iTOW));
+    row.natural(record.iTOW);
     for (int i = 0; i < KvGpsSatelliteInfo::maxChannels; ++i) {
         if (i < record.numCh) {
-            writeField(fields, QString::asprintf("%d", record.channels[i].svid));
-            writeField(fields, QString::asprintf("%d", record.channels[i].quality));
+            row.integer(record.channels[i].svid);
+            row.integer(record.channels[i].quality);
         } else {
-            writeEmptyFields(fields, 2);
+            row.empty(2);
         }
     }
-    return text;
 }
 
-QString AsciiExporter::gnssPvtFields(const KvGnssPvt &record) const
+void AsciiExporter::writeGnssPvt(RowBuffer &row, const KvGnssPvt &record) const
 {
-    QString text;
-    QTextStream fields(&text, QIODevice::ReadWrite);
     if (record.iTOW == 0) {
-        writeEmptyFields(fields, 34);
-        return text;
+        row.empty(34);
+        return;
     }
-    writeField(fields, QString::asprintf("%d", record.iTOW));
-    writeField(fields, QString::asprintf("%u", record.tAcc));
-    writeField(fields, QString::asprintf("%d", record.nano));
-    writeField(fields, QString::asprintf("%d", record.year));
-    writeField(fields, QString::asprintf("%d", record.month));
-    writeField(fields, QString::asprintf("%d", record.day));
-    writeField(fields, QString::asprintf("%d", record.hour));
-    writeField(fields, QString::asprintf("%d", record.min));
-    writeField(fields, QString::asprintf("%d", record.sec));
-    writeField(fields, QString::asprintf("%d", record.valid));
-    writeField(fields, QString::asprintf("%d", record.fixType));
-    writeField(fields, QString::asprintf("%d", record.flags));
-    writeField(fields, QString::asprintf("%d", record.numSV));
-    writeField(fields, QString::asprintf("%.7lf", record.lon * 1e-7));
-    writeField(fields, QString::asprintf("%.7lf", record.lat * 1e-7));
-    writeField(fields, QString::asprintf("%d", record.height));
-    writeField(fields, QString::asprintf("%d", record.hMSL));
-    writeField(fields, QString::asprintf("%u", record.hAcc));
-    writeField(fields, QString::asprintf("%u", record.vAcc));
-    writeField(fields, QString::asprintf("%d", record.velN));
-    writeField(fields, QString::asprintf("%d", record.velE));
-    writeField(fields, QString::asprintf("%d", record.velD));
-    writeField(fields, QString::asprintf("%d", record.gSpeed));
-    writeField(fields, QString::asprintf("%.2lf", record.headMot * 1e-5));
-    writeField(fields, QString::asprintf("%u", record.sAcc));
-    writeField(fields, QString::asprintf("%.2lf", record.headAcc * 1e-5));
-    writeField(fields, QString::asprintf("%.2lf", record.headVeh * 1e-5));
+    row.integer(qint32(record.iTOW));
+    row.natural(record.tAcc);
+    row.integer(record.nano);
+    row.integer(record.year);
+    row.integer(record.month);
+    row.integer(record.day);
+    row.integer(record.hour);
+    row.integer(record.min);
+    row.integer(record.sec);
+    row.integer(record.valid);
+    row.integer(record.fixType);
+    row.integer(record.flags);
+    row.integer(record.numSV);
+    row.fixed(record.lon * 1e-7, 7);
+    row.fixed(record.lat * 1e-7, 7);
+    row.integer(record.height);
+    row.integer(record.hMSL);
+    row.natural(record.hAcc);
+    row.natural(record.vAcc);
+    row.integer(record.velN);
+    row.integer(record.velE);
+    row.integer(record.velD);
+    row.integer(record.gSpeed);
+    row.fixed(record.headMot * 1e-5, 2);
+    row.natural(record.sAcc);
+    row.fixed(record.headAcc * 1e-5, 2);
+    row.fixed(record.headVeh * 1e-5, 2);
     for (const quint16 dop : {record.gDOP, record.pDOP, record.tDOP, record.vDOP,
                               record.hDOP, record.nDOP, record.eDOP})
-        writeField(fields, QString::asprintf("%.2lf", dop * 0.01));
-    return text;
+        row.fixed(dop * 0.01, 2);
 }
 
-QString AsciiExporter::gnssSatelliteFields(const KvGnssSatelliteInfo &record) const
+void AsciiExporter::writeGnssSatellites(RowBuffer &row, const KvGnssSatelliteInfo &record) const
 {
-    QString text;
-    QTextStream fields(&text, QIODevice::ReadWrite);
     if (record.iTOW == 0) {
-        writeEmptyFields(fields, 1 + 4 * KvGnssSatelliteInfo::maxSatellites);
-        return text;
+        row.empty(1 + 4 * KvGnssSatelliteInfo::maxSatellites);
+        return;
     }
-    writeField(fields, QString::asprintf("%u", record.iTOW));
+    row.natural(record.iTOW);
     for (int i = 0; i < KvGnssSatelliteInfo::maxSatellites; ++i) {
         if (i < record.numSvs) {
             const KvGnssSatellite &satellite = record.satellites[i];
-            writeField(fields, QString::asprintf("%d", satellite.gnssId));
-            writeField(fields, QString::asprintf("%d", satellite.svId));
-            writeField(fields, QString::asprintf("%d", satellite.cno));
-            writeField(fields, QString::asprintf("%d", satellite.flags));
+            row.integer(satellite.gnssId);
+            row.integer(satellite.svId);
+            row.integer(satellite.cno);
+            row.integer(qint32(satellite.flags));
         } else {
-            writeEmptyFields(fields, 4);
+            row.empty(4);
         }
     }
-    return text;
 }
 
 bool AsciiExporter::writeSampleRow(QTextStream &out)
 {
     using namespace ColumnCatalogue;
 
-    QString line;
-    QTextStream row(&line, QIODevice::ReadWrite);
+    row.clear();
     // Only sensor data makes a line: counters, time, status, clipping and
     // RSSI alone do not.
     bool hasData = false;
 
-    for (const DataGroup &group : groups()) {
-        const QVariant setting = settings->setting(QLatin1String(group.settingKey));
-        if (group.group != Group::Orientation && !setting.toBool())
+    const DataGroup *group = groups().begin();
+    for (const QString &key : qAsConst(groupKeys)) {
+        const Group id = (group++)->group;
+        const QVariant setting = settings->setting(key);
+        if (id != Group::Orientation && !setting.toBool())
             continue;
 
-        switch (group.group) {
+        switch (id) {
         case Group::PacketCounter:
-            writeField(row, padded(source->packetCounter(), 5, '0'));
+            row.natural(source->packetCounter(), 5, '0');
             break;
         case Group::SampleTimeFine:
             if (source->hasSampleTimeFine())
-                writeField(row, padded(source->sampleTimeFine(), 5, '0'));
+                row.natural(source->sampleTimeFine(), 5, '0');
             else
-                writeEmptyFields(row, 1);
+                row.empty(1);
             break;
         case Group::DateTime: {
             const QDateTime dateTime = source->sampleDateTime();
             if (dateTime.isNull()) {
-                writeEmptyFields(row, 4);
+                row.empty(4);
                 break;
             }
             const QDate date = dateTime.date();
-            writeField(row, decimal(date.year()));
-            writeField(row, padded(date.month(), 2, '0'));
-            writeField(row, padded(date.day(), 2, '0'));
+            row.integer(date.year());
+            row.integer(date.month(), 2, '0');
+            row.integer(date.day(), 2, '0');
             // Measured from a null time, which makes the toolkit answer 0:
             // files have always carried zero seconds here.
-            writeField(row, formatValue(QTime().msecsTo(dateTime.time()) / 1000.0, Coarse));
+            formatValue(row, QTime().msecsTo(dateTime.time()) / 1000.0, Coarse);
             break;
         }
         case Group::Utc: {
             const KvUtcTime utc = source->utcTime();
             if (utc.isZero()) {
-                writeEmptyFields(row, 8);
+                row.empty(8);
                 break;
             }
-            writeField(row, decimal(utc.nano));
-            writeField(row, decimal(utc.year));
-            writeField(row, decimal(utc.month));
-            writeField(row, decimal(utc.day));
-            writeField(row, decimal(utc.hour));
-            writeField(row, decimal(utc.minute));
-            writeField(row, decimal(utc.second));
-            writeField(row, decimal(utc.valid));
+            row.natural(utc.nano);
+            row.natural(utc.year);
+            row.natural(utc.month);
+            row.natural(utc.day);
+            row.natural(utc.hour);
+            row.natural(utc.minute);
+            row.natural(utc.second);
+            row.natural(utc.valid);
             break;
         }
         case Group::StatusWord:
-            writeField(row, decimal(source->statusWord()));
+            row.integer(source->statusWord());
             break;
         case Group::ClippingFlags:
-            writeField(row, decimal(source->clippingFlags()));
+            row.natural(source->clippingFlags());
             break;
         case Group::Rssi:
-            writeField(row, formatValue(source->rssi(), Coarse));
+            formatValue(row, source->rssi(), Coarse);
             break;
         case Group::CalibratedAcceleration:
             hasData |= writeValues(row, source->calibratedAcceleration(), 3, Ordinary);
@@ -521,21 +485,21 @@ bool AsciiExporter::writeSampleRow(QTextStream &out)
         case Group::OrientationIncrement: {
             const KvQuaternion increment = source->orientationIncrement();
             if (increment.isEmpty()) {
-                writeEmptyFields(row, 4);
+                row.empty(4);
                 break;
             }
             for (int i = 0; i < 4; ++i)
-                writeField(row, formatValue(increment.at(i), Ordinary));
+                formatValue(row, increment.at(i), Ordinary);
             hasData = true;
             break;
         }
         case Group::Pressure: {
             const double pressure = source->pressure();
             if (!(pressure > 0.0)) {
-                writeEmptyFields(row, 1);
+                row.empty(1);
                 break;
             }
-            writeField(row, formatValue(pressure, Coarse));
+            formatValue(row, pressure, Coarse);
             hasData = true;
             break;
         }
@@ -546,10 +510,10 @@ bool AsciiExporter::writeSampleRow(QTextStream &out)
             hasData |= writeValues(row, source->latitudeLongitude(), 2, Geographic);
             const double altitude = source->altitude();
             if (altitude == KvConstants::infinity) {
-                writeEmptyFields(row, 1);
+                row.empty(1);
                 break;
             }
-            writeField(row, formatValue(altitude, Ordinary));
+            formatValue(row, altitude, Ordinary);
             hasData = true;
             break;
         }
@@ -559,10 +523,10 @@ bool AsciiExporter::writeSampleRow(QTextStream &out)
         case Group::Temperature: {
             const double temperature = source->temperature();
             if (!(temperature > -999.99)) {
-                writeEmptyFields(row, 1);
+                row.empty(1);
                 break;
             }
-            writeField(row, fixed(temperature, 2));
+            row.fixed(temperature, 2);
             hasData = true;
             break;
         }
@@ -571,10 +535,10 @@ bool AsciiExporter::writeSampleRow(QTextStream &out)
             for (int i = 0; i < 3; ++i) {
                 if (i < words.size()) {
                     // 8.8 fixed point, signed
-                    writeField(row, QString::number(qint16(words.at(i)) / 256.0, 'g', 2));
+                    row.general(qint16(words.at(i)) / 256.0, 2);
                     hasData = true;
                 } else {
-                    writeEmptyFields(row, 1);
+                    row.empty(1);
                 }
             }
             break;
@@ -589,31 +553,31 @@ bool AsciiExporter::writeSampleRow(QTextStream &out)
             hasData |= writeTruncated(row, source->scrMagneticField());
             break;
         case Group::ScrTemperature:
-            writeField(row, decimal(source->scrTemperature()));
+            row.natural(source->scrTemperature());
             hasData = true;
             break;
         case Group::ScrGyroTemperature: {
             const QVector<quint16> words = source->gyroTemperatures();
             for (int i = 0; i < 3; ++i) {
                 if (i < words.size()) {
-                    writeField(row, decimal(words.at(i)));
+                    row.natural(words.at(i));
                     hasData = true;
                 } else {
-                    writeEmptyFields(row, 1);
+                    row.empty(1);
                 }
             }
             break;
         }
         case Group::RawGps:
-            row << gpsSolutionFields(source->gpsSolutionRecord())
-                << gpsDopFields(source->gpsDopRecord())
-                << gpsUtcTimeFields(source->gpsUtcTimeRecord())
-                << gpsSatelliteFields(source->gpsSatelliteRecord());
+            writeGpsSolution(row, source->gpsSolutionRecord());
+            writeGpsDop(row, source->gpsDopRecord());
+            writeGpsUtcTime(row, source->gpsUtcTimeRecord());
+            writeGpsSatellites(row, source->gpsSatelliteRecord());
             hasData = true;
             break;
         case Group::RawGnss:
-            row << gnssPvtFields(source->gnssPvtRecord())
-                << gnssSatelliteFields(source->gnssSatelliteRecord());
+            writeGnssPvt(row, source->gnssPvtRecord());
+            writeGnssSatellites(row, source->gnssSatelliteRecord());
             hasData = true;
             break;
         case Group::TriggerIn1:
@@ -627,8 +591,7 @@ bool AsciiExporter::writeSampleRow(QTextStream &out)
 
     if (!hasData)
         return false;
-    row.flush();
-    trimTrailingDelimiter(line);
-    out << line;
+    trimTrailingDelimiter(row.line());
+    out << row.line();
     return true;
 }

@@ -2,10 +2,12 @@
 
 #include "columncatalogue.h"
 #include "delimiterhandle.h"
+#include "rowbuffer.h"
 
 #include <abstractexporter.h>
 
 #include <QString>
+#include <QVector>
 
 class ExportSource;
 class KvVector;
@@ -48,25 +50,31 @@ private:
     void writeColumnHeader(QTextStream &out);
     void trimTrailingDelimiter(QString &line) const;
     bool writeSampleRow(QTextStream &out);
-    QString formatValue(double value, int precision) const;
-    bool writeOrientation(QTextStream &row, ColumnCatalogue::OrientationFormat format);
-    bool writeTrigger(QTextStream &row, quint32 dataId);
+    /** Writes @p value as the settings ask: fixed by precision class, or in high precision. */
+    void formatValue(RowBuffer &row, double value, int precision) const;
+    bool writeOrientation(RowBuffer &row, ColumnCatalogue::OrientationFormat format);
+    bool writeTrigger(RowBuffer &row, quint32 dataId);
 
-    QString gpsSolutionFields(const KvGpsSolution &record) const;
-    QString gpsDopFields(const KvGpsDop &record) const;
-    QString gpsUtcTimeFields(const KvGpsUtcTime &record) const;
-    QString gpsSatelliteFields(const KvGpsSatelliteInfo &record) const;
-    QString gnssPvtFields(const KvGnssPvt &record) const;
-    QString gnssSatelliteFields(const KvGnssSatelliteInfo &record) const;
+    void writeGpsSolution(RowBuffer &row, const KvGpsSolution &record) const;
+    void writeGpsDop(RowBuffer &row, const KvGpsDop &record) const;
+    void writeGpsUtcTime(RowBuffer &row, const KvGpsUtcTime &record) const;
+    void writeGpsSatellites(RowBuffer &row, const KvGpsSatelliteInfo &record) const;
+    void writeGnssPvt(RowBuffer &row, const KvGnssPvt &record) const;
+    void writeGnssSatellites(RowBuffer &row, const KvGnssSatelliteInfo &record) const;
 
-    void writeField(QTextStream &row, const QString &text) const;
-    void writeEmptyFields(QTextStream &row, int count) const;
-    bool writeValues(QTextStream &row, const KvVector &vector, int count, int precision) const;
-    bool writeTruncated(QTextStream &row, const KvVector &vector) const;
+    bool writeValues(RowBuffer &row, const KvVector &vector, int count, int precision) const;
+    bool writeTruncated(RowBuffer &row, const KvVector &vector) const;
 
     ExportSource *source;
     SettingsSynchronizer *settings;
     QTextStream *stream = nullptr;
     DelimiterHandle delimiter;
     DelimiterHandle emptyFieldText;
+
+    // Made once, as the delimiters are: the setting key of every group in
+    // catalogue order, the character trimTrailingDelimiter() looks for, and
+    // the buffer the rows are built in.
+    QVector<QString> groupKeys;
+    QChar delimiterStart;
+    RowBuffer row;
 };

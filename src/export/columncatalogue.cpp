@@ -121,11 +121,17 @@ Groups groups()
 
 OrientationFormat orientationFormat(const QString &value)
 {
-    if (value.compare(QLatin1String("Euler"), Qt::CaseInsensitive) == 0)
+    // Asked for every sample: the cheap tests first, the slow case folding
+    // only for a word of the right length in other case.
+    const auto is = [&value](QLatin1String word) {
+        return value.size() == word.size()
+            && (value == word || value.compare(word, Qt::CaseInsensitive) == 0);
+    };
+    if (is(QLatin1String("Euler")))
         return OrientationFormat::Euler;
-    if (value.compare(QLatin1String("Matrix"), Qt::CaseInsensitive) == 0)
+    if (is(QLatin1String("Matrix")))
         return OrientationFormat::Matrix;
-    if (value.compare(QLatin1String("Quaternion"), Qt::CaseInsensitive) == 0)
+    if (is(QLatin1String("Quaternion")))
         return OrientationFormat::Quaternion;
     return OrientationFormat::None;
 }

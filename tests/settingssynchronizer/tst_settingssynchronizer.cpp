@@ -20,6 +20,8 @@ private slots:
     void loadTypesByDefaultAndSkipsBadBooleans();
     void loadOfMissingFileStoresNothing();
     void loadOfUnreadableFileFails();
+    void answersFollowChanges();
+    void freshKeyStringsGetTheirOwnAnswers();
 
 private:
     static SettingsSynchronizer *makeStore(QObject *parent = nullptr);
@@ -175,6 +177,40 @@ void tst_SettingsSynchronizer::loadOfUnreadableFileFails()
     QScopedPointer<SettingsSynchronizer> store(makeStore());
     // a folder where the file should be
     QVERIFY(!store->load(dir.path()));
+}
+
+void tst_SettingsSynchronizer::answersFollowChanges()
+{
+    QScopedPointer<SettingsSynchronizer> store(makeStore());
+    const QString key = QStringLiteral("flag");
+    QCOMPARE(store->setting(key), QVariant(true));
+    QCOMPARE(store->setting(key), QVariant(true));
+    store->setSetting(key, false);
+    QCOMPARE(store->setting(key), QVariant(false));
+    store->resetSetting(key);
+    QCOMPARE(store->setting(key), QVariant(true));
+    store->setSetting(QStringLiteral("other"), 5);
+    QCOMPARE(store->setting(key), QVariant(true));
+    QCOMPARE(store->setting(QStringLiteral("other")), QVariant(5));
+}
+
+void tst_SettingsSynchronizer::freshKeyStringsGetTheirOwnAnswers()
+{
+    // Keys made and dropped one after the other tend to reuse the same
+    // memory: each must still get the answer of its own text.
+    QScopedPointer<SettingsSynchronizer> store(makeStore());
+    for (int i = 0; i < 500; ++i)
+        store->setSetting(QStringLiteral("key%1").arg(i), i);
+    for (int round = 0; round < 3; ++round) {
+        for (int i = 0; i < 500; ++i) {
+            const QString key = QStringLiteral("key%1").arg(i);
+            QCOMPARE(store->setting(key), QVariant(i));
+        }
+    }
+    QString changing = QStringLiteral("key1");
+    QCOMPARE(store->setting(changing), QVariant(1));
+    changing[3] = QLatin1Char('2');
+    QCOMPARE(store->setting(changing), QVariant(2));
 }
 
 QTEST_GUILESS_MAIN(tst_SettingsSynchronizer)

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "delimiterhandle.h"
+
+#include <QString>
+#include <QTextStream>
+
+/**
+ * A line of an export in the making: fields, each followed by the field
+ * delimiter, with the empty-field text for missing values. Numbers are
+ * written as Qt writes them (see NumberFormat), without a temporary string
+ * per field.
+ *
+ * The buffer is kept from line to line so that its memory is reused; clear()
+ * starts a new line.
+ */
+class RowBuffer
+{
+public:
+    RowBuffer(const DelimiterHandle &delimiter, const DelimiterHandle &emptyFieldText);
+
+    RowBuffer(const RowBuffer &) = delete;
+    RowBuffer &operator=(const RowBuffer &) = delete;
+
+    void clear();
+    /** The line so far; trimming it is the caller's business. */
+    QString &line() { return text; }
+
+    void field(const QString &value);
+    void field(QLatin1String value);
+    /** Fixed notation, as QString::asprintf("%.<decimals>f"). */
+    void fixed(double value, int decimals);
+    /** General notation, as QString::asprintf("%.<digits>g"). */
+    void general(double value, int digits);
+    /** As QString::number(value), or QString("%1").arg(value, width, 10, fill). */
+    void integer(qint64 value, int width = 0, char fill = ' ');
+    void natural(quint64 value, int width = 0, char fill = ' ');
+    /** @p count fields holding the empty-field text. */
+    void empty(int count);
+
+private:
+    void endField();
+
+    QString text;
+    QTextStream stream;
+    DelimiterHandle delimiter;
+    DelimiterHandle emptyFieldText;
+};
