@@ -10,24 +10,12 @@ using Settings = QMap<QString, QVariant>;
 
 namespace {
 
-// Every key that switches a data group on or off, in output order.
-const char *const groupKeys[] = {
-    "exportPacketCounter", "exportSampleTimeFine", "exportDateTime", "exportUtc",
-    "exportStatusFlags", "exportClipFlags", "exportRssi", "exportCalibratedAcceleration",
-    "exportFreeAcceleration", "exportCalibratedAngularVelocity", "exportMagneticField",
-    "exportVelocityIncrement", "exportOrientationIncrement", "exportPressure",
-    "exportPosition", "exportVelocity", "exportTemperature", "exportGyroTemperature",
-    "exportScrAcceleration", "exportScrGyroscopeData", "exportScrMagneticField",
-    "exportScrTemperature", "exportScrGyroTemperature", "exportRawGps", "exportRawGnss",
-    "exportTriggerIn1", "exportTriggerIn2",
-};
-
 // Settings with every data group off; @p on switches groups back on.
 Settings allOffExcept(const Settings &on)
 {
     Settings settings;
-    for (const char *key : groupKeys)
-        settings.insert(QString::fromLatin1(key), false);
+    for (const QString &key : dataGroupKeys())
+        settings.insert(key, false);
     settings.insert(QStringLiteral("exportOrientation"), QStringLiteral("None"));
     for (auto it = on.cbegin(); it != on.cend(); ++it)
         settings.insert(it.key(), it.value());
@@ -211,8 +199,8 @@ void tst_ColumnHeader::trailingDelimiter()
 void tst_ColumnHeader::everyGroupInOrder()
 {
     Settings on;
-    for (const char *key : groupKeys)
-        on.insert(QString::fromLatin1(key), true);
+    for (const QString &key : dataGroupKeys())
+        on.insert(key, true);
     on.insert(QStringLiteral("exportOrientation"), QStringLiteral("Quaternion"));
     const QStringList columns = headerLine(on).split(QLatin1Char('\t'));
     QCOMPARE(columns.size(), 1 + 1 + 4 + 8 + 1 + 1 + 1 + 3 + 3 + 3 + 3 + 3 + 4 + 1 + 4 + 3 + 3 + 1

@@ -33,6 +33,24 @@ QStringList linesAfterHeaderBlock(const QByteArray &file)
     return lines.mid(5);
 }
 
+QStringList dataGroupKeys()
+{
+    return {
+        QStringLiteral("exportPacketCounter"), QStringLiteral("exportSampleTimeFine"),
+        QStringLiteral("exportDateTime"), QStringLiteral("exportUtc"), QStringLiteral("exportStatusFlags"),
+        QStringLiteral("exportClipFlags"), QStringLiteral("exportRssi"),
+        QStringLiteral("exportCalibratedAcceleration"), QStringLiteral("exportFreeAcceleration"),
+        QStringLiteral("exportCalibratedAngularVelocity"), QStringLiteral("exportMagneticField"),
+        QStringLiteral("exportVelocityIncrement"), QStringLiteral("exportOrientationIncrement"),
+        QStringLiteral("exportPressure"), QStringLiteral("exportPosition"), QStringLiteral("exportVelocity"),
+        QStringLiteral("exportTemperature"), QStringLiteral("exportGyroTemperature"),
+        QStringLiteral("exportScrAcceleration"), QStringLiteral("exportScrGyroscopeData"),
+        QStringLiteral("exportScrMagneticField"), QStringLiteral("exportScrTemperature"),
+        QStringLiteral("exportScrGyroTemperature"), QStringLiteral("exportRawGps"),
+        QStringLiteral("exportRawGnss"), QStringLiteral("exportTriggerIn1"), QStringLiteral("exportTriggerIn2"),
+    };
+}
+
 TestSample fullSample()
 {
     TestSample s;

@@ -20,6 +20,9 @@ QByteArray exportSamples(AbstractExporter *exporter, TestSource *source,
 /** The lines of an exported file after its five header lines. */
 QStringList linesAfterHeaderBlock(const QByteArray &file);
 
+/** Every setting that switches a data group on or off, in output order (not the orientation). */
+QStringList dataGroupKeys();
+
 /** A sample that holds every kind of data, with easily checked values. */
 TestSample fullSample();
 

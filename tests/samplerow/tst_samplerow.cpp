@@ -15,17 +15,6 @@ Q_DECLARE_METATYPE(TestSample)
 
 namespace {
 
-const char *const groupKeys[] = {
-    "exportPacketCounter", "exportSampleTimeFine", "exportDateTime", "exportUtc",
-    "exportStatusFlags", "exportClipFlags", "exportRssi", "exportCalibratedAcceleration",
-    "exportFreeAcceleration", "exportCalibratedAngularVelocity", "exportMagneticField",
-    "exportVelocityIncrement", "exportOrientationIncrement", "exportPressure",
-    "exportPosition", "exportVelocity", "exportTemperature", "exportGyroTemperature",
-    "exportScrAcceleration", "exportScrGyroscopeData", "exportScrMagneticField",
-    "exportScrTemperature", "exportScrGyroTemperature", "exportRawGps", "exportRawGnss",
-    "exportTriggerIn1", "exportTriggerIn2",
-};
-
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
@@ -34,8 +23,8 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 Settings base(const Settings &changes)
 {
     Settings settings;
-    for (const char *key : groupKeys)
-        settings.insert(QString::fromLatin1(key), false);
+    for (const QString &key : dataGroupKeys())
+        settings.insert(key, false);
     settings.insert(QStringLiteral("exportOrientation"), QStringLiteral("None"));
     settings.insert(QStringLiteral("insertNothing"), false);
     settings.insert(QStringLiteral("insertOtherPlaceholder"), true);
