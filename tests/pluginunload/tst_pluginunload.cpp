@@ -70,7 +70,14 @@ void tst_PluginUnload::loadUseUnloadWithoutGrowth()
     }
     const qint64 growth = residentBytes() - before;
     qInfo("resident memory grew by %lld bytes over 100 rounds", growth);
+#ifdef __SANITIZE_ADDRESS__
+    // The sanitizer holds freed blocks back and keeps a record of every
+    // allocation, so resident memory grows whatever the plug-in does; its
+    // leak check at exit takes the place of this one.
+    QSKIP("resident memory is not the program's own under AddressSanitizer");
+#else
     QVERIFY2(growth < 1024 * 1024, qPrintable(QStringLiteral("grew by %1 bytes").arg(growth)));
+#endif
 }
 
 QTEST_MAIN(tst_PluginUnload)
