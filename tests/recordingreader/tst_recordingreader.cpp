@@ -892,6 +892,14 @@ void tst_RecordingReader::badLines_data()
     QTest::newRow("invalid UTF-8 in a key")
             << file("{\"\xc3\x28\": 1}\n")
             << "rec.jsonl:2: malformed JSON at column 3: Invalid encoding in string." << 0;
+    // The text ends right after the first byte of a four-byte character:
+    // nothing past the line's end may be read for the missing three.
+    QTest::newRow("a recording object cut short inside a character")
+            << QByteArray("{\"properties\": {\"DeviceId\": \"\xf0")
+            << "rec.jsonl:1: malformed JSON at column 30: Invalid encoding in string." << 0;
+    QTest::newRow("a sample cut short inside a character")
+            << file("{\"sampleDateTime\": \"2026-11-21T09:30:00\xf4")
+            << "rec.jsonl:2: malformed JSON at column 40: Invalid encoding in string." << 0;
     QTest::newRow("invalid UTF-8 outside strings")
             << file("\xfe\xff\n") << "rec.jsonl:2: malformed JSON at column 1: Invalid value." << 0;
     QTest::newRow("a NUL byte after the object")
