@@ -358,12 +358,12 @@ void tst_Hostile::unusualTexts()
     QVERIFY(written == expected);
 }
 
-// The settings dialog saves texts through QSettings; a megabyte is more
-// than a command line holds.
+// The settings dialog saves texts through QSettings; 144 KiB of UTF-8 is
+// more than one argument on a command line may hold.
 void tst_Hostile::textsFromTheSettingsFile()
 {
     const QString delimiter = QStringLiteral("\u2192 \u00b7 ");
-    const QString placeholder = QString(1024 * 1024, QChar(0x2205));
+    const QString placeholder = QString(48 * 1024, QChar(0x2205));
     {
         QSettings settings(path("settings.ini"), QSettings::IniFormat);
         settings.setValue(QStringLiteral("useTabDelimiter"), QStringLiteral("false"));
@@ -405,7 +405,7 @@ void tst_Hostile::outputFolderRemovedDuringTheExport()
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(recordingObject);
         const QByteArray block = goodSample.repeated(1000);
-        for (int i = 0; i < 400; ++i)
+        for (int i = 0; i < 200; ++i)
             file.write(block);
     }
     const QString folder = path(QStringLiteral("out"));
