@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "exportjob.h"
+#include "localfilepath.h"
 #include "outputnamer.h"
 #include "pluginhost.h"
 #include "progressbar.h"
@@ -96,7 +97,7 @@ QCommandLineOption settingsOption()
 QString settingsFile(const QCommandLineParser &parser, const QCommandLineOption &option)
 {
     if (parser.isSet(option))
-        return parser.value(option);
+        return localFilePath(parser.value(option));
     return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/asciiexport.ini");
 }
 
@@ -156,7 +157,9 @@ int exportRecordings(const QStringList &arguments)
                arguments, &status))
         return status;
 
-    const QStringList recordings = parser.positionalArguments();
+    QStringList recordings;
+    for (const QString &recording : parser.positionalArguments())
+        recordings.append(localFilePath(recording));
     if (recordings.isEmpty())
         return usageError(command, tr("no recording given"));
     if (parser.isSet(output) && parser.isSet(outputDir))
@@ -173,7 +176,7 @@ int exportRecordings(const QStringList &arguments)
         changes.append({change.left(equals), change.mid(equals + 1)});
     }
 
-    PluginHost host(parser.isSet(plugin) ? parser.value(plugin) : PluginHost::defaultPluginPath());
+    PluginHost host(parser.isSet(plugin) ? localFilePath(parser.value(plugin)) : PluginHost::defaultPluginPath());
     if (!loadPlugin(host, settingsFile(parser, settings)))
         return 1;
     AbstractExporterFactory *factory = host.factory();
@@ -194,8 +197,9 @@ int exportRecordings(const QStringList &arguments)
     for (int i = 0; i < recordings.size(); ++i) {
         const QString &recording = recordings.at(i);
         const auto name = [&](const QVariantMap &properties, QString *problem) {
-            const QString file = parser.isSet(output) ? QFileInfo(parser.value(output)).absoluteFilePath()
-                                                      : namer.fileName(recording, i + 1, properties);
+            const QString file = parser.isSet(output)
+                ? QFileInfo(localFilePath(parser.value(output))).absoluteFilePath()
+                : namer.fileName(recording, i + 1, properties);
             if (written.contains(file)) {
                 *problem = tr("%1: the output file %2 was written for %3 already")
                                .arg(recording, file, written.value(file));
@@ -229,7 +233,7 @@ int listSettings(const QStringList &arguments)
     if (!parser.positionalArguments().isEmpty())
         return usageError(command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
 
-    PluginHost host(parser.isSet(plugin) ? parser.value(plugin) : PluginHost::defaultPluginPath());
+    PluginHost host(parser.isSet(plugin) ? localFilePath(parser.value(plugin)) : PluginHost::defaultPluginPath());
     if (!loadPlugin(host, settingsFile(parser, settings)))
         return 1;
     const SettingsSynchronizer *store = host.factory()->settings();
@@ -266,7 +270,7 @@ int editOptions(const QStringList &arguments)
         return usageError(command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
 
     const QString fileName = settingsFile(parser, settings);
-    PluginHost host(parser.isSet(plugin) ? parser.value(plugin) : PluginHost::defaultPluginPath());
+    PluginHost host(parser.isSet(plugin) ? localFilePath(parser.value(plugin)) : PluginHost::defaultPluginPath());
     if (!loadPlugin(host, fileName))
         return 1;
     SettingsSynchronizer *store = host.factory()->settings();
@@ -291,8 +295,8 @@ int showInfo(const QStringList &arguments)
     if (!parser.positionalArguments().isEmpty())
         return usageError(command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
 
-    PluginHost host(parser.isSet(plugin) ? parser.value(plugin) : PluginHost::defaultPluginPath());
-    if (!loadPlugin(host, parser.isSet(settings) ? parser.value(settings) : QString()))
+    PluginHost host(parser.isSet(plugin) ? localFilePath(parser.value(plugin)) : PluginHost::defaultPluginPath());
+    if (!loadPlugin(host, parser.isSet(settings) ? localFilePath(parser.value(settings)) : QString()))
         return 1;
     const QJsonObject metaData = host.metaData();
     const int qtVersion = metaData.value(QStringLiteral("version")).toInt();
@@ -360,7 +364,7 @@ int generate(const QStringList &arguments)
         }
     }
 
-    QSaveFile file(parser.value(output));
+    QSaveFile file(localFilePath(parser.value(output)));
     if (!file.open(QIODevice::WriteOnly)) {
         printError(tr("%1: cannot be written: %2").arg(file.fileName(), file.errorString()));
         return 1;

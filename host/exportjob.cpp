@@ -75,8 +75,13 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, Prog
         return fail(reader.errorString());
     }
     if (saveFile) {
-        if (!saveFile->commit())
+        if (!saveFile->commit()) {
+            // Say why in the user's terms when the folder went away during the export.
+            const QFileInfo folder(target.absolutePath());
+            if (!folder.isDir())
+                return fail(tr("%1: cannot be written: the folder %2 no longer exists").arg(output, folder.filePath()));
             return fail(tr("%1: cannot be written: %2").arg(output, saveFile->errorString()));
+        }
         return true;
     }
     if (!file->flush() || file->error() != QFileDevice::NoError)

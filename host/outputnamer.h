@@ -8,7 +8,8 @@
  * Names the output file of a recording: the setting "outputFileFormat"
  * expanded with the recording's name, its position on the command line, the
  * date and time and the recording's properties, then "." and the plug-in's
- * file extension, in the output folder or else beside the recording.
+ * file extension, in the output folder or else beside the recording. A "/"
+ * in a property's value becomes "_".
  */
 class OutputNamer
 {

@@ -575,13 +575,23 @@ private:
     bool exceeded = false;
 };
 
-// Parses @p text (NUL-terminated, @p length bytes) into @p document, which
-// must then hold an object.
-bool parseObject(const char *text, std::size_t length, rapidjson::Document &document, QString *error)
+// The parser's UTF-8 check takes all continuation bytes of a character
+// without looking for the end of the text: a line that stops after the first
+// byte of a four-byte character would have it read three bytes on.
+constexpr std::size_t continuationBytes = 3;
+
+// Parses @p line from @p start into @p document, which must then hold an
+// object.
+bool parseObject(std::string &line, std::size_t start, rapidjson::Document &document, QString *error)
 {
-    if (const void *nul = std::memchr(text, '\0', length))
+    const char *text = line.c_str() + start;
+    if (const void *nul = std::memchr(text, '\0', line.size() - start))
         return fail(error, RecordingReader::tr("NUL byte at column %1")
                                    .arg(static_cast<const char *>(nul) - text + 1));
+    // NUL bytes after the line's end, where the parser stops, so that those
+    // three reads stay inside the line.
+    line.append(continuationBytes, '\0');
+    text = line.c_str() + start;
     rapidjson::Reader reader;
     bool tooDeep = false;
     auto generate = [&](rapidjson::Document &target) {
@@ -648,7 +658,7 @@ bool RecordingReader::readNext()
     rapidjson::Document document;
     QString what;
     current = RecordingSample();
-    if (!parseObject(line.c_str() + lineStart, line.size() - lineStart, document, &what)
+    if (!parseObject(line, lineStart, document, &what)
         || !readSample(document, current, &what))
         return fail(what);
     return true;
@@ -739,7 +749,7 @@ bool RecordingReader::readRecordingObject()
     }
     rapidjson::Document document;
     QString what;
-    if (!parseObject(line.c_str() + lineStart, line.size() - lineStart, document, &what))
+    if (!parseObject(line, lineStart, document, &what))
         return fail(what);
 
     const Path propertiesPath{nullptr, "properties", -1};

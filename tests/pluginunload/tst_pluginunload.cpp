@@ -12,6 +12,12 @@
 
 #include <unistd.h>
 
+#if __has_include(<valgrind/valgrind.h>)
+#include <valgrind/valgrind.h>
+#else
+#define RUNNING_ON_VALGRIND 0
+#endif
+
 // Loading, using and unloading the plug-in over and over, as a host that
 // rescans its plug-ins does. A program of its own, so that no other loader
 // keeps the module loaded.
@@ -70,7 +76,17 @@ void tst_PluginUnload::loadUseUnloadWithoutGrowth()
     }
     const qint64 growth = residentBytes() - before;
     qInfo("resident memory grew by %lld bytes over 100 rounds", growth);
+#ifdef __SANITIZE_ADDRESS__
+    // The sanitizer holds freed blocks back and keeps a record of every
+    // allocation, so resident memory grows whatever the plug-in does; its
+    // leak check at exit takes the place of this one.
+    QSKIP("resident memory is not the program's own under AddressSanitizer");
+#else
+    // So does memcheck, which holds freed blocks back to catch their use.
+    if (RUNNING_ON_VALGRIND)
+        QSKIP("resident memory is not the program's own under valgrind");
     QVERIFY2(growth < 1024 * 1024, qPrintable(QStringLiteral("grew by %1 bytes").arg(growth)));
+#endif
 }
 
 QTEST_MAIN(tst_PluginUnload)

@@ -76,6 +76,8 @@ private slots:
     void nanAndInfinityLiterals();
     void acceptedLimits_data();
     void acceptedLimits();
+    void everyFieldAtAndPastItsRange_data();
+    void everyFieldAtAndPastItsRange();
     void statusWordTakesTheLow32Bits_data();
     void statusWordTakesTheLow32Bits();
     void gyroTemperaturesKeepTheLow16Bits();
@@ -505,6 +507,162 @@ void tst_RecordingReader::acceptedLimits()
     QCOMPARE(read.value(field), value);
 }
 
+namespace {
+
+// Where an integer field sits in a sample line, and how its value is read
+// back from the sample.
+struct FieldPlace
+{
+    QByteArray before;  // the line up to the value
+    QByteArray after;   // the rest of the line
+    QString path;       // as the reader's messages name it
+};
+
+// Rows for one integer field: its lowest and highest values are read, the
+// values just past them are refused. @p stored gives the value a written
+// number is kept as.
+void addRangeRows(const FieldPlace &place, qint64 minimum, qint64 maximum,
+                  qint64 (*stored)(qint64) = [](qint64 value) { return value; })
+{
+    const auto line = [&place](qint64 value) -> QByteArray {
+        return place.before + QByteArray::number(value) + place.after;
+    };
+    const QString range = QStringLiteral("(%1..%2)").arg(minimum).arg(maximum);
+    const auto refused = [&](qint64 value) {
+        return QStringLiteral("rec.jsonl:2: \"%1\": %2 is out of range %3").arg(place.path).arg(value).arg(range);
+    };
+    const QByteArray name = place.path.toLatin1();
+    QTest::addRow("%s at its lowest, %lld, is read", name.constData(), minimum)
+        << line(minimum) << place.path << stored(minimum) << QString();
+    QTest::addRow("%s at its highest, %lld, is read", name.constData(), maximum)
+        << line(maximum) << place.path << stored(maximum) << QString();
+    QTest::addRow("%s one below its lowest, %lld, is refused", name.constData(), minimum - 1)
+        << line(minimum - 1) << place.path << qint64(0) << refused(minimum - 1);
+    QTest::addRow("%s one above its highest, %lld, is refused", name.constData(), maximum + 1)
+        << line(maximum + 1) << place.path << qint64(0) << refused(maximum + 1);
+}
+
+// Rows for every field of a record under @p key. A receiver record needs a
+// time of week to count as present; entries of a satellite list sit in the
+// list @p listName of a record that has one.
+template <typename Record, std::size_t count>
+void addRecordRows(const char *key, const RecordFields::Field<Record> (&fields)[count], bool receiver,
+                   const char *listName = nullptr)
+{
+    for (const RecordFields::Field<Record> &field : fields) {
+        FieldPlace place;
+        const QByteArray name(field.name);
+        const QByteArray timeOfWeek = receiver && name != "iTOW" ? "\"iTOW\": 1, " : "";
+        if (listName) {
+            place.before = "{\"" + QByteArray(key) + "\": {\"iTOW\": 1, \"" + listName + "\": [{\"" + name + "\": ";
+            place.after = "}]}}";
+            place.path = QStringLiteral("%1.%2[0].%3").arg(key, listName, field.name);
+        } else {
+            place.before = "{\"" + QByteArray(key) + "\": {" + timeOfWeek + "\"" + name + "\": ";
+            place.after = "}}";
+            place.path = QStringLiteral("%1.%2").arg(key, field.name);
+        }
+        addRangeRows(place, field.minimum, field.maximum);
+    }
+}
+
+template <typename Record, std::size_t count>
+qint64 loadField(const RecordFields::Field<Record> (&fields)[count], const Record &record, const QString &name)
+{
+    for (const RecordFields::Field<Record> &field : fields) {
+        if (name == QLatin1String(field.name))
+            return field.load(record);
+    }
+    return -1;
+}
+
+// The value of the field at @p path in @p s.
+qint64 readBack(const RecordingSample &s, const QString &path)
+{
+    const QString key = path.section(QLatin1Char('.'), 0, 0);
+    const QString name = path.section(QLatin1Char('.'), -1);
+    const QHash<QString, qint64> keys = {
+        {QStringLiteral("packetCounter"), s.packetCounter},
+        {QStringLiteral("sampleTimeFine"), s.sampleTimeFine},
+        {QStringLiteral("clippingFlags"), s.clippingFlags},
+        {QStringLiteral("scrTemperature"), s.scrTemperature},
+        {QStringLiteral("statusWord"), s.statusWord},
+        {QStringLiteral("gyroTemperatures[0]"), s.gyroTemperatures.value(0)},
+    };
+    if (keys.contains(path))
+        return keys.value(path);
+    if (key == QLatin1String("utcTime"))
+        return loadField(RecordFields::utcTime, s.utcTime, name);
+    if (key == QLatin1String("triggerIn1"))
+        return loadField(RecordFields::trigger, s.triggerIn1, name);
+    if (key == QLatin1String("gpsSolution"))
+        return loadField(RecordFields::gpsSolution, s.gpsSolution, name);
+    if (key == QLatin1String("gpsDop"))
+        return loadField(RecordFields::gpsDop, s.gpsDop, name);
+    if (key == QLatin1String("gpsUtcTime"))
+        return loadField(RecordFields::gpsUtcTime, s.gpsUtcTime, name);
+    if (key == QLatin1String("gnssPvt"))
+        return loadField(RecordFields::gnssPvt, s.gnssPvt, name);
+    if (path.startsWith(QLatin1String("gpsSatellites.channels[0].")))
+        return loadField(RecordFields::gpsChannel, s.gpsSatellites.channels[0], name);
+    if (key == QLatin1String("gpsSatellites"))
+        return loadField(RecordFields::gpsSatellites, s.gpsSatellites, name);
+    if (path.startsWith(QLatin1String("gnssSatellites.satellites[0].")))
+        return loadField(RecordFields::gnssSatellite, s.gnssSatellites.satellites[0], name);
+    if (key == QLatin1String("gnssSatellites"))
+        return loadField(RecordFields::gnssSatellites, s.gnssSatellites, name);
+    return -1;
+}
+
+} // namespace
+
+void tst_RecordingReader::everyFieldAtAndPastItsRange_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<qint64>("stored");
+    QTest::addColumn<QString>("message");
+
+    const auto key = [](const char *name) {
+        return FieldPlace{"{\"" + QByteArray(name) + "\": ", "}", QString::fromLatin1(name)};
+    };
+    addRangeRows(key("packetCounter"), 0, 65535);
+    addRangeRows(key("sampleTimeFine"), 0, 4294967295LL);
+    addRangeRows(key("clippingFlags"), 0, 65535);
+    addRangeRows(key("scrTemperature"), 0, 65535);
+    addRangeRows(key("statusWord"), -2147483648LL, 4294967295LL,
+                 [](qint64 value) { return qint64(qint32(quint32(value))); });
+    addRangeRows(FieldPlace{"{\"gyroTemperatures\": [", "]}", QStringLiteral("gyroTemperatures[0]")}, -32768, 65535,
+                 [](qint64 value) { return qint64(quint16(value)); });
+    addRecordRows("utcTime", RecordFields::utcTime, false);
+    addRecordRows("triggerIn1", RecordFields::trigger, false);
+    addRecordRows("gpsSolution", RecordFields::gpsSolution, true);
+    addRecordRows("gpsDop", RecordFields::gpsDop, true);
+    addRecordRows("gpsUtcTime", RecordFields::gpsUtcTime, true);
+    addRecordRows("gpsSatellites", RecordFields::gpsSatellites, true);
+    addRecordRows("gpsSatellites", RecordFields::gpsChannel, true, RecordFields::gpsChannelList);
+    addRecordRows("gnssPvt", RecordFields::gnssPvt, true);
+    addRecordRows("gnssSatellites", RecordFields::gnssSatellites, true);
+    addRecordRows("gnssSatellites", RecordFields::gnssSatellite, true, RecordFields::gnssSatelliteList);
+}
+
+void tst_RecordingReader::everyFieldAtAndPastItsRange()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(QString, path);
+    QFETCH(qint64, stored);
+    QFETCH(QString, message);
+
+    const Result result = readAll(header + line + '\n');
+    QCOMPARE(result.error, message);
+    if (!message.isEmpty()) {
+        QCOMPARE(result.samples.size(), 0);
+        return;
+    }
+    QCOMPARE(result.samples.size(), 1);
+    QCOMPARE(readBack(result.samples.first(), path), stored);
+}
+
 void tst_RecordingReader::statusWordTakesTheLow32Bits_data()
 {
     QTest::addColumn<QByteArray>("line");
@@ -892,6 +1050,14 @@ void tst_RecordingReader::badLines_data()
     QTest::newRow("invalid UTF-8 in a key")
             << file("{\"\xc3\x28\": 1}\n")
             << "rec.jsonl:2: malformed JSON at column 3: Invalid encoding in string." << 0;
+    // The text ends right after the first byte of a four-byte character:
+    // nothing past the line's end may be read for the missing three.
+    QTest::newRow("a recording object cut short inside a character")
+            << QByteArray("{\"properties\": {\"DeviceId\": \"\xf0")
+            << "rec.jsonl:1: malformed JSON at column 30: Invalid encoding in string." << 0;
+    QTest::newRow("a sample cut short inside a character")
+            << file("{\"sampleDateTime\": \"2026-11-21T09:30:00\xf4")
+            << "rec.jsonl:2: malformed JSON at column 40: Invalid encoding in string." << 0;
     QTest::newRow("invalid UTF-8 outside strings")
             << file("\xfe\xff\n") << "rec.jsonl:2: malformed JSON at column 1: Invalid value." << 0;
     QTest::newRow("a NUL byte after the object")
