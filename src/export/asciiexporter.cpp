@@ -29,6 +29,32 @@ qint64 truncated(double value)
     return qint64(value);
 }
 
+// The time solution that both receivers' records open with: time of week,
+// accuracy, nanoseconds, date, time of day and validity flags.
+template <typename Record>
+void writeTimeSolution(RowBuffer &row, const Record &record)
+{
+    row.integer(qint32(record.iTOW));
+    row.natural(record.tAcc);
+    row.integer(record.nano);
+    row.integer(record.year);
+    row.integer(record.month);
+    row.integer(record.day);
+    row.integer(record.hour);
+    row.integer(record.min);
+    row.integer(record.sec);
+    row.integer(record.valid);
+}
+
+// The seven dilutions of precision, in units of 0.01.
+template <typename Record>
+void writeDilutions(RowBuffer &row, const Record &record)
+{
+    for (const quint16 dop : {record.gDOP, record.pDOP, record.tDOP, record.vDOP,
+                              record.hDOP, record.nDOP, record.eDOP})
+        row.fixed(dop * 0.01, 2);
+}
+
 // The first character the delimiter writes, or the null character.
 QChar firstCharacter(const DelimiterHandle &delimiter)
 {
@@ -303,9 +329,7 @@ void AsciiExporter::writeGpsDop(RowBuffer &row, const KvGpsDop &record) const
         return;
     }
     row.integer(qint32(record.iTOW));
-    for (const quint16 dop : {record.gDOP, record.pDOP, record.tDOP, record.vDOP,
-                              record.hDOP, record.nDOP, record.eDOP})
-        row.fixed(dop * 0.01, 2);
+    writeDilutions(row, record);
 }
 
 void AsciiExporter::writeGpsUtcTime(RowBuffer &row, const KvGpsUtcTime &record) const
@@ -314,16 +338,7 @@ void AsciiExporter::writeGpsUtcTime(RowBuffer &row, const KvGpsUtcTime &record) 
         row.empty(10);
         return;
     }
-    row.integer(qint32(record.iTOW));
-    row.natural(record.tAcc);
-    row.integer(record.nano);
-    row.integer(record.year);
-    row.integer(record.month);
-    row.integer(record.day);
-    row.integer(record.hour);
-    row.integer(record.min);
-    row.integer(record.sec);
-    row.integer(record.valid);
+    writeTimeSolution(row, record);
 }
 
 void AsciiExporter::writeGpsSatellites(RowBuffer &row, const KvGpsSatelliteInfo &record) const
@@ -349,16 +364,7 @@ void AsciiExporter::writeGnssPvt(RowBuffer &row, const KvGnssPvt &record) const
         row.empty(34);
         return;
     }
-    row.integer(qint32(record.iTOW));
-    row.natural(record.tAcc);
-    row.integer(record.nano);
-    row.integer(record.year);
-    row.integer(record.month);
-    row.integer(record.day);
-    row.integer(record.hour);
-    row.integer(record.min);
-    row.integer(record.sec);
-    row.integer(record.valid);
+    writeTimeSolution(row, record);
     row.integer(record.fixType);
     row.integer(record.flags);
     row.integer(record.numSV);
@@ -376,9 +382,7 @@ void AsciiExporter::writeGnssPvt(RowBuffer &row, const KvGnssPvt &record) const
     row.natural(record.sAcc);
     row.fixed(record.headAcc * 1e-5, 2);
     row.fixed(record.headVeh * 1e-5, 2);
-    for (const quint16 dop : {record.gDOP, record.pDOP, record.tDOP, record.vDOP,
-                              record.hDOP, record.nDOP, record.eDOP})
-        row.fixed(dop * 0.01, 2);
+    writeDilutions(row, record);
 }
 
 void AsciiExporter::writeGnssSatellites(RowBuffer &row, const KvGnssSatelliteInfo &record) const
