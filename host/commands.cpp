@@ -94,6 +94,25 @@ QCommandLineOption settingsOption()
                               tr("FILE"));
 }
 
+// As parse(), for a command that takes options only.
+bool parseOptionsOnly(QCommandLineParser &parser, const QString &command, const QString &description,
+                      const QStringList &arguments, int *status)
+{
+    if (!parse(parser, command, description, arguments, status))
+        return false;
+    if (!parser.positionalArguments().isEmpty()) {
+        *status = usageError(command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
+        return false;
+    }
+    return true;
+}
+
+// The plug-in file the user named, or the one beside the program.
+QString pluginFile(const QCommandLineParser &parser, const QCommandLineOption &option)
+{
+    return parser.isSet(option) ? localFilePath(parser.value(option)) : PluginHost::defaultPluginPath();
+}
+
 QString settingsFile(const QCommandLineParser &parser, const QCommandLineOption &option)
 {
     if (parser.isSet(option))
@@ -176,7 +195,7 @@ int exportRecordings(const QStringList &arguments)
         changes.append({change.left(equals), change.mid(equals + 1)});
     }
 
-    PluginHost host(parser.isSet(plugin) ? localFilePath(parser.value(plugin)) : PluginHost::defaultPluginPath());
+    PluginHost host(pluginFile(parser, plugin));
     if (!loadPlugin(host, settingsFile(parser, settings)))
         return 1;
     AbstractExporterFactory *factory = host.factory();
@@ -226,14 +245,12 @@ int listSettings(const QStringList &arguments)
     const QCommandLineOption settings = settingsOption();
     parser.addOptions({plugin, settings});
     int status = 0;
-    if (!parse(parser, command,
+    if (!parseOptionsOnly(parser, command,
                tr("Lists every setting of the plug-in: its current value, its default and its description."),
                arguments, &status))
         return status;
-    if (!parser.positionalArguments().isEmpty())
-        return usageError(command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
 
-    PluginHost host(parser.isSet(plugin) ? localFilePath(parser.value(plugin)) : PluginHost::defaultPluginPath());
+    PluginHost host(pluginFile(parser, plugin));
     if (!loadPlugin(host, settingsFile(parser, settings)))
         return 1;
     const SettingsSynchronizer *store = host.factory()->settings();
@@ -263,14 +280,12 @@ int editOptions(const QStringList &arguments)
     const QCommandLineOption settings = settingsOption();
     parser.addOptions({plugin, settings});
     int status = 0;
-    if (!parse(parser, command, tr("Shows the settings dialog with the plug-in's options page."), arguments,
+    if (!parseOptionsOnly(parser, command, tr("Shows the settings dialog with the plug-in's options page."), arguments,
                &status))
         return status;
-    if (!parser.positionalArguments().isEmpty())
-        return usageError(command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
 
     const QString fileName = settingsFile(parser, settings);
-    PluginHost host(parser.isSet(plugin) ? localFilePath(parser.value(plugin)) : PluginHost::defaultPluginPath());
+    PluginHost host(pluginFile(parser, plugin));
     if (!loadPlugin(host, fileName))
         return 1;
     SettingsSynchronizer *store = host.factory()->settings();
@@ -289,13 +304,11 @@ int showInfo(const QStringList &arguments)
     const QCommandLineOption settings = settingsOption();
     parser.addOptions({plugin, settings});
     int status = 0;
-    if (!parse(parser, command, tr("Shows the plug-in's metadata, name, version and file extension."),
+    if (!parseOptionsOnly(parser, command, tr("Shows the plug-in's metadata, name, version and file extension."),
                arguments, &status))
         return status;
-    if (!parser.positionalArguments().isEmpty())
-        return usageError(command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
 
-    PluginHost host(parser.isSet(plugin) ? localFilePath(parser.value(plugin)) : PluginHost::defaultPluginPath());
+    PluginHost host(pluginFile(parser, plugin));
     if (!loadPlugin(host, parser.isSet(settings) ? localFilePath(parser.value(settings)) : QString()))
         return 1;
     const QJsonObject metaData = host.metaData();
@@ -333,13 +346,11 @@ int generate(const QStringList &arguments)
                                     tr("The recording file to write."), tr("FILE"));
     parser.addOptions({samples, rate, groups, seed, output});
     int status = 0;
-    if (!parse(parser, command,
+    if (!parseOptionsOnly(parser, command,
                tr("Writes a synthetic recording: the same options give the same bytes. Keys: %1.")
                    .arg(RecordingReader::sampleKeys().join(QStringLiteral(", "))),
                arguments, &status))
         return status;
-    if (!parser.positionalArguments().isEmpty())
-        return usageError(command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
     if (!parser.isSet(output))
         return usageError(command, tr("--output is required"));
 
