@@ -246,8 +246,8 @@ int listSettings(const QStringList &arguments)
     parser.addOptions({plugin, settings});
     int status = 0;
     if (!parseOptionsOnly(parser, command,
-               tr("Lists every setting of the plug-in: its current value, its default and its description."),
-               arguments, &status))
+                          tr("Lists every setting of the plug-in: its current value, its default and its description."),
+                          arguments, &status))
         return status;
 
     PluginHost host(pluginFile(parser, plugin));
@@ -281,7 +281,7 @@ int editOptions(const QStringList &arguments)
     parser.addOptions({plugin, settings});
     int status = 0;
     if (!parseOptionsOnly(parser, command, tr("Shows the settings dialog with the plug-in's options page."), arguments,
-               &status))
+                          &status))
         return status;
 
     const QString fileName = settingsFile(parser, settings);
@@ -305,7 +305,7 @@ int showInfo(const QStringList &arguments)
     parser.addOptions({plugin, settings});
     int status = 0;
     if (!parseOptionsOnly(parser, command, tr("Shows the plug-in's metadata, name, version and file extension."),
-               arguments, &status))
+                          arguments, &status))
         return status;
 
     PluginHost host(pluginFile(parser, plugin));
@@ -347,9 +347,9 @@ int generate(const QStringList &arguments)
     parser.addOptions({samples, rate, groups, seed, output});
     int status = 0;
     if (!parseOptionsOnly(parser, command,
-               tr("Writes a synthetic recording: the same options give the same bytes. Keys: %1.")
-                   .arg(RecordingReader::sampleKeys().join(QStringLiteral(", "))),
-               arguments, &status))
+                          tr("Writes a synthetic recording: the same options give the same bytes. Keys: %1.")
+                          .arg(RecordingReader::sampleKeys().join(QStringLiteral(", "))),
+                          arguments, &status))
         return status;
     if (!parser.isSet(output))
         return usageError(command, tr("--output is required"));
