@@ -6,7 +6,7 @@
 #include "pluginhost.h"
 #include "progressbar.h"
 #include "recordinggenerator.h"
-#include "recordingreader.h"
+#include "samplereader.h"
 #include "settingsdialog.h"
 
 #include <abstractexporterfactory.h>
@@ -348,7 +348,7 @@ int generate(const QStringList &arguments)
     int status = 0;
     if (!parseOptionsOnly(parser, command,
                           tr("Writes a synthetic recording: the same options give the same bytes. Keys: %1.")
-                          .arg(RecordingReader::sampleKeys().join(QStringLiteral(", "))),
+                          .arg(SampleReader::keys().join(QStringLiteral(", "))),
                           arguments, &status))
         return status;
     if (!parser.isSet(output))
@@ -366,7 +366,7 @@ int generate(const QStringList &arguments)
     if (!ok)
         return usageError(command, tr("--seed takes a whole number of 0 or more"));
     if (parser.value(groups) != QLatin1String("all")) {
-        const QStringList known = RecordingReader::sampleKeys();
+        const QStringList known = SampleReader::keys();
         for (const QString &key : parser.value(groups).split(QLatin1Char(','))) {
             const QString trimmed = key.trimmed();
             if (!known.contains(trimmed))

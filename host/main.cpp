@@ -1,4 +1,5 @@
 #include "commands.h"
+#include "localtimezone.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -28,6 +29,7 @@ const char overview[] =
 
 int main(int argc, char *argv[])
 {
+    pinLocalTimeZone();
     const QString command = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
     bool help = false;
     for (int i = 2; i < argc; ++i)

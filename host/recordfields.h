@@ -7,6 +7,7 @@
 #include <QtGlobal>
 
 #include <limits>
+#include <string_view>
 
 /**
  * The integer members of the records that a recording holds as JSON objects:
@@ -19,7 +20,8 @@ namespace RecordFields {
 template <typename Record>
 struct Field
 {
-    const char *name;
+    /** A literal: data() is the name as a C string too. */
+    std::string_view name;
     qint64 minimum;
     qint64 maximum;
     void (*store)(Record &record, qint64 value);
@@ -50,7 +52,7 @@ qint64 loadMember(const typename MemberOf<decltype(member)>::RecordType &record)
 
 /** The entry for @p member, its range taken from the member's own type. */
 template <auto member>
-constexpr Field<typename MemberOf<decltype(member)>::RecordType> field(const char *name)
+constexpr Field<typename MemberOf<decltype(member)>::RecordType> field(std::string_view name)
 {
     using Type = typename MemberOf<decltype(member)>::MemberType;
     return {name, qint64(std::numeric_limits<Type>::min()), qint64(std::numeric_limits<Type>::max()),
@@ -177,7 +179,7 @@ inline constexpr Field<KvGnssSatellite> gnssSatellite[] = {
 };
 
 /** Name of the list of channels in "gpsSatellites" and of satellites in "gnssSatellites". */
-inline constexpr char gpsChannelList[] = "channels";
-inline constexpr char gnssSatelliteList[] = "satellites";
+inline constexpr std::string_view gpsChannelList = "channels";
+inline constexpr std::string_view gnssSatelliteList = "satellites";
 
 } // namespace RecordFields

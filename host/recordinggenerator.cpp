@@ -2,7 +2,7 @@
 
 #include "orientationmath.h"
 #include "recordfields.h"
-#include "recordingreader.h"
+#include "samplereader.h"
 
 #include <kvmatrix.h>
 #include <kvquaternion.h>
@@ -169,7 +169,7 @@ public:
     void fields(const RecordFields::Field<Record> (&table)[count], const Record &record)
     {
         for (const RecordFields::Field<Record> &field : table) {
-            key(field.name);
+            key(field.name.data());
             integer(field.load(record));
         }
     }
@@ -183,13 +183,13 @@ public:
     }
 
     template <typename Record, std::size_t count, typename Entry, std::size_t entryCount, std::size_t capacity>
-    void listRecord(const RecordFields::Field<Record> (&table)[count], const Record &value, const char *listName,
+    void listRecord(const RecordFields::Field<Record> (&table)[count], const Record &value, std::string_view listName,
                     const RecordFields::Field<Entry> (&entryTable)[entryCount], const Entry (&entries)[capacity],
                     int used)
     {
         beginObject();
         fields(table, value);
-        key(listName);
+        key(listName.data());
         beginList();
         for (int i = 0; i < used; ++i)
             record(entryTable, entries[i]);

@@ -14,7 +14,7 @@ struct GeneratorOptions
     double rate = 100.0;
     /** Seed of the noise; the same options give the same bytes. */
     quint64 seed = 1;
-    /** The sample keys to write (see RecordingReader::sampleKeys()); empty for every key. */
+    /** The sample keys to write (see SampleReader::keys()); empty for every key. */
     QStringList keys;
 };
 

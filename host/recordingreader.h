@@ -1,14 +1,18 @@
 #pragma once
 
+#include "jsontape.h"
+#include "linereader.h"
 #include "recordingsample.h"
+#include "samplereader.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QString>
-#include <QStringList>
 #include <QVariantMap>
 
+#include <memory>
 #include <string>
+#include <string_view>
 
 /**
  * Reads a recording in the JSON Lines format, one sample at a time.
@@ -17,11 +21,11 @@
  * "updateRate"); every further non-empty line is one sample. Only the current
  * sample is held, so memory does not grow with the length of the recording.
  * Besides standard JSON the bare literals NaN, Infinity and -Infinity are
- * accepted as numbers.
+ * accepted as numbers. Every number is read to the nearest double, or to its
+ * exact value where the format wants an integer.
  *
  * A bad line stops the reading: errorString() then reads
- * "FILE:LINE: what is wrong". Keys the format does not know are ignored; a
- * known key given twice in one object is a bad line.
+ * "FILE:LINE: what is wrong".
  */
 class RecordingReader
 {
@@ -29,21 +33,15 @@ class RecordingReader
 
 public:
     /**
-     * Longer lines are refused. A sample takes a few kilobytes; the limit
-     * bounds what one line may cost to parse, some twenty times its size.
-     */
-    static constexpr qint64 maxLineLength = 4 * 1024 * 1024;
-    /** Lists and objects nested deeper than this are refused. */
-    static constexpr int maxNesting = 32;
-
-    /** The keys a sample line may hold, in the order of the format's table. */
-    static QStringList sampleKeys();
-
-    /**
      * Opens @p fileName and reads its recording object. On failure returns
      * false and errorString() tells why.
      */
     bool open(const QString &fileName);
+    /**
+     * Reads the recording from @p device, which must be open for reading and
+     * outlive the reader; @p name names it in messages.
+     */
+    bool open(QIODevice *device, const QString &name);
     /**
      * Moves to the next sample. Returns false at the end of the file and on a
      * bad line; hasError() tells the two apart.
@@ -61,24 +59,26 @@ public:
     /** The sample read last by readNext(). */
     const RecordingSample &sample() const;
 
-    /** How far reading has come into the file, in bytes; for progress. */
-    qint64 position() const { return file.pos(); }
-    /** The size of the file, in bytes. */
-    qint64 size() const { return file.size(); }
+    /** How far reading has come into the recording, in bytes; for progress. */
+    qint64 position() const;
+    /** The size of the recording in bytes; 0 when it is not known, as for a pipe. */
+    qint64 size() const;
 
 private:
-    enum class LineStatus { Read, End, Failed };
-
-    LineStatus readLine();
     bool nextContentLine();
     bool readRecordingObject();
+    bool parseLine();
     bool fail(const QString &what);
 
     QString fileName;
     QFile file;
+    QIODevice *device = nullptr;
+    std::unique_ptr<LineReader> lines;
+    // The current line, and a copy of it that the tape parses in place.
+    std::string_view text;
     std::string line;
-    std::size_t lineStart = 0;
-    qint64 lineNumber = 0;
+    JsonTape tape;
+    SampleReader sampleReader;
     QString error;
     QVariantMap recordingProperties;
     double rate = 0.0;

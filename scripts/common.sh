@@ -8,7 +8,7 @@ BUILD_DIR=${BUILD_DIR:-$ROOT/build}
 PACKAGES=(
     cmake g++ make
     qtbase5-dev qtbase5-dev-tools qttools5-dev qttools5-dev-tools
-    rapidjson-dev
+    rapidjson-dev libsimdjson-dev
 )
 
 # ensure_packages [extra packages...]

@@ -256,7 +256,7 @@ void tst_RecordingGenerator::numbersAreInShortestRoundTripForm()
 
 void tst_RecordingGenerator::everyKeyTheReaderKnowsIsWritten()
 {
-    const QStringList known = RecordingReader::sampleKeys();
+    const QStringList known = SampleReader::keys();
     QSet<QString> written;
     for (const QByteArray &line : sampleLines(generated(options(1000)))) {
         const QJsonDocument document = QJsonDocument::fromJson(line);

@@ -1,6 +1,8 @@
 #include "recordfields.h"
 #include "recordingreader.h"
 
+#include <samplelines.h>
+
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -11,34 +13,6 @@
 namespace {
 
 const QByteArray header = R"({"properties": {}, "updateRate": 100})" "\n";
-
-// One sample that holds every key, each member with its own value.
-const QByteArray fullSample = R"({"packetCounter": 65535, "sampleTimeFine": 4294967295,)"
-    R"( "sampleDateTime": "2026-11-21T09:30:00.250",)"
-    R"( "utcTime": {"nano": 250000000, "year": 2026, "month": 11, "day": 21, "hour": 9, "minute": 30, "second": 1, "valid": 7},)"
-    R"( "statusWord": 4294967294, "clippingFlags": 3, "rssi": -61.5,)"
-    R"( "calibratedAcceleration": [0.1, 0.2, 9.81], "freeAcceleration": [1, 2, 3],)"
-    R"( "calibratedAngularVelocity": [4, 5, 6], "magneticField": [7, 8, 9], "velocityIncrement": [10, 11, 12],)"
-    R"( "scrAcceleration": [13, 14, 15], "scrGyroscopeData": [16, 17, 18], "scrMagneticField": [19, 20, 21],)"
-    R"( "velocity": [22, 23, 24], "orientationIncrement": [1, 0.001, 0.002, 0.003],)"
-    R"( "orientationQuaternion": [0.5, 0.5, 0.5, 0.5], "orientationEuler": [10, 20, 30],)"
-    R"( "orientationMatrix": [[1, 2, 3], [4, 5, 6], [7, 8, 9]], "latitudeLongitude": [47.5, 8.25],)"
-    R"( "altitude": 412.5, "temperature": 24.75, "pressure": 96500.5, "scrTemperature": 11500,)"
-    R"( "gyroTemperatures": [6400, -1, 65535],)"
-    R"( "gpsSolution": {"iTOW": 1, "fTOW": -2, "week": -3, "gpsFix": 4, "flags": 5, "ecefX": -6, "ecefY": 7,)"
-    R"( "ecefZ": -8, "pAcc": 4294967295, "ecefVX": -10, "ecefVY": 11, "ecefVZ": -12, "sAcc": 13, "pDOP": 65535, "numSV": 255},)"
-    R"( "gpsDop": {"iTOW": 21, "gDOP": 22, "pDOP": 23, "tDOP": 24, "vDOP": 25, "hDOP": 26, "nDOP": 27, "eDOP": 28},)"
-    R"( "gpsUtcTime": {"iTOW": 31, "tAcc": 32, "nano": -33, "year": 2026, "month": 11, "day": 21, "hour": 9,)"
-    R"( "min": 30, "sec": 59, "valid": 7},)"
-    R"( "gpsSatellites": {"iTOW": 41, "numCh": 2, "channels": [{"svid": 42, "quality": 7}, {"svid": 43, "quality": 4}]},)"
-    R"( "gnssPvt": {"iTOW": 51, "year": 2026, "month": 11, "day": 21, "hour": 9, "min": 30, "sec": 2, "valid": 55,)"
-    R"( "tAcc": 52, "nano": -53, "fixType": 3, "flags": 1, "numSV": 20, "lon": 85417000, "lat": -473769000,)"
-    R"( "height": -54, "hMSL": 55, "hAcc": 56, "vAcc": 57, "velN": -58, "velE": 59, "velD": -60, "gSpeed": 61,)"
-    R"( "headMot": -62, "sAcc": 63, "headAcc": 64, "headVeh": -65, "gDOP": 66, "pDOP": 67, "tDOP": 68,)"
-    R"( "vDOP": 69, "hDOP": 70, "nDOP": 71, "eDOP": 72},)"
-    R"( "gnssSatellites": {"iTOW": 81, "numSvs": 1, "satellites": [{"gnssId": 2, "svId": 11, "cno": 44, "flags": 4294967295}]},)"
-    R"( "triggerIn1": {"line": 1, "polarity": 2, "timestamp": 4294967295, "frameNumber": 65535},)"
-    R"( "triggerIn2": {"line": 2, "polarity": 1, "timestamp": 5, "frameNumber": 6}})" "\n";
 
 template <typename Record, std::size_t count>
 bool allZero(const RecordFields::Field<Record> (&fields)[count], const Record &record)
@@ -189,7 +163,7 @@ void tst_RecordingReader::verifyMissing(const RecordingSample &s)
 
 void tst_RecordingReader::everyKeyIsRead()
 {
-    const Result result = readAll(header + fullSample);
+    const Result result = readAll(header + everyKeySampleLine() + "\n");
     QCOMPARE(result.error, QString());
     QCOMPARE(result.samples.size(), 1);
     const RecordingSample &s = result.samples.first();
@@ -355,7 +329,7 @@ void tst_RecordingReader::missingData_data()
     QTest::newRow("receiver records and triggers with every field null hold no data")
             << QByteArray(R"({"gpsSolution": {"iTOW": null}, "gnssPvt": {"iTOW": null, "lat": null},)"
                           R"( "gpsSatellites": {"channels": null}, "utcTime": {"nano": null}})");
-    for (const QString &key : RecordingReader::sampleKeys()) {
+    for (const QString &key : SampleReader::keys()) {
         const QByteArray row = "a null " + key.toLatin1() + " counts as absent";
         QTest::newRow(row.constData()) << QByteArray("{\"" + key.toLatin1() + "\": null}");
     }
@@ -551,16 +525,16 @@ void addRecordRows(const char *key, const RecordFields::Field<Record> (&fields)[
 {
     for (const RecordFields::Field<Record> &field : fields) {
         FieldPlace place;
-        const QByteArray name(field.name);
+        const QByteArray name(field.name.data());
         const QByteArray timeOfWeek = receiver && name != "iTOW" ? "\"iTOW\": 1, " : "";
         if (listName) {
             place.before = "{\"" + QByteArray(key) + "\": {\"iTOW\": 1, \"" + listName + "\": [{\"" + name + "\": ";
             place.after = "}]}}";
-            place.path = QStringLiteral("%1.%2[0].%3").arg(key, listName, field.name);
+            place.path = QStringLiteral("%1.%2[0].%3").arg(key, listName, field.name.data());
         } else {
             place.before = "{\"" + QByteArray(key) + "\": {" + timeOfWeek + "\"" + name + "\": ";
             place.after = "}}";
-            place.path = QStringLiteral("%1.%2").arg(key, field.name);
+            place.path = QStringLiteral("%1.%2").arg(key, field.name.data());
         }
         addRangeRows(place, field.minimum, field.maximum);
     }
@@ -570,7 +544,7 @@ template <typename Record, std::size_t count>
 qint64 loadField(const RecordFields::Field<Record> (&fields)[count], const Record &record, const QString &name)
 {
     for (const RecordFields::Field<Record> &field : fields) {
-        if (name == QLatin1String(field.name))
+        if (name == QLatin1String(field.name.data()))
             return field.load(record);
     }
     return -1;
@@ -640,10 +614,10 @@ void tst_RecordingReader::everyFieldAtAndPastItsRange_data()
     addRecordRows("gpsDop", RecordFields::gpsDop, true);
     addRecordRows("gpsUtcTime", RecordFields::gpsUtcTime, true);
     addRecordRows("gpsSatellites", RecordFields::gpsSatellites, true);
-    addRecordRows("gpsSatellites", RecordFields::gpsChannel, true, RecordFields::gpsChannelList);
+    addRecordRows("gpsSatellites", RecordFields::gpsChannel, true, RecordFields::gpsChannelList.data());
     addRecordRows("gnssPvt", RecordFields::gnssPvt, true);
     addRecordRows("gnssSatellites", RecordFields::gnssSatellites, true);
-    addRecordRows("gnssSatellites", RecordFields::gnssSatellite, true, RecordFields::gnssSatelliteList);
+    addRecordRows("gnssSatellites", RecordFields::gnssSatellite, true, RecordFields::gnssSatelliteList.data());
 }
 
 void tst_RecordingReader::everyFieldAtAndPastItsRange()

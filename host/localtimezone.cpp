@@ -1,0 +1,9 @@
+#include "localtimezone.h"
+
+#include <QByteArray>
+
+void pinLocalTimeZone()
+{
+    if (!qEnvironmentVariableIsSet("TZ"))
+        qputenv("TZ", QByteArrayLiteral(":/etc/localtime"));
+}
