@@ -3,7 +3,12 @@ exporter, the to_chars limit, the straightforward Qt writer and pandas'
 to_csv, each in a process of its own, on the same rows; then an end-to-end
 export of a generated recording through asciiexport.
 
-Usage: run_bench.py BUILD_DIR [ROWS]
+Then the reading side: the recording reader against a simdjson on-demand walk
+over the same generated recordings, whole exports through asciiexport against
+the to_chars limit writing the same rows, peak memory, and the reader's
+differential check of numbers on a large count.
+
+Usage: run_bench.py BUILD_DIR [ROWS [SAMPLES [NUMBERS]]]
 """
 
 import hashlib
@@ -49,9 +54,125 @@ print(json.dumps({"seconds": seconds, "peak_kib": resource.getrusage(resource.RU
 """
 
 
+INERTIAL_KEYS = ("packetCounter,sampleTimeFine,calibratedAcceleration,freeAcceleration,calibratedAngularVelocity,"
+                 "magneticField,orientationQuaternion,pressure,temperature")
+INERTIAL_SETTINGS = ["--set", "exportCalibratedAcceleration=true", "--set", "exportFreeAcceleration=true",
+                     "--set", "exportCalibratedAngularVelocity=true", "--set", "exportMagneticField=true",
+                     "--set", "exportPressure=true", "--set", "exportTemperature=true",
+                     "--set", "exportOrientation=Quaternion"]
+REPEATS = 3
+READER_TARGET = 1.5
+EXPORT_TARGET = 2.5
+GROWTH_TARGET_MIB = 4.0
+
+
+def median_of(run):
+    """The run of median time among REPEATS, each a dict with "seconds"."""
+    results = sorted((run() for _ in range(REPEATS)), key=lambda r: r["seconds"])
+    return results[len(results) // 2]
+
+
+def program_run(arguments):
+    process = subprocess.Popen(arguments)
+    start = time.perf_counter()
+    _, status, usage = os.wait4(process.pid, 0)
+    seconds = time.perf_counter() - start
+    if status != 0:
+        sys.exit(f"{' '.join(arguments)} failed")
+    return {"seconds": seconds, "peak_kib": usage.ru_maxrss}
+
+
+def reader_section(build, samples):
+    program = os.path.join(build, "bin", "asciiexport")
+    reader = os.path.join(build, "bin", "bench_reader")
+    export_bench = os.path.join(build, "bin", "bench_export")
+    settings = os.path.join(SCRATCH, "asciiexporter-bench-reader.ini")
+    ok = True
+    print()
+    print(f"Reading: generated recordings, each way in a process of its own, median of {REPEATS} runs")
+    print()
+    print(f"{'recording':<12}{'samples':>9}{'MB':>7}  {'way':<16}{'ns/sample':>10}{'MB/s':>8}{'peak MiB':>10}")
+    recordings = {}
+    for label, keys, count in (("inertial", INERTIAL_KEYS, samples), ("every key", "all", max(1000, samples // 3))):
+        path = os.path.join(SCRATCH, f"asciiexporter-bench-{label.replace(' ', '-')}.jsonl")
+        run_child([program, "generate", "--samples", str(count), "--groups", keys, "-o", path])
+        recordings[label] = (path, count)
+        size = os.path.getsize(path)
+        figures = {}
+        for method in ("reader", "simdjson"):
+            figures[method] = median_of(lambda: json.loads(run_child([reader, "--method", method, path])))
+            r = figures[method]
+            way = "reader" if method == "reader" else "simdjson walk"
+            print(f"{label:<12}{count:>9}{size / 1e6:>7.0f}  {way:<16}{r['seconds'] / count * 1e9:>10.0f}"
+                  f"{size / r['seconds'] / 1e6:>8.0f}{r['peak_kib'] / 1024:>10.1f}")
+        ratio = figures["reader"]["seconds"] / figures["simdjson"]["seconds"]
+        met = ratio <= READER_TARGET
+        ok = ok and met
+        print(f"{'':<12}{'':>9}{'':>7}  reader/simdjson {ratio:>10.2f}   (target <= {READER_TARGET}: "
+              f"{'met' if met else 'MISSED'})")
+
+    path, count = recordings["inertial"]
+    size = os.path.getsize(path)
+    print()
+    print(f"Whole exports of the inertial recording through asciiexport, median of {REPEATS} runs")
+    print()
+    print(f"{'way':<40}{'ns/sample':>10}{'MB/s in':>9}{'peak MiB':>10}")
+    outputs = {}
+    exports = {}
+    for label, extra in (("asciiexport, default settings", []), ("asciiexport, inertial settings", INERTIAL_SETTINGS)):
+        output = os.path.join(SCRATCH, f"asciiexporter-bench-export-{len(outputs)}.txt")
+        if os.path.exists(settings):
+            os.remove(settings)
+        exports[label] = median_of(lambda: program_run(
+            [program, "export", "--quiet", "--settings", settings, *extra, "-o", output, path]))
+        outputs[label] = output
+    limit_output = os.path.join(SCRATCH, "asciiexporter-bench-export-limit.txt")
+    exports["to_chars limit, the same rows"] = median_of(lambda: json.loads(run_child(
+        [export_bench, "--config", "inertial", "--method", "limit", "--recording", path, "--out", limit_output])))
+    for label, r in exports.items():
+        print(f"{label:<40}{r['seconds'] / count * 1e9:>10.0f}{size / r['seconds'] / 1e6:>9.0f}"
+              f"{r['peak_kib'] / 1024:>10.1f}")
+    same = digest(outputs["asciiexport, inertial settings"]) == digest(limit_output)
+    ratio = exports["asciiexport, inertial settings"]["seconds"] / exports["to_chars limit, the same rows"]["seconds"]
+    met = ratio <= EXPORT_TARGET and same
+    ok = ok and met
+    print(f"inertial export/limit {ratio:.2f} (target <= {EXPORT_TARGET}: {'met' if met else 'MISSED'}); "
+          f"the two files {'are byte-identical' if same else 'DIFFER'}")
+    for output in (*outputs.values(), limit_output):
+        os.remove(output)
+
+    # Flat memory: the same export of a short recording of the same kind.
+    short = os.path.join(SCRATCH, "asciiexporter-bench-short.jsonl")
+    output = os.path.join(SCRATCH, "asciiexporter-bench-short.txt")
+    run_child([program, "generate", "--samples", "1000", "--groups", INERTIAL_KEYS, "-o", short])
+    peaks = {}
+    for label, recording in (("1000", short), (str(count), path)):
+        peaks[label] = program_run([program, "export", "--quiet", "--settings", settings, *INERTIAL_SETTINGS,
+                                    "-o", output, recording])["peak_kib"]
+    growth = (peaks[str(count)] - peaks["1000"]) / 1024
+    met = growth <= GROWTH_TARGET_MIB
+    ok = ok and met
+    print(f"peak memory of the inertial export: {peaks['1000'] / 1024:.1f} MiB for 1000 samples, "
+          f"{peaks[str(count)] / 1024:.1f} MiB for {count} (growth {growth:.1f} MiB, target <= "
+          f"{GROWTH_TARGET_MIB}: {'met' if met else 'MISSED'})")
+    for leftover in (short, output, settings, *(p for p, _ in recordings.values())):
+        if os.path.exists(leftover):
+            os.remove(leftover)
+    return ok
+
+
+def number_check(build, numbers):
+    print()
+    print(f"Exactness: {numbers} numbers of every form through the reader against std::from_chars")
+    process = subprocess.run([os.path.join(build, "bin", "bench_numberreading"), "--count", str(numbers)])
+    return process.returncode == 0
+
+
 def main():
     build = sys.argv[1]
     rows = int(sys.argv[2]) if len(sys.argv) > 2 else 1000000
+    samples = int(sys.argv[3]) if len(sys.argv) > 3 else 300000
+    numbers = int(sys.argv[4]) if len(sys.argv) > 4 else 100000000
     bench = os.path.join(build, "bin", "bench_export")
     results = {}
     identical = {}
@@ -102,28 +223,8 @@ def main():
     print("targets: exporter/limit as above, qt/exporter >= 2, pandas/exporter >= 4;"
           " pandas writes integers unpadded and every float with six decimals")
 
-    # End to end: the program on a generated recording.
-    program = os.path.join(build, "bin", "asciiexport")
-    settings = os.path.join(SCRATCH, "asciiexporter-bench-settings.ini")
-    peaks = {}
-    for samples in (1000, rows):
-        recording = os.path.join(SCRATCH, f"asciiexporter-bench-{samples}.jsonl")
-        output = os.path.join(SCRATCH, f"asciiexporter-bench-{samples}.txt")
-        run_child([program, "generate", "--samples", str(samples), "-o", recording])
-        start = time.perf_counter()
-        process = subprocess.Popen([program, "export", "--quiet", "--settings", settings, "-o", output, recording])
-        _, status, usage = os.wait4(process.pid, 0)
-        seconds = time.perf_counter() - start
-        if status != 0:
-            sys.exit("asciiexport export failed")
-        peaks[samples] = usage.ru_maxrss
-        size = os.path.getsize(recording)
-        os.remove(recording)
-        os.remove(output)
-        print(f"asciiexport export, {samples} samples (every key, {size / 1e6:.0f} MB of recording, default "
-              f"settings): {samples / seconds:,.0f} rows/s, peak {usage.ru_maxrss / 1024:.1f} MiB")
-    growth = (peaks[rows] - peaks[1000]) / 1024
-    print(f"peak memory growth from 1000 to {rows} samples: {growth:.1f} MiB")
+    ok = reader_section(build, samples) and ok
+    ok = number_check(build, numbers) and ok
     return 0 if ok else 1
 
 

@@ -1,5 +1,6 @@
-// Exports N samples of seeded values into one file, one way at a time, and
-// prints one JSON line with the time, the bytes written and the peak memory:
+// Exports N samples of seeded values (or every sample of a recording) into
+// one file, one way at a time, and prints one JSON line with the time, the
+// bytes written and the peak memory:
 //   exporter  the real AsciiExporter over an in-memory export source
 //   limit     the same fields with std::to_chars into a 1 MiB buffer
 //   qt        the straightforward Qt way: a QString per field, a QTextStream per row
@@ -8,9 +9,12 @@
 
 #include "asciiexporter.h"
 #include "benchdata.h"
+#include "peakmemory.h"
 #include "settingscatalogue.h"
 
 #include <exportrun.h>
+#include <recordingreader.h>
+#include <recordingsource.h>
 #include <settingssynchronizer.h>
 
 #include <QCommandLineParser>
@@ -25,7 +29,6 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -53,15 +56,91 @@ void configure(SettingsSynchronizer &store, const BenchConfig &config)
 }
 
 // The header block and column line, as the exporter writes them.
-QByteArray headerText(const BenchConfig &config)
+QByteArray headerText(const BenchConfig &config, const QVariantMap &properties, double rate)
 {
     SettingsSynchronizer store(SettingsCatalogue::defaults(), SettingsCatalogue::descriptions());
     configure(store, config);
     TestSource source;
-    source.properties = recordingProperties();
-    source.rate = 100.0;
+    source.properties = properties;
+    source.rate = rate;
     AsciiExporter exporter(&source, &store);
     return exportSamples(&exporter, &source, {});
+}
+
+// What the writers other than the exporter write: the header, and the fields
+// of every row, worked out before the clock starts.
+struct Rows
+{
+    QByteArray header;
+    std::vector<QVector<Field>> fields;
+};
+
+Rows poolRows(const BenchConfig &config, const QVector<TestSample> &pool)
+{
+    const QMap<QString, QVariant> settings = effectiveSettings(config);
+    Rows rows{headerText(config, recordingProperties(), 100.0), {}};
+    for (const TestSample &sample : pool)
+        rows.fields.push_back(flatten(sample, settings));
+    return rows;
+}
+
+// The sample a recording's source presents, as a test sample.
+TestSample presented(const RecordingSource &source)
+{
+    TestSample s;
+    s.dateTime = source.sampleDateTime();
+    s.utc = source.utcTime();
+    s.packetCounter = source.packetCounter();
+    s.sampleTimeFine = source.sampleTimeFine();
+    s.hasSampleTimeFine = source.hasSampleTimeFine();
+    s.temperature = source.temperature();
+    s.scrTemperature = source.scrTemperature();
+    s.gyroTemperatures = source.gyroTemperatures();
+    s.calibratedAcceleration = source.calibratedAcceleration();
+    s.freeAcceleration = source.freeAcceleration();
+    s.scrAcceleration = source.scrAcceleration();
+    s.velocityIncrement = source.velocityIncrement();
+    s.calibratedAngularVelocity = source.calibratedAngularVelocity();
+    s.scrGyroscopeData = source.scrGyroscopeData();
+    s.orientationIncrement = source.orientationIncrement();
+    s.magneticField = source.magneticField();
+    s.scrMagneticField = source.scrMagneticField();
+    const quint32 orientation = source.orientationSelector();
+    s.orientationQuaternion = source.orientationQuaternion(orientation);
+    s.orientationEuler = source.orientationEuler(orientation);
+    s.orientationMatrix = source.orientationMatrix(orientation);
+    s.latitudeLongitude = source.latitudeLongitude();
+    s.altitude = source.altitude();
+    s.velocity = source.velocity(source.velocitySelector());
+    s.statusWord = source.statusWord();
+    s.pressure = source.pressure();
+    s.rssi = source.rssi();
+    s.clippingFlags = source.clippingFlags();
+    s.gpsDop = source.gpsDopRecord();
+    s.gpsSolution = source.gpsSolutionRecord();
+    s.gpsUtcTime = source.gpsUtcTimeRecord();
+    s.gpsSatellites = source.gpsSatelliteRecord();
+    s.gnssPvt = source.gnssPvtRecord();
+    s.gnssSatellites = source.gnssSatelliteRecord();
+    s.triggerIn1 = source.triggerIndication(RecordingSource::triggerIn1Id);
+    s.triggerIn2 = source.triggerIndication(RecordingSource::triggerIn2Id);
+    return s;
+}
+
+// Every sample of @p path, as the program would export it.
+Rows recordingRows(const BenchConfig &config, const QString &path)
+{
+    RecordingReader reader;
+    if (!reader.open(path))
+        qFatal("%s", qPrintable(reader.errorString()));
+    const QMap<QString, QVariant> settings = effectiveSettings(config);
+    Rows rows{headerText(config, reader.properties(), reader.updateRate()), {}};
+    const RecordingSource source(&reader);
+    while (reader.readNext())
+        rows.fields.push_back(flatten(presented(source), settings));
+    if (reader.hasError())
+        qFatal("%s", qPrintable(reader.errorString()));
+    return rows;
 }
 
 Run runExporter(const BenchConfig &config, const QVector<TestSample> &pool, qint64 rows, const QString &out)
@@ -104,13 +183,10 @@ char *writeInteger(char *p, char *end, qint64 value, bool isSigned, int width, c
     return std::copy(first, static_cast<const char *>(last), p);
 }
 
-Run runLimit(const BenchConfig &config, const QVector<TestSample> &pool, qint64 rows, const QString &out)
+Run runLimit(const Rows &table, qint64 rows, const QString &out)
 {
-    const QMap<QString, QVariant> settings = effectiveSettings(config);
-    std::vector<QVector<Field>> rowsOfFields;
-    for (const TestSample &sample : pool)
-        rowsOfFields.push_back(flatten(sample, settings));
-    const QByteArray header = headerText(config);
+    const std::vector<QVector<Field>> &rowsOfFields = table.fields;
+    const QByteArray &header = table.header;
 
     constexpr std::size_t bufferSize = 1 << 20;
     std::vector<char> buffer(bufferSize);
@@ -154,13 +230,10 @@ Run runLimit(const BenchConfig &config, const QVector<TestSample> &pool, qint64 
     return {timer.nsecsElapsed() / 1e9, written};
 }
 
-Run runQt(const BenchConfig &config, const QVector<TestSample> &pool, qint64 rows, const QString &out)
+Run runQt(const Rows &table, qint64 rows, const QString &out)
 {
-    const QMap<QString, QVariant> settings = effectiveSettings(config);
-    std::vector<QVector<Field>> rowsOfFields;
-    for (const TestSample &sample : pool)
-        rowsOfFields.push_back(flatten(sample, settings));
-    const QByteArray header = headerText(config);
+    const std::vector<QVector<Field>> &rowsOfFields = table.fields;
+    const QByteArray &header = table.header;
 
     QElapsedTimer timer;
     timer.start();
@@ -241,13 +314,6 @@ Run writeTable(const BenchConfig &config, const QVector<TestSample> &pool, const
     return {0.0, 0};
 }
 
-long peakKib()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -264,7 +330,11 @@ int main(int argc, char *argv[])
                                         QStringLiteral("N"), QStringLiteral("1000000"));
     const QCommandLineOption outOption(QStringLiteral("out"), QStringLiteral("The file to write."),
                                        QStringLiteral("FILE"), QStringLiteral("/dev/shm/asciiexporter-bench.txt"));
-    parser.addOptions({configOption, methodOption, rowsOption, outOption});
+    const QCommandLineOption recordingOption(QStringLiteral("recording"),
+                                             QStringLiteral("Write the samples of this recording (limit and qt "
+                                                            "only), once each, instead of the seeded pool."),
+                                             QStringLiteral("FILE"));
+    parser.addOptions({configOption, methodOption, rowsOption, outOption, recordingOption});
     parser.process(application);
 
     BenchConfig config;
@@ -276,26 +346,31 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "unknown configuration\n");
         return 2;
     }
-    const qint64 rows = parser.value(rowsOption).toLongLong();
+    qint64 rows = parser.value(rowsOption).toLongLong();
     const QString method = parser.value(methodOption);
     const QString out = parser.value(outOption);
-    const QVector<TestSample> pool = makeSamplePool(config, poolSize, 20261121);
+    const bool fromRecording = parser.isSet(recordingOption);
+    const QVector<TestSample> pool = fromRecording ? QVector<TestSample>() : makeSamplePool(config, poolSize, 20261121);
 
     Run run;
-    if (method == QLatin1String("exporter"))
+    if (method == QLatin1String("limit") || method == QLatin1String("qt")) {
+        const Rows table = fromRecording ? recordingRows(config, parser.value(recordingOption)) : poolRows(config, pool);
+        if (fromRecording)
+            rows = qint64(table.fields.size());
+        run = method == QLatin1String("limit") ? runLimit(table, rows, out) : runQt(table, rows, out);
+    } else if (fromRecording) {
+        std::fprintf(stderr, "--recording is for the limit and qt methods\n");
+        return 2;
+    } else if (method == QLatin1String("exporter")) {
         run = runExporter(config, pool, rows, out);
-    else if (method == QLatin1String("limit"))
-        run = runLimit(config, pool, rows, out);
-    else if (method == QLatin1String("qt"))
-        run = runQt(config, pool, rows, out);
-    else if (method == QLatin1String("table"))
+    } else if (method == QLatin1String("table")) {
         run = writeTable(config, pool, out);
-    else {
+    } else {
         std::fprintf(stderr, "unknown method\n");
         return 2;
     }
     std::printf("{\"config\": \"%s\", \"method\": \"%s\", \"rows\": %lld, \"seconds\": %.6f, \"bytes\": %lld, "
                 "\"peak_kib\": %ld}\n",
-                qPrintable(config.name), qPrintable(method), rows, run.seconds, run.bytes, peakKib());
+                qPrintable(config.name), qPrintable(method), rows, run.seconds, run.bytes, peakResidentKib());
     return 0;
 }
