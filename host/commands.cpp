@@ -2,6 +2,7 @@
 
 #include "exportjob.h"
 #include "localfilepath.h"
+#include "outputfile.h"
 #include "outputnamer.h"
 #include "pluginhost.h"
 #include "progressbar.h"
@@ -19,11 +20,16 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
-#include <QSaveFile>
+#include <QSet>
 #include <QStandardPaths>
 
+#include <algorithm>
+#include <cerrno>
+#include <climits>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
+#include <vector>
 
 #include <unistd.h>
 
@@ -147,6 +153,77 @@ bool saveSettings(SettingsSynchronizer *store, const QString &fileName)
     return store->save(fileName);
 }
 
+// The number of single-character edits between @p a and @p b, ignoring case.
+int editDistance(const QString &a, const QString &b)
+{
+    std::vector<int> row(std::size_t(b.size()) + 1);
+    for (int j = 0; j <= b.size(); ++j)
+        row[std::size_t(j)] = j;
+    for (int i = 1; i <= a.size(); ++i) {
+        int diagonal = row[0];
+        row[0] = i;
+        for (int j = 1; j <= b.size(); ++j) {
+            const int above = row[std::size_t(j)];
+            const bool same = a.at(i - 1).toCaseFolded() == b.at(j - 1).toCaseFolded();
+            row[std::size_t(j)] = std::min({above + 1, row[std::size_t(j - 1)] + 1, diagonal + (same ? 0 : 1)});
+            diagonal = above;
+        }
+    }
+    return row[std::size_t(b.size())];
+}
+
+QString nearest(const QString &key, const QStringList &known)
+{
+    QString best;
+    int bestDistance = INT_MAX;
+    for (const QString &candidate : known) {
+        const int distance = editDistance(key, candidate);
+        if (distance < bestDistance) {
+            best = candidate;
+            bestDistance = distance;
+        }
+    }
+    return best;
+}
+
+// The keys --set takes: the store's, and "highPrecision", which the plug-in
+// reads although the store has no default for it.
+QStringList knownSettingKeys(const SettingsSynchronizer *store)
+{
+    QStringList keys = store->keys();
+    if (!keys.contains(QStringLiteral("highPrecision")))
+        keys.append(QStringLiteral("highPrecision"));
+    return keys;
+}
+
+// What the plug-in makes of a value that no options page could have stored,
+// or an empty text for an ordinary value.
+QString oddValue(const QString &key, const QVariant &value)
+{
+    const QString text = value.toString();
+    if (key == QLatin1String("exportOrientation")) {
+        for (const char *word : {"Euler", "Matrix", "Quaternion", "None"}) {
+            if (text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0)
+                return QString();
+        }
+        return tr("not one of Euler, Matrix, Quaternion and None: the plug-in writes no orientation columns");
+    }
+    if (key == QLatin1String("highPrecision")) {
+        for (const char *word : {"true", "false", "1", "0"}) {
+            if (text == QLatin1String(word))
+                return QString();
+        }
+        return value.toBool() ? tr("not one of true, false, 1 and 0: the plug-in reads it as true")
+                              : tr("not one of true, false, 1 and 0: the plug-in reads it as false");
+    }
+    return QString();
+}
+
+QString reasonText(int error)
+{
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
 } // namespace
 
 int exportRecordings(const QStringList &arguments)
@@ -156,23 +233,36 @@ int exportRecordings(const QStringList &arguments)
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
     const QCommandLineOption set(QStringLiteral("set"),
-                                 tr("Change one setting for this run only; may be given again."),
+                                 tr("Change one setting for this run only; may be given again. An unknown "
+                                    "key is an error."),
                                  tr("KEY=VALUE"));
+    const QCommandLineOption strict(QStringLiteral("strict"),
+                                    tr("Refuse setting values that the options page cannot make, instead of "
+                                       "warning about them."));
     const QCommandLineOption output({QStringLiteral("o"), QStringLiteral("output")},
-                                    tr("Write exactly this file (one recording only)."), tr("FILE"));
+                                    tr("Write exactly this file (one recording only); - writes to standard "
+                                       "output."),
+                                    tr("FILE"));
     const QCommandLineOption outputDir(QStringLiteral("output-dir"),
-                                       tr("Write the files into this folder instead of beside the recordings."),
+                                       tr("Write the files into this folder, made if need be, instead of beside "
+                                          "the recordings."),
                                        tr("DIR"));
+    const QCommandLineOption skipBadLines(QStringLiteral("skip-bad-lines"),
+                                          tr("Export the good samples of a damaged recording: warn about each "
+                                             "bad line and go on."));
     const QCommandLineOption progress(QStringLiteral("progress"),
                                       tr("Show progress even when standard error is not a terminal."));
     const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")}, tr("Show no progress."));
-    parser.addOptions({plugin, settings, set, output, outputDir, progress, quiet});
-    parser.addPositionalArgument(QStringLiteral("RECORDING"), tr("Recordings to export (JSON Lines)."),
+    parser.addOptions({plugin, settings, set, strict, output, outputDir, skipBadLines, progress, quiet});
+    parser.addPositionalArgument(QStringLiteral("RECORDING"),
+                                 tr("Recordings to export (JSON Lines); - reads one from standard input."),
                                  QStringLiteral("RECORDING..."));
     int status = 0;
     if (!parse(parser, command,
                tr("Exports recordings as delimited text, one file per recording. The output file is named "
-                  "by the settings outputFileFormat and outputFileExtension unless --output is given."),
+                  "by the settings outputFileFormat and outputFileExtension unless --output is given.\n"
+                  "Exit status: 0 when every recording was exported, 1 when one failed, 2 for a usage error "
+                  "(an unknown option or setting key, a value a setting cannot take)."),
                arguments, &status))
         return status;
 
@@ -181,8 +271,14 @@ int exportRecordings(const QStringList &arguments)
         recordings.append(localFilePath(recording));
     if (recordings.isEmpty())
         return usageError(command, tr("no recording given"));
+    if (recordings.count(QStringLiteral("-")) > 1)
+        return usageError(command, tr("standard input (-) can be read once only"));
     if (parser.isSet(output) && parser.isSet(outputDir))
         return usageError(command, tr("--output and --output-dir exclude each other"));
+    if (parser.isSet(output) && parser.value(output).isEmpty())
+        return usageError(command, tr("--output takes a file name, or - for standard output"));
+    if (parser.isSet(outputDir) && parser.value(outputDir).isEmpty())
+        return usageError(command, tr("--output-dir takes a folder name"));
     if (parser.isSet(output) && recordings.size() > 1)
         return usageError(command, tr("--output takes one recording only; use --output-dir for several"));
     if (parser.isSet(progress) && parser.isSet(quiet))
@@ -196,15 +292,53 @@ int exportRecordings(const QStringList &arguments)
     }
 
     PluginHost host(pluginFile(parser, plugin));
-    if (!loadPlugin(host, settingsFile(parser, settings)))
+    const QString settingsFileName = settingsFile(parser, settings);
+    if (!loadPlugin(host, settingsFileName))
         return 1;
     AbstractExporterFactory *factory = host.factory();
     SettingsSynchronizer *store = factory->settings();
+    const QStringList knownKeys = knownSettingKeys(store);
+    // Odd values are warned about, or refused with --strict; the plug-in
+    // reads them as it always does.
+    QStringList warnings;
+    QSet<QString> changed;
     for (const auto &change : qAsConst(changes)) {
+        if (!knownKeys.contains(change.first)) {
+            return usageError(command, tr("unknown setting \"%1\"; did you mean \"%2\"?")
+                                           .arg(change.first, nearest(change.first, knownKeys)));
+        }
         QVariant value;
         if (!store->valueFromText(change.first, change.second, &value))
             return usageError(command, tr("%1 takes true, false, 1 or 0, not \"%2\"").arg(change.first, change.second));
+        const QString odd = oddValue(change.first, value);
+        if (!odd.isEmpty())
+            warnings.append(tr("--set %1=%2: %3").arg(change.first, change.second, odd));
         store->setSetting(change.first, value);
+        changed.insert(change.first);
+    }
+    for (const QString &key : {QStringLiteral("exportOrientation"), QStringLiteral("highPrecision")}) {
+        if (changed.contains(key) || !store->hasStoredSetting(key))
+            continue;
+        const QVariant value = store->setting(key);
+        const QString odd = oddValue(key, value);
+        if (!odd.isEmpty())
+            warnings.append(tr("%1: %2=%3: %4").arg(settingsFileName, key, value.toString(), odd));
+    }
+    for (const QString &warning : qAsConst(warnings)) {
+        if (parser.isSet(strict))
+            return usageError(command, warning);
+        printError(tr("asciiexport export: warning: %1").arg(warning));
+    }
+
+    if (parser.isSet(outputDir) && !QDir().mkpath(localFilePath(parser.value(outputDir)))) {
+        printError(tr("%1: the folder cannot be made: %2").arg(parser.value(outputDir), reasonText(errno)));
+        return 1;
+    }
+    QSet<QString> recordingFiles;
+    for (const QString &recording : qAsConst(recordings)) {
+        const QFileInfo info(recording);
+        if (info.exists())
+            recordingFiles.insert(info.canonicalFilePath());
     }
 
     const bool showProgress = parser.isSet(progress) || (!parser.isSet(quiet) && ::isatty(STDERR_FILENO));
@@ -213,15 +347,28 @@ int exportRecordings(const QStringList &arguments)
                             factory->fileExtension(), parser.value(outputDir), QDateTime::currentDateTime());
     QHash<QString, QString> written;  // output file -> recording
     ExportJob job(factory);
+    job.setSkipBadLines(parser.isSet(skipBadLines), [](const QString &warning) { printError(warning); });
     for (int i = 0; i < recordings.size(); ++i) {
         const QString &recording = recordings.at(i);
         const auto name = [&](const QVariantMap &properties, QString *problem) {
+            if (parser.isSet(output) && parser.value(output) == OutputFile::standardOutputName())
+                return OutputFile::standardOutputName();
             const QString file = parser.isSet(output)
                 ? QFileInfo(localFilePath(parser.value(output))).absoluteFilePath()
-                : namer.fileName(recording, i + 1, properties);
+                : namer.fileName(recording, i + 1, properties, problem);
+            if (file.isEmpty())
+                return QString();
             if (written.contains(file)) {
                 *problem = tr("%1: the output file %2 was written for %3 already")
                                .arg(recording, file, written.value(file));
+                return QString();
+            }
+            // A later recording of the batch must still be there when its turn comes.
+            const QFileInfo target(file);
+            if (target.exists() && recordingFiles.contains(target.canonicalFilePath())
+                && target.canonicalFilePath() != QFileInfo(recording).canonicalFilePath()) {
+                *problem = tr("%1: the output file %2 would replace a recording of this run")
+                               .arg(recording, file);
                 return QString();
             }
             written.insert(file, recording);
@@ -229,8 +376,15 @@ int exportRecordings(const QStringList &arguments)
         };
         const bool done = job.run(recording, name, showProgress ? &bar : nullptr);
         bar.clear();
+        if (job.linesSkipped() > 0) {
+            printError(tr("%1: samples written: %2, bad lines skipped: %3")
+                           .arg(recording == QLatin1String("-") ? ExportJob::standardInputName() : recording)
+                           .arg(job.samplesWritten())
+                           .arg(job.linesSkipped()));
+        }
         if (!done) {
-            printError(job.errorString());
+            if (!job.errorString().isEmpty())
+                printError(job.errorString());
             status = 1;
         }
     }
@@ -343,7 +497,7 @@ int generate(const QStringList &arguments)
     const QCommandLineOption seed(QStringLiteral("seed"), tr("Seed of the noise (default 1)."), tr("S"),
                                   QStringLiteral("1"));
     const QCommandLineOption output({QStringLiteral("o"), QStringLiteral("output")},
-                                    tr("The recording file to write."), tr("FILE"));
+                                    tr("The recording file to write; - writes to standard output."), tr("FILE"));
     parser.addOptions({samples, rate, groups, seed, output});
     int status = 0;
     if (!parseOptionsOnly(parser, command,
@@ -375,18 +529,25 @@ int generate(const QStringList &arguments)
         }
     }
 
-    QSaveFile file(localFilePath(parser.value(output)));
-    if (!file.open(QIODevice::WriteOnly)) {
-        printError(tr("%1: cannot be written: %2").arg(file.fileName(), file.errorString()));
+    const QString fileName = localFilePath(parser.value(output));
+    if (fileName.isEmpty())
+        return usageError(command, tr("--output takes a file name, or - for standard output"));
+    OutputFile file(fileName);
+    const QString shownName = fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
+    if (!file.device()->open(QIODevice::WriteOnly)) {
+        printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
         return 1;
     }
+    // An output file that is not committed is not made.
     QString error;
-    if (!generateRecording(options, &file, &error)) {
-        printError(tr("%1: %2").arg(file.fileName(), error));
+    if (!generateRecording(options, file.device(), &error)) {
+        if (!file.readerWentAway())
+            printError(tr("%1: %2").arg(shownName, error));
         return 1;
     }
     if (!file.commit()) {
-        printError(tr("%1: cannot be written: %2").arg(file.fileName(), file.errorString()));
+        if (!file.readerWentAway())
+            printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
         return 1;
     }
     return 0;

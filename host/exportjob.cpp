@@ -1,5 +1,6 @@
 #include "exportjob.h"
 
+#include "outputfile.h"
 #include "progressbar.h"
 #include "recordingreader.h"
 #include "recordingsource.h"
@@ -7,14 +8,22 @@
 #include <abstractexporter.h>
 #include <abstractexporterfactory.h>
 
+#include <QFileDevice>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <memory>
+
+#include <unistd.h>
 
 ExportJob::ExportJob(AbstractExporterFactory *factory)
     : factory(factory)
 {
+}
+
+void ExportJob::setSkipBadLines(bool skip, const WarningHandler &handler)
+{
+    skipBadLines = skip;
+    warning = handler;
 }
 
 bool ExportJob::fail(const QString &message)
@@ -26,28 +35,34 @@ bool ExportJob::fail(const QString &message)
 bool ExportJob::run(const QString &recording, const OutputName &outputName, ProgressBar *progress)
 {
     error.clear();
-    output.clear();
+    written = 0;
+    skipped = 0;
 
     RecordingReader reader;
-    if (!reader.open(recording))
+    QFile standardInput;
+    const bool fromStandardInput = recording == QLatin1String("-");
+    const bool opened = fromStandardInput
+        ? standardInput.open(STDIN_FILENO, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::DontCloseHandle)
+              && reader.open(&standardInput, standardInputName())
+        : reader.open(recording);
+    if (!opened) {
+        if (skipBadLines && reader.hasBadLine())
+            return fail(tr("%1 (a recording cannot be salvaged without its first line, the recording object)")
+                            .arg(reader.errorString()));
         return fail(reader.errorString());
+    }
 
     QString problem;
-    output = outputName(reader.properties(), &problem);
+    const QString output = outputName(reader.properties(), &problem);
     if (output.isEmpty())
         return fail(problem);
-    const QFileInfo target(output);
-    if (target.exists() && target.canonicalFilePath() == QFileInfo(recording).canonicalFilePath())
-        return fail(tr("%1: the output file would replace the recording itself").arg(output));
+    if (!fromStandardInput && output != OutputFile::standardOutputName()) {
+        const QFileInfo target(output);
+        if (target.exists() && target.canonicalFilePath() == QFileInfo(recording).canonicalFilePath())
+            return fail(tr("%1: the output file would replace the recording itself").arg(output));
+    }
 
-    // Devices and pipes are written directly; only a regular file can be
-    // replaced as a whole.
-    std::unique_ptr<QFileDevice> file;
-    if (target.exists() && !target.isFile() && !target.isDir())
-        file = std::make_unique<QFile>(output);
-    else
-        file = std::make_unique<QSaveFile>(output);
-
+    OutputFile file(output);
     QString reported;
     RecordingSource source(&reader);
     source.setMessageHandler([&reported](int, const QString &text) {
@@ -56,36 +71,45 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, Prog
     });
 
     std::unique_ptr<AbstractExporter> exporter(factory->createExporter(&source));
-    if (!exporter->start(file.get()))
-        return fail(reported.isEmpty() ? tr("%1: cannot be written").arg(output) : reported);
+    if (!exporter->start(file.device())) {
+        // The plug-in names the file; the reason is the system's.
+        const QString what = reported.isEmpty() ? output : reported;
+        return fail(tr("%1: %2").arg(what, file.errorString()));
+    }
 
-    const QString label = QFileInfo(recording).fileName();
-    while (reader.readNext()) {
-        exporter->writeSample();
+    const QString label = fromStandardInput ? standardInputName() : QFileInfo(recording).fileName();
+    for (;;) {
+        if (reader.readNext()) {
+            exporter->writeSample();
+            ++written;
+        } else if (skipBadLines && reader.hasBadLine()) {
+            const QString message = reader.errorString();
+            reader.skipBadLine();
+            ++skipped;
+            if (progress)
+                progress->clear();
+            warning(tr("%1 (skipped)").arg(message));
+            continue;
+        } else {
+            break;
+        }
         if (progress)
             progress->update(label, reader.position(), reader.size());
     }
     exporter->finish();
     exporter.reset();
 
-    auto *saveFile = qobject_cast<QSaveFile *>(file.get());
     if (reader.hasError()) {
-        if (saveFile)
-            saveFile->cancelWriting();
-        return fail(reader.errorString());
+        QString message = reader.errorString();
+        if (reader.hasBadLine())
+            message += QLatin1Char('\n') + tr("(--skip-bad-lines exports the good samples and skips the bad lines)");
+        return fail(message);
     }
-    if (saveFile) {
-        if (!saveFile->commit()) {
-            // Say why in the user's terms when the folder went away during the export.
-            const QFileInfo folder(target.absolutePath());
-            if (!folder.isDir())
-                return fail(tr("%1: cannot be written: the folder %2 no longer exists").arg(output, folder.filePath()));
-            return fail(tr("%1: cannot be written: %2").arg(output, saveFile->errorString()));
-        }
-        return true;
+    if (!file.commit()) {
+        if (file.readerWentAway())
+            return fail(QString());
+        return fail(tr("%1: cannot be written: %2").arg(output, file.errorString()));
     }
-    if (!file->flush() || file->error() != QFileDevice::NoError)
-        return fail(tr("%1: cannot be written: %2").arg(output, file->errorString()));
     return true;
 }
 
@@ -94,7 +118,17 @@ QString ExportJob::errorString() const
     return error;
 }
 
-QString ExportJob::outputFile() const
+qint64 ExportJob::samplesWritten() const
 {
-    return output;
+    return written;
+}
+
+qint64 ExportJob::linesSkipped() const
+{
+    return skipped;
+}
+
+QString ExportJob::standardInputName()
+{
+    return tr("(standard input)");
 }

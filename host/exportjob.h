@@ -14,9 +14,8 @@ class ProgressBar;
  * application does: a new exporter from the factory, start() with the output
  * file not yet open, writeSample() per sample, finish(), delete.
  *
- * A regular output file is written under a temporary name and put in place
- * only when the export succeeded, so a failed export leaves neither a
- * truncated file nor a damaged older one behind.
+ * The output is written through OutputFile: a failed export leaves neither
+ * a truncated file nor a damaged older one behind.
  */
 class ExportJob
 {
@@ -28,24 +27,40 @@ public:
      * name with @p problem set when the recording must not be exported.
      */
     using OutputName = std::function<QString(const QVariantMap &properties, QString *problem)>;
+    using WarningHandler = std::function<void(const QString &text)>;
 
     explicit ExportJob(AbstractExporterFactory *factory);
 
     /**
-     * Exports @p recording into the file that @p outputName gives. Returns
-     * false on failure; errorString() then holds the one line that says why.
-     * @p progress, when given, follows the reading.
+     * Exports the samples of bad lines too: each bad sample line goes to the
+     * warning handler as "FILE:LINE: what is wrong (skipped)" and the export
+     * goes on.
+     */
+    void setSkipBadLines(bool skip, const WarningHandler &warning);
+
+    /**
+     * Exports @p recording ("-" for standard input) into the file that
+     * @p outputName gives. Returns false on failure; errorString() then holds
+     * what to tell the user, which is empty when the reader of a pipe went
+     * away. @p progress, when given, follows the reading.
      */
     bool run(const QString &recording, const OutputName &outputName, ProgressBar *progress);
 
     QString errorString() const;
-    /** The output file of the last run, once it was named. */
-    QString outputFile() const;
+    /** Samples written and bad lines skipped by the last run. */
+    qint64 samplesWritten() const;
+    qint64 linesSkipped() const;
+
+    /** The name of standard input in messages. */
+    static QString standardInputName();
 
 private:
     bool fail(const QString &message);
 
     AbstractExporterFactory *factory;
+    bool skipBadLines = false;
+    WarningHandler warning;
     QString error;
-    QString output;
+    qint64 written = 0;
+    qint64 skipped = 0;
 };

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QTextCodec>
 
+#include <csignal>
 #include <cstdio>
 #include <memory>
 
@@ -30,6 +31,8 @@ const char overview[] =
 int main(int argc, char *argv[])
 {
     pinLocalTimeZone();
+    // A reader that closes a pipe early is a failed write, not a crash.
+    std::signal(SIGPIPE, SIG_IGN);
     const QString command = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
     bool help = false;
     for (int i = 2; i < argc; ++i)

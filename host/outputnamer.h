@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QString>
 #include <QVariantMap>
@@ -8,11 +9,18 @@
  * Names the output file of a recording: the setting "outputFileFormat"
  * expanded with the recording's name, its position on the command line, the
  * date and time and the recording's properties, then "." and the plug-in's
- * file extension, in the output folder or else beside the recording. A "/"
- * in a property's value becomes "_".
+ * file extension, in the output folder or else beside the recording (the
+ * current folder for standard input, "-", which is named "stdin").
+ *
+ * The folders of a name are the pattern's own: a property's text never adds,
+ * removes or climbs a folder level. A "/" or a NUL in a property's text
+ * becomes "_", and a name whose folder or file name a property turns into
+ * nothing, "." or ".." is refused.
  */
 class OutputNamer
 {
+    Q_DECLARE_TR_FUNCTIONS(OutputNamer)
+
 public:
     /**
      * @p pattern and @p extension as the plug-in's settings give them;
@@ -22,8 +30,13 @@ public:
     OutputNamer(const QString &pattern, const QString &extension, const QString &outputDir,
                 const QDateTime &now);
 
-    /** The output file of @p recording, the @p sequenceNumber-th on the command line (from 1). */
-    QString fileName(const QString &recording, int sequenceNumber, const QVariantMap &properties) const;
+    /**
+     * The output file of @p recording, the @p sequenceNumber-th on the
+     * command line (from 1); empty, with @p problem set, when the pattern
+     * gives no name that can be used.
+     */
+    QString fileName(const QString &recording, int sequenceNumber, const QVariantMap &properties,
+                     QString *problem) const;
 
 private:
     QString pattern;

@@ -24,6 +24,7 @@ QString fromUtf8(std::string_view bytes)
 bool RecordingReader::open(const QString &name)
 {
     file.close();
+    badLine = false;
     if (QFileInfo(name).isDir()) {
         fileName = name;
         error = tr("%1: is a directory, not a recording").arg(name);
@@ -45,6 +46,7 @@ bool RecordingReader::open(QIODevice *source, const QString &name)
     fileName = name;
     lines = std::make_unique<LineReader>(device);
     error.clear();
+    badLine = false;
     recordingProperties.clear();
     rate = 0.0;
     current = RecordingSample();
@@ -73,6 +75,17 @@ bool RecordingReader::hasError() const
 QString RecordingReader::errorString() const
 {
     return error;
+}
+
+bool RecordingReader::hasBadLine() const
+{
+    return badLine;
+}
+
+void RecordingReader::skipBadLine()
+{
+    error.clear();
+    badLine = false;
 }
 
 QVariant RecordingReader::property(const QString &key) const
@@ -118,7 +131,9 @@ bool RecordingReader::nextContentLine()
         case LineReader::Status::TooLong:
             return fail(tr("the line is longer than %1 bytes").arg(LineReader::maxLineLength));
         case LineReader::Status::Failed:
-            return fail(lines->errorString());
+            fail(lines->errorString());
+            badLine = false;
+            return false;
         }
         text = lines->line();
         // A byte-order mark may open a file saved by a text editor.
@@ -182,6 +197,10 @@ bool RecordingReader::readRecordingObject()
                     break;
                 case JsonTape::Kind::String:
                 case JsonTape::Kind::Key:
+                    // A line break would end the header line the text is shown in.
+                    if (value.text().find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos)
+                        return fail(tr("\"properties.%1\": the text holds a line break or a NUL character")
+                                        .arg(key));
                     recordingProperties.insert(key, fromUtf8(value.text()));
                     break;
                 case JsonTape::Kind::Number: {
@@ -214,5 +233,6 @@ bool RecordingReader::readRecordingObject()
 bool RecordingReader::fail(const QString &what)
 {
     error = tr("%1:%2: %3").arg(fileName).arg(lines->lineNumber()).arg(what);
+    badLine = true;
     return false;
 }

@@ -25,7 +25,9 @@
  * exact value where the format wants an integer.
  *
  * A bad line stops the reading: errorString() then reads
- * "FILE:LINE: what is wrong".
+ * "FILE:LINE: what is wrong". A bad sample line can be passed over with
+ * skipBadLine(). Property texts hold no line breaks and no NUL: they end up
+ * in the comment lines of the exported file.
  */
 class RecordingReader
 {
@@ -50,6 +52,13 @@ public:
 
     bool hasError() const;
     QString errorString() const;
+    /** Whether the error is a bad line, rather than a recording that cannot be read at all. */
+    bool hasBadLine() const;
+    /**
+     * After readNext() stopped at a bad sample line (hasBadLine()): forgets
+     * the error, so that readNext() goes on with the line after it.
+     */
+    void skipBadLine();
 
     /** The recording's property @p key; invalid when missing or null. */
     QVariant property(const QString &key) const;
@@ -80,6 +89,7 @@ private:
     JsonTape tape;
     SampleReader sampleReader;
     QString error;
+    bool badLine = false;
     QVariantMap recordingProperties;
     double rate = 0.0;
     RecordingSample current;

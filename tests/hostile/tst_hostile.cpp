@@ -8,6 +8,7 @@
 #include <QTextCodec>
 #include <QtTest>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 // The program asciiexport under hostile input and faults around it: huge,
@@ -27,6 +28,9 @@ private slots:
     void hugeLine();
     void badRecordings_data();
     void badRecordings();
+    void badRecordingsSalvaged_data();
+    void badRecordingsSalvaged();
+    void cutOffRecordingSalvaged();
     void lastLineWithoutLineEnd();
     void recordingIsAFolder();
     void unreadableRecording();
@@ -36,9 +40,21 @@ private slots:
     void unusualTexts();
     void textsFromTheSettingsFile();
     void fullDevice();
+    void fullDisk();
+    void fileSizeLimit_data();
+    void fileSizeLimit();
+    void generateWritesIntoPipesAndDevices();
+    void readerOfThePipeGoesAway();
+    void outputThatCannotBeOpened_data();
+    void outputThatCannotBeOpened();
     void outputFolderRemovedDuringTheExport();
     void namesQtWouldTakeForResources();
     void propertiesCannotLeaveTheOutputFolder();
+    void propertiesCannotMoveOrEmptyTheName_data();
+    void propertiesCannotMoveOrEmptyTheName();
+    void batchCannotReplaceItsOwnRecordings();
+    void lineBreaksInPropertyTexts_data();
+    void lineBreaksInPropertyTexts();
     void damagedPluginFiles_data();
     void damagedPluginFiles();
 
@@ -51,6 +67,8 @@ private:
     };
 
     Result run(const QStringList &arguments, const QProcessEnvironment &environment = QProcessEnvironment());
+    // Runs the program through "sh -c SCRIPT", which ends in exec "$0" "$@".
+    Result runInShell(const QString &script, const QStringList &arguments);
     QString path(const QString &name) const { return dir->filePath(name); }
     QStringList files() const { return QDir(dir->path()).entryList(QDir::Files, QDir::Name); }
     static QByteArray readFile(const QString &fileName);
@@ -71,6 +89,9 @@ const QByteArray recordingObject =
     "\"FilterProfileVersion\": 1, \"FilterProfileType\": 39, \"OptionFlags\": 0, "
     "\"FirmwareVersion\": \"1.2.3\", \"DeviceId\": \"0123ABCD\", \"ProductCode\": \"T100\"}, "
     "\"updateRate\": 100}\n";
+
+// What follows the message of a bad sample line.
+const QByteArray skipHint = "(--skip-bad-lines exports the good samples and skips the bad lines)\n";
 
 const QByteArray goodSample = "{\"packetCounter\": 1, \"sampleTimeFine\": 100, \"orientationEuler\": [1, 2, 3]}\n";
 
@@ -144,6 +165,20 @@ tst_Hostile::Result tst_Hostile::run(const QStringList &arguments, const QProces
     return result;
 }
 
+tst_Hostile::Result tst_Hostile::runInShell(const QString &script, const QStringList &arguments)
+{
+    QProcess process;
+    process.setWorkingDirectory(dir->path());
+    process.start(QStringLiteral("/bin/sh"), QStringList{"-c", script, program} + arguments);
+    Result result;
+    if (!process.waitForFinished(300000) || process.exitStatus() != QProcess::NormalExit)
+        return result;
+    result.status = process.exitCode();
+    result.out = process.readAllStandardOutput();
+    result.err = process.readAllStandardError();
+    return result;
+}
+
 QByteArray tst_Hostile::readFile(const QString &fileName)
 {
     QFile file(fileName);
@@ -188,7 +223,7 @@ void tst_Hostile::hugeLine()
 
     const Result result = run({"export", "--quiet", path("huge.jsonl"), path("good.jsonl")});
     QCOMPARE(result.status, 1);
-    QCOMPARE(result.err, (path("huge.jsonl") + ":2: the line is longer than 4194304 bytes\n").toUtf8());
+    QCOMPARE(result.err, (path("huge.jsonl") + ":2: the line is longer than 4194304 bytes\n").toUtf8() + skipHint);
     // the next recording is exported all the same
     QCOMPARE(files(), (QStringList{"good-002.txt", "good.jsonl", "huge.jsonl"}));
 }
@@ -245,7 +280,10 @@ void tst_Hostile::badRecordings()
     writeFile(path("bad-001.txt"), "an older export\n");
     const Result result = run({"export", "--quiet", path("bad.jsonl")});
     QCOMPARE(result.status, 1);
-    QCOMPARE(QString::fromUtf8(result.err), path("bad.jsonl") + message + QLatin1Char('\n'));
+    // A bad sample line names the way to export the rest.
+    const bool sampleLine = !message.startsWith(QLatin1String(":1:")) && !message.contains(QLatin1String("no recording"));
+    QCOMPARE(QString::fromUtf8(result.err),
+             path("bad.jsonl") + message + QLatin1Char('\n') + (sampleLine ? QString::fromUtf8(skipHint) : QString()));
     // the older file is kept as it was, and nothing is added
     QCOMPARE(readFile(path("bad-001.txt")), QByteArray("an older export\n"));
     QCOMPARE(files(), (QStringList{"bad-001.txt", "bad.jsonl"}));
@@ -277,14 +315,14 @@ void tst_Hostile::unreadableRecording()
     QStringList arguments{"export", "--quiet", "--output-dir", dir->path(), path("locked.jsonl")};
     QString command = program;
     if (::geteuid() == 0) {
-        // root reads any file: run the program as an ordinary user, who may
-        // enter the folder but not read the file
+        // root reads any file: run the program as root without the powers to
+        // pass over a file's mode. It stays root, so it can be started from
+        // any folder, even one that no other user may enter.
         command = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
         if (command.isEmpty())
-            QSKIP("running as root, and setpriv is not there to run as another user");
-        QVERIFY(QFile::setPermissions(dir->path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner
-                                                       | QFileDevice::ExeOwner | QFileDevice::ExeOther));
-        arguments = QStringList{"--reuid=65534", "--regid=65534", "--clear-groups", program} + arguments;
+            QSKIP("running as root, and setpriv is not there to drop root's powers over file modes");
+        const QString dropped = QStringLiteral("-dac_override,-dac_read_search");
+        arguments = QStringList{"--inh-caps=" + dropped, "--bounding-set=" + dropped, program} + arguments;
     }
     QProcess process;
     process.start(command, arguments);
@@ -477,6 +515,295 @@ void tst_Hostile::propertiesCannotLeaveTheOutputFolder()
     QCOMPARE(result.status, 0);
     QCOMPARE(QDir(path("out")).entryList(QDir::Files | QDir::Hidden), QStringList{".._.._escaped-_tmp_x.txt"});
     QCOMPARE(files(), QStringList());
+}
+
+// With --skip-bad-lines a bad sample line is a warning and the rest is
+// exported; a bad first line leaves nothing to salvage.
+void tst_Hostile::badRecordingsSalvaged_data()
+{
+    badRecordings_data();
+}
+
+void tst_Hostile::badRecordingsSalvaged()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, message);
+
+    writeFile(path("bad.jsonl"), content);
+    const Result result = run({"export", "--quiet", "--skip-bad-lines", path("bad.jsonl")});
+    if (message.startsWith(QLatin1String(":1:")) || message.contains(QLatin1String("no recording"))) {
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.err.startsWith((path("bad.jsonl") + message).toUtf8()), result.err.constData());
+        if (!message.contains(QLatin1String("no recording"))) {
+            QVERIFY2(result.err.endsWith(" (a recording cannot be salvaged without its first line, the recording "
+                                         "object)\n"),
+                     result.err.constData());
+        }
+        QCOMPARE(files(), QStringList{"bad.jsonl"});
+        return;
+    }
+    QCOMPARE(QString::fromUtf8(result.err),
+             path("bad.jsonl") + message + QStringLiteral(" (skipped)\n") + path("bad.jsonl")
+                 + QStringLiteral(": samples written: %1, bad lines skipped: 1\n")
+                       .arg(content.count('\n') - 1 - (content.endsWith('\n') ? 1 : 0)));
+    QCOMPARE(result.status, 0);
+    QCOMPARE(files(), (QStringList{"bad-001.txt", "bad.jsonl"}));
+}
+
+// The usual end of a recording when the power goes: a cut last line, and a
+// damaged one in the middle. The good samples come out exactly as without them.
+void tst_Hostile::cutOffRecordingSalvaged()
+{
+    writeFile(path("small.jsonl"), smallRecording);
+    writeFile(path("cut.jsonl"), recordingObject + goodSample + "{\"packetCounter\": 9, \"orientationEuler\": [1, 2\n"
+                                     + "{\"packetCounter\": 2, \"orientationEuler\": [-1.5, 0, 90]}\n"
+                                     + "{\"packetCounter\": 3, \"orientationEul");
+    const Result expected = run({"export", "--quiet", "-o", path("expected.txt"), path("small.jsonl")});
+    QCOMPARE(expected.status, 0);
+    const Result result = run({"export", "--quiet", "--skip-bad-lines", "-o", path("out.txt"), path("cut.jsonl")});
+    QCOMPARE(QString::fromUtf8(result.err),
+             path("cut.jsonl") + QStringLiteral(":3: malformed JSON at column 47: Missing a comma or ']' after an "
+                                                "array element. (skipped)\n")
+                 + path("cut.jsonl") + QStringLiteral(":5: malformed JSON at column 37: Missing a closing quotation "
+                                                      "mark in string. (skipped)\n")
+                 + path("cut.jsonl") + QStringLiteral(": samples written: 2, bad lines skipped: 2\n"));
+    QCOMPARE(result.status, 0);
+    QCOMPARE(readFile(path("out.txt")), readFile(path("expected.txt")));
+}
+
+namespace {
+
+// A recording of @p samples samples; its export takes about 43 bytes each.
+QByteArray walkRecording(int samples = 1000)
+{
+    QByteArray bytes = recordingObject;
+    for (int i = 0; i < samples; ++i)
+        bytes += "{\"packetCounter\": " + QByteArray::number(i % 65536) + ", \"sampleTimeFine\": " + QByteArray::number(i * 100)
+            + ", \"orientationEuler\": [1.5, -2.25, " + QByteArray::number(i % 360) + "]}\n";
+    return bytes;
+}
+
+} // namespace
+
+// A disk that fills up during the export: the older file stays as it was.
+void tst_Hostile::fullDisk()
+{
+    if (::geteuid() != 0)
+        QSKIP("a small file system can be mounted by root only");
+    const QString unshare = QStandardPaths::findExecutable(QStringLiteral("unshare"));
+    if (unshare.isEmpty())
+        QSKIP("unshare is not there to mount a file system of this test's own");
+    writeFile(path("walk.jsonl"), walkRecording());
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("full")));
+    // The older file is made on the small file system itself, which then has
+    // room for 32 KiB.
+    const QString script = QStringLiteral("mount -t tmpfs -o size=32k tmpfs full && printf 'older\\n' > full/x.txt "
+                                          "&& exec \"$0\" \"$@\"");
+    QProcess process;
+    process.setWorkingDirectory(dir->path());
+    process.start(unshare, {"--mount", "/bin/sh", "-c", script + QStringLiteral(" || exit 99"), program, "export",
+                            "--settings", path("settings.ini"), "--quiet", "-o", "full/x.txt", "walk.jsonl"});
+    QVERIFY(process.waitForFinished(60000));
+    if (process.exitCode() == 99)
+        QSKIP("this system does not let a test mount a file system");
+    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+             path("full/x.txt") + QStringLiteral(": cannot be written: No space left on device\n"));
+    QCOMPARE(process.exitCode(), 1);
+    // The mount was the program's own; what it left there cannot be seen
+    // from here, so the same run is checked again in the next test with a
+    // file size limit, where it can.
+}
+
+void tst_Hostile::fileSizeLimit_data()
+{
+    QTest::addColumn<bool>("lastWrite");
+    QTest::newRow("cut in the middle") << false;
+    // the very write that a buffered device would not report
+    QTest::newRow("cut in the last write") << true;
+}
+
+void tst_Hostile::fileSizeLimit()
+{
+    QFETCH(bool, lastWrite);
+    writeFile(path("walk.jsonl"), walkRecording());
+    const Result whole = run({"export", "--quiet", "-o", path("whole.txt"), path("walk.jsonl")});
+    QCOMPARE(whole.status, 0);
+    const qint64 size = QFileInfo(path("whole.txt")).size();
+    const qint64 limitKib = lastWrite ? (size - 1) / 1024 : size / 2048;
+    const QString limit = QStringLiteral("ulimit -f %1; trap '' XFSZ; exec \"$0\" \"$@\"").arg(limitKib);
+
+    writeFile(path("x.txt"), "an older export\n");
+    const Result result = runInShell(limit, {"export", "--settings", path("settings.ini"), "--quiet", "-o",
+                                             path("x.txt"), path("walk.jsonl")});
+    QCOMPARE(QString::fromUtf8(result.err), path("x.txt") + QStringLiteral(": cannot be written: File too large\n"));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(readFile(path("x.txt")), QByteArray("an older export\n"));
+    QCOMPARE(files(), (QStringList{"walk.jsonl", "whole.txt", "x.txt"}));
+
+    // generate keeps the same promise
+    const Result generated = runInShell(limit, {"generate", "--samples", "1000", "-o", path("x.txt")});
+    QVERIFY2(generated.err.endsWith("File too large\n"), generated.err.constData());
+    QCOMPARE(generated.status, 1);
+    QCOMPARE(readFile(path("x.txt")), QByteArray("an older export\n"));
+}
+
+void tst_Hostile::generateWritesIntoPipesAndDevices()
+{
+    const QByteArray fifo = QFile::encodeName(path("fifo"));
+    QCOMPARE(::mkfifo(fifo.constData(), 0600), 0);
+    QProcess reader;
+    reader.start(QStringLiteral("cat"), {path("fifo")});
+    QVERIFY(reader.waitForStarted());
+    QProcess writer;
+    writer.start(program, {"generate", "--samples", "5", "-o", path("fifo")});
+    QVERIFY(writer.waitForFinished(60000));
+    QCOMPARE(writer.exitCode(), 0);
+    QVERIFY(reader.waitForFinished(60000));
+    QCOMPARE(reader.readAllStandardOutput().count('\n'), 6);
+    QVERIFY(QFileInfo(path("fifo")).exists() && !QFileInfo(path("fifo")).isFile());
+
+    if (QFileInfo::exists(QStringLiteral("/dev/full")) && QFileInfo(QStringLiteral("/dev/full")).isWritable()) {
+        writer.start(program, {"generate", "--samples", "5", "-o", "/dev/full"});
+        QVERIFY(writer.waitForFinished(60000));
+        QCOMPARE(writer.exitCode(), 1);
+        QVERIFY2(writer.readAllStandardError().endsWith("No space left on device\n"), "");
+        QVERIFY(!QFileInfo(QStringLiteral("/dev/full")).isFile());
+    }
+}
+
+// A reader that has seen enough: the export ends with status 1, no message
+// and no crash.
+void tst_Hostile::readerOfThePipeGoesAway()
+{
+    // far more than a pipe holds
+    writeFile(path("walk.jsonl"), walkRecording(100000));
+    for (const char *command : {"export", "generate"}) {
+        const QStringList arguments = qstrcmp(command, "export") == 0
+            ? QStringList{"export", "--settings", path("settings.ini"), "--quiet", "-o", "-", path("walk.jsonl")}
+            : QStringList{"generate", "--samples", "100000", "-o", "-"};
+        // The status of the pipe is the program's: head's is 0.
+        QProcess process;
+        process.setWorkingDirectory(dir->path());
+        process.start(QStringLiteral("/bin/bash"),
+                      QStringList{"-c", "set -o pipefail; \"$0\" \"$@\" | head -c 100 > /dev/null", program}
+                          + arguments);
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.readAllStandardError(), QByteArray());
+        QCOMPARE(process.exitCode(), 1);  // not 141: no death by SIGPIPE
+    }
+    QCOMPARE(files(), QStringList{"walk.jsonl"});
+}
+
+void tst_Hostile::outputThatCannotBeOpened_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("a folder that does not exist") << "missing/x.txt" << "No such file or directory";
+    QTest::newRow("a folder") << "folder" << "Is a directory";
+    QTest::newRow("a name too long") << QString(300, QLatin1Char('n')) << "File name too long";
+    QTest::newRow("a file in a file") << "small.jsonl/x.txt" << "Not a directory";
+}
+
+void tst_Hostile::outputThatCannotBeOpened()
+{
+    QFETCH(QString, output);
+    QFETCH(QString, reason);
+    writeFile(path("small.jsonl"), smallRecording);
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("folder")));
+    const Result result = run({"export", "--quiet", "-o", path(output), path("small.jsonl")});
+    QCOMPARE(QString::fromUtf8(result.err), path(output) + QStringLiteral(": ") + reason + QLatin1Char('\n'));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(files(), QStringList{"small.jsonl"});
+}
+
+void tst_Hostile::propertiesCannotMoveOrEmptyTheName_data()
+{
+    QTest::addColumn<QByteArray>("deviceId");
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("written");  // under out/, or empty when refused
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("a folder that climbs") << QByteArray("..") << "<deviceid>/<inputfile>" << QString()
+        << "the output file name pattern \"<deviceid>/<inputfile>\" gives the folder name \"..\" for this recording; "
+           "a recording's properties may not remove or climb a folder level";
+    QTest::newRow("a folder that stays") << QByteArray(".") << "<deviceid>/<inputfile>" << QString()
+        << "the output file name pattern \"<deviceid>/<inputfile>\" gives the folder name \".\" for this recording; "
+           "a recording's properties may not remove or climb a folder level";
+    QTest::newRow("an empty folder") << QByteArray("") << "<deviceid>/<inputfile>" << QString()
+        << "the output file name pattern \"<deviceid>/<inputfile>\" gives the folder name \"\" for this recording; "
+           "a recording's properties may not remove or climb a folder level";
+    QTest::newRow("an empty name") << QByteArray("") << "<deviceid>" << QString()
+        << "the output file name pattern \"<deviceid>\" gives the file name \".txt\" for this recording, which "
+           "names no file";
+    QTest::newRow("a name of a dot") << QByteArray(".") << "<deviceid>" << QString()
+        << "the output file name pattern \"<deviceid>\" gives the file name \"..txt\" for this recording, which "
+           "names no file";
+    QTest::newRow("two dots in a name are a name") << QByteArray("..") << "<deviceid>-<inputfile>" << "..-rec.txt"
+                                                   << QString();
+    QTest::newRow("a slash adds no folder") << QByteArray("a/b") << "<deviceid>/<inputfile>" << "a_b/rec.txt"
+                                             << QString();
+}
+
+void tst_Hostile::propertiesCannotMoveOrEmptyTheName()
+{
+    QFETCH(QByteArray, deviceId);
+    QFETCH(QString, pattern);
+    QFETCH(QString, written);
+    QFETCH(QString, message);
+
+    QVERIFY(QDir(dir->path()).mkpath(QStringLiteral("out/a_b")));
+    writeFile(path("rec.jsonl"), "{\"properties\": {\"DeviceId\": \"" + deviceId + "\"}}\n" + goodSample);
+    const Result result = run({"export", "--quiet", "--output-dir", path("out"), "--set",
+                               "outputFileFormat=" + pattern, path("rec.jsonl")});
+    if (written.isEmpty()) {
+        QCOMPARE(QString::fromUtf8(result.err), path("rec.jsonl") + QStringLiteral(": ") + message + QLatin1Char('\n'));
+        QCOMPARE(result.status, 1);
+    } else {
+        QCOMPARE(result.err, QByteArray());
+        QCOMPARE(result.status, 0);
+        QVERIFY2(QFileInfo(path("out/" + written)).isFile(), qPrintable(written));
+    }
+    QCOMPARE(files(), QStringList{"rec.jsonl"});
+    QCOMPARE(QDir(dir->path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList{"out"});
+}
+
+void tst_Hostile::batchCannotReplaceItsOwnRecordings()
+{
+    writeFile(path("a.jsonl"), smallRecording);
+    writeFile(path("b.jsonl"), smallRecording);
+    const Result result = run({"export", "--quiet", "--set", "outputFileFormat=b", "--set",
+                               "outputFileExtension=jsonl", path("a.jsonl"), path("b.jsonl")});
+    QCOMPARE(QString::fromUtf8(result.err),
+             path("a.jsonl") + QStringLiteral(": the output file ") + path("b.jsonl")
+                 + QStringLiteral(" would replace a recording of this run\n") + path("b.jsonl")
+                 + QStringLiteral(": the output file would replace the recording itself\n"));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(readFile(path("a.jsonl")), smallRecording);
+    QCOMPARE(readFile(path("b.jsonl")), smallRecording);
+}
+
+void tst_Hostile::lineBreaksInPropertyTexts_data()
+{
+    QTest::addColumn<QByteArray>("property");
+    QTest::newRow("a forged comment line") << QByteArray("\"FirmwareVersion\": \"\\r\\n// fake header\"");
+    QTest::newRow("a line feed in the start time") << QByteArray("\"StartTime\": \"2026-11-21\\n09:30:00\"");
+    QTest::newRow("a carriage return") << QByteArray("\"FilterProfile\": \"general\\r\"");
+    QTest::newRow("a NUL") << QByteArray("\"DeviceId\": \"01\\u00002\"");
+}
+
+void tst_Hostile::lineBreaksInPropertyTexts()
+{
+    QFETCH(QByteArray, property);
+    writeFile(path("rec.jsonl"), "{\"properties\": {" + property + "}}\n" + goodSample);
+    const QString key = QString::fromUtf8(property.mid(1, property.indexOf('"', 1) - 1));
+    for (const char *option : {"--quiet", "--skip-bad-lines"}) {
+        const Result result = run({"export", option, path("rec.jsonl")});
+        QVERIFY2(result.err.startsWith((path("rec.jsonl") + ":1: \"properties." + key
+                                        + "\": the text holds a line break or a NUL character").toUtf8()),
+                 result.err.constData());
+        QCOMPARE(result.status, 1);
+        QCOMPARE(files(), QStringList{"rec.jsonl"});
+    }
 }
 
 void tst_Hostile::damagedPluginFiles_data()

@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -32,6 +33,14 @@ private slots:
     void sameOutputTwice();
     void usageErrors_data();
     void usageErrors();
+    void unknownSettingKeys_data();
+    void unknownSettingKeys();
+    void oddSettingValues_data();
+    void oddSettingValues();
+    void outputFolderIsMade();
+    void recordingFromStandardInput();
+    void exportToStandardOutput();
+    void recordingsFromPipes();
     void pluginFaults_data();
     void pluginFaults();
     void helpForEveryCommand_data();
@@ -221,8 +230,11 @@ void tst_HostProgram::setTyping_data()
     QTest::newRow("a string key takes the text after the first = verbatim")
         << QStringList{"useOtherDelimiter=true", "otherDelimiter= = "} << 0
         << QByteArray("PacketCounter = SampleTimeFine = Roll = Pitch = Yaw =") << QByteArray();
+    // read as ever, with a warning, since no options page offers it
     QTest::newRow("a string key keeps true as text")
-        << QStringList{"exportOrientation=true"} << 0 << QByteArray("PacketCounter\tSampleTimeFine") << QByteArray();
+        << QStringList{"exportOrientation=true"} << 0 << QByteArray("PacketCounter\tSampleTimeFine")
+        << QByteArray("asciiexport export: warning: --set exportOrientation=true: not one of Euler, Matrix, "
+                      "Quaternion and None: the plug-in writes no orientation columns\n");
     QTest::newRow("later changes win") << QStringList{"exportRssi=true", "exportRssi=false"} << 0
         << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw") << QByteArray();
     QTest::newRow("no = is a usage error") << QStringList{"exportRssi"} << 2 << QByteArray()
@@ -348,8 +360,13 @@ void tst_HostProgram::badLine()
     const Result result = run(withSettings({"export", "--quiet", path("bad.jsonl"), good}));
     QCOMPARE(result.status, 1);
     const QList<QByteArray> lines = result.err.split('\n');
-    QCOMPARE(lines.size(), 2);  // one line, then the final line end
+    // One line, then for a bad sample line the way to export the rest, then
+    // the final line end.
+    const bool sampleLine = !message.startsWith(":1:");
+    QCOMPARE(lines.size(), sampleLine ? 3 : 2);
     QVERIFY2(lines.first().startsWith(path("bad.jsonl").toUtf8() + message), result.err.constData());
+    if (sampleLine)
+        QCOMPARE(lines.at(1), QByteArray("(--skip-bad-lines exports the good samples and skips the bad lines)"));
     QVERIFY(!QFile::exists(path("bad-001.txt")));
     // nothing else is left behind either
     QCOMPARE(QDir(dir->path()).entryList(QDir::Files, QDir::Name),
@@ -371,12 +388,23 @@ void tst_HostProgram::unwritableOutputFolder()
     QString folder = path(QStringLiteral("locked"));
     QVERIFY(QDir().mkdir(folder));
     QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
-    if (::geteuid() == 0)
-        folder = QStringLiteral("/proc");  // root writes anywhere but there
-    const Result result = run(withSettings({"export", "--quiet", "--output-dir", folder, recording}));
-    QCOMPARE(result.status, 1);
-    // the plug-in's message: the name of the file it could not open
-    QCOMPARE(result.err, (folder + QStringLiteral("/rec-001.txt\n")).toUtf8());
+    QStringList arguments = withSettings({"export", "--quiet", "--output-dir", folder, recording});
+    QString command = program;
+    if (::geteuid() == 0) {
+        // root writes anywhere: run the program as root without the powers
+        // to pass over a folder's mode
+        command = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
+        if (command.isEmpty())
+            QSKIP("running as root, and setpriv is not there to drop root's powers over file modes");
+        const QString dropped = QStringLiteral("-dac_override,-dac_read_search");
+        arguments = QStringList{"--inh-caps=" + dropped, "--bounding-set=" + dropped, program} + arguments;
+    }
+    QProcess process;
+    process.start(command, arguments);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitCode(), 1);
+    // the plug-in's message, the name of the file it could not open, and the system's reason
+    QCOMPARE(process.readAllStandardError(), (folder + QStringLiteral("/rec-001.txt: Permission denied\n")).toUtf8());
     QFile::setPermissions(path(QStringLiteral("locked")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
@@ -419,6 +447,14 @@ void tst_HostProgram::usageErrors_data()
         << QByteArray("asciiexport generate: --rate takes a number greater than 0");
     QTest::newRow("generate with an unknown key") << QStringList{"generate", "--groups", "packetCounter,speed", "-o", "x"}
         << QByteArray("asciiexport generate: unknown sample key \"speed\"");
+    QTest::newRow("an empty output name") << QStringList{"export", "-o", "", "a.jsonl"}
+        << QByteArray("asciiexport export: --output takes a file name, or - for standard output");
+    QTest::newRow("an empty output folder") << QStringList{"export", "--output-dir", "", "a.jsonl"}
+        << QByteArray("asciiexport export: --output-dir takes a folder name");
+    QTest::newRow("standard input twice") << QStringList{"export", "-", "-"}
+        << QByteArray("asciiexport export: standard input (-) can be read once only");
+    QTest::newRow("generate with an empty output name") << QStringList{"generate", "-o", ""}
+        << QByteArray("asciiexport generate: --output takes a file name, or - for standard output");
     QTest::newRow("settings with an argument") << QStringList{"settings", "extra"}
         << QByteArray("asciiexport settings: unexpected argument \"extra\"");
 }
@@ -432,6 +468,178 @@ void tst_HostProgram::usageErrors()
     QCOMPARE(result.status, 2);
     QVERIFY2(result.err.startsWith(message), result.err.constData());
     QCOMPARE(QDir(dir->path()).entryList(QDir::Files), QStringList());
+}
+
+void tst_HostProgram::unknownSettingKeys_data()
+{
+    QTest::addColumn<QString>("set");
+    QTest::addColumn<QString>("suggestion");
+    QTest::newRow("a letter missing") << "exportAccleration=true" << "exportScrAcceleration";
+    QTest::newRow("another case") << "exportrssi=true" << "exportRssi";
+    QTest::newRow("a letter too many") << "highPrecission=true" << "highPrecision";
+    QTest::newRow("letters swapped") << "outputFileFromat=x" << "outputFileFormat";
+}
+
+void tst_HostProgram::unknownSettingKeys()
+{
+    QFETCH(QString, set);
+    QFETCH(QString, suggestion);
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
+    const Result result = run(withSettings({"export", "--quiet", "--set", set, recording}));
+    QCOMPARE(result.status, 2);
+    QCOMPARE(QString::fromUtf8(result.err),
+             QStringLiteral("asciiexport export: unknown setting \"%1\"; did you mean \"%2\"?\n"
+                            "Try 'asciiexport export --help'.\n")
+                 .arg(set.left(set.indexOf(QLatin1Char('='))), suggestion));
+    QCOMPARE(QDir(dir->path()).entryList(QDir::Files), QStringList{"rec.jsonl"});
+}
+
+void tst_HostProgram::oddSettingValues_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QString>("warning");  // empty for none
+    QTest::addColumn<QByteArray>("columnLine");
+
+    const QString noOrientation = "not one of Euler, Matrix, Quaternion and None: the plug-in writes no "
+                                  "orientation columns";
+    QTest::newRow("an orientation of another word") << "exportOrientation" << "Sideways" << noOrientation
+                                                    << QByteArray("PacketCounter\tSampleTimeFine");
+    QTest::newRow("an empty orientation") << "exportOrientation" << "" << noOrientation
+                                          << QByteArray("PacketCounter\tSampleTimeFine");
+    QTest::newRow("an orientation in odd case") << "exportOrientation" << "qUATERNION" << QString()
+        << QByteArray("PacketCounter\tSampleTimeFine\tQuat_q0\tQuat_q1\tQuat_q2\tQuat_q3");
+    QTest::newRow("no orientation") << "exportOrientation" << "none" << QString()
+                                    << QByteArray("PacketCounter\tSampleTimeFine");
+    QTest::newRow("high precision read as on") << "highPrecision" << "no"
+        << "not one of true, false, 1 and 0: the plug-in reads it as true" << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw");
+    QTest::newRow("high precision read as off") << "highPrecision" << "FALSE"
+        << "not one of true, false, 1 and 0: the plug-in reads it as false" << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw");
+    QTest::newRow("high precision 0") << "highPrecision" << "0" << QString()
+                                      << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw");
+}
+
+// A value no options page could have stored is read as the plug-in always
+// reads it, with a warning; --strict refuses it. The same for values from the
+// settings file.
+void tst_HostProgram::oddSettingValues()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, value);
+    QFETCH(QString, warning);
+    QFETCH(QByteArray, columnLine);
+
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
+    const QString set = key + QLatin1Char('=') + value;
+    Result result = run(withSettings({"export", "--quiet", "-o", path("set.txt"), "--set", set, recording}));
+    QCOMPARE(QString::fromUtf8(result.err),
+             warning.isEmpty() ? QString()
+                               : QStringLiteral("asciiexport export: warning: --set %1: %2\n").arg(set, warning));
+    QCOMPARE(result.status, 0);
+    const QByteArray exported = readFile(path("set.txt"));
+    QCOMPARE(exported.split('\n').value(5), columnLine);
+
+    result = run(withSettings({"export", "--quiet", "--strict", "-o", path("strict.txt"), "--set", set, recording}));
+    if (warning.isEmpty()) {
+        QCOMPARE(result.status, 0);
+    } else {
+        QCOMPARE(QString::fromUtf8(result.err),
+                 QStringLiteral("asciiexport export: --set %1: %2\nTry 'asciiexport export --help'.\n").arg(set, warning));
+        QCOMPARE(result.status, 2);
+        QVERIFY(!QFile::exists(path("strict.txt")));
+    }
+
+    writeFile(path("settings.ini"), "[General]\n" + set.toUtf8() + "\n");
+    result = run(withSettings({"export", "--quiet", "-o", path("file.txt"), recording}));
+    QCOMPARE(QString::fromUtf8(result.err),
+             warning.isEmpty() ? QString()
+                               : QStringLiteral("asciiexport export: warning: %1: %2: %3\n")
+                                     .arg(path("settings.ini"), set, warning));
+    QCOMPARE(result.status, 0);
+    QCOMPARE(readFile(path("file.txt")), exported);
+    result = run(withSettings({"export", "--quiet", "--strict", "-o", path("strict.txt"), recording}));
+    QCOMPARE(result.status, warning.isEmpty() ? 0 : 2);
+}
+
+void tst_HostProgram::outputFolderIsMade()
+{
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
+    const Result result = run(withSettings({"export", "--quiet", "--output-dir", path("new/deeper"), recording}));
+    QCOMPARE(result.err, QByteArray());
+    QCOMPARE(result.status, 0);
+    QVERIFY(QFileInfo(path("new/deeper/rec-001.txt")).isFile());
+
+    writeFile(path("file"), "not a folder\n");
+    const Result blocked = run(withSettings({"export", "--quiet", "--output-dir", path("file/sub"), recording}));
+    QCOMPARE(QString::fromUtf8(blocked.err),
+             path("file/sub") + QStringLiteral(": the folder cannot be made: Not a directory\n"));
+    QCOMPARE(blocked.status, 1);
+}
+
+void tst_HostProgram::recordingFromStandardInput()
+{
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "50"});
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("work")));
+    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status, 0);
+
+    // Named "stdin" by the pattern, in the current folder.
+    QProcess process;
+    process.setWorkingDirectory(path("work"));
+    process.setStandardInputFile(recording);
+    process.start(program, withSettings({"export", "--quiet", "-"}));
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(readFile(path("work/stdin-001.txt")), readFile(path("expected.txt")));
+
+    // A bad line names standard input.
+    writeFile(path("bad.jsonl"), recordingObject + "{\"packetCounter\": -1}\n");
+    process.setStandardInputFile(path("bad.jsonl"));
+    process.start(program, withSettings({"export", "--quiet", "-o", path("bad.txt"), "-"}));
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitCode(), 1);
+    QVERIFY2(process.readAllStandardError().startsWith("(standard input):2: \"packetCounter\": -1 is out of range"),
+             "");
+    QVERIFY(!QFile::exists(path("bad.txt")));
+}
+
+// With -o - the export is all that goes to standard output.
+void tst_HostProgram::exportToStandardOutput()
+{
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "50"});
+    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status, 0);
+    const Result result = run(withSettings({"export", "--progress", "-o", "-", recording}));
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.out, readFile(path("expected.txt")));
+    QCOMPARE(QDir(dir->path()).entryList(QDir::Files), (QStringList{"expected.txt", "rec.jsonl"}));
+
+    const Result generatedOut = run({"generate", "--samples", "3", "-o", "-"});
+    QCOMPARE(generatedOut.status, 0);
+    QCOMPARE(generatedOut.out, readFile(generated(QStringLiteral("three.jsonl"), {"--samples", "3"})));
+}
+
+// /dev/stdin, a FIFO and process substitution are recordings like files.
+void tst_HostProgram::recordingsFromPipes()
+{
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "50"});
+    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status, 0);
+    const QByteArray expected = readFile(path("expected.txt"));
+    const QString settings = path(QStringLiteral("settings.ini"));
+
+    QProcess process;
+    process.setWorkingDirectory(dir->path());
+    process.start(QStringLiteral("/bin/bash"),
+                  {"-c", "cat \"$1\" | \"$0\" export --settings \"$2\" --quiet -o stdin.txt /dev/stdin "
+                         "&& \"$0\" export --settings \"$2\" --quiet -o substituted.txt <(cat \"$1\") "
+                         "&& mkfifo fifo && { cat \"$1\" > fifo & \"$0\" export --settings \"$2\" --quiet "
+                         "-o fifo.txt fifo; }",
+                   program, recording, settings});
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(readFile(path("stdin.txt")), expected);
+    QCOMPARE(readFile(path("substituted.txt")), expected);
+    QCOMPARE(readFile(path("fifo.txt")), expected);
 }
 
 void tst_HostProgram::pluginFaults_data()

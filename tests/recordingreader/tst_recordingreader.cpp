@@ -351,7 +351,7 @@ void tst_RecordingReader::properties()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(R"({"properties": {"StartTime": "2026-11-21 09:30:00", "FilterProfileVersion": 1,)"
                R"( "Big": 9223372036854775807, "Bigger": 9223372036854775808, "Negative": -5, "Ratio": 1.5,)"
-               R"( "Whole": 2.0, "Flag": true, "Off": false, "Nothing": null, "Text": "\u00e9\"\n"}})");
+               R"( "Whole": 2.0, "Flag": true, "Off": false, "Nothing": null, "Text": "\u00e9\"\t"}})");
     file.close();
     RecordingReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
@@ -369,7 +369,7 @@ void tst_RecordingReader::properties()
     QCOMPARE(reader.property(QStringLiteral("Off")), QVariant(false));
     QVERIFY(!reader.property(QStringLiteral("Nothing")).isValid());
     QVERIFY(!reader.property(QStringLiteral("Missing")).isValid());
-    QCOMPARE(reader.property(QStringLiteral("Text")), QVariant(QString::fromUtf8("\xc3\xa9\"\n")));
+    QCOMPARE(reader.property(QStringLiteral("Text")), QVariant(QString::fromUtf8("\xc3\xa9\"\t")));
     QVERIFY(!reader.readNext());
     QVERIFY(!reader.hasError());
 }
