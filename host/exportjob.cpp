@@ -1,7 +1,7 @@
 #include "exportjob.h"
 
 #include "progressbar.h"
-#include "recordingreader.h"
+#include "recordinginput.h"
 #include "recordingsource.h"
 
 #include <abstractexporter.h>
@@ -27,8 +27,9 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, Prog
 {
     error.clear();
     output.clear();
+    notice.clear();
 
-    RecordingReader reader;
+    RecordingInput reader;
     if (!reader.open(recording))
         return fail(reader.errorString());
 
@@ -67,6 +68,7 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, Prog
     }
     exporter->finish();
     exporter.reset();
+    notice = reader.readingNotice();
 
     auto *saveFile = qobject_cast<QSaveFile *>(file.get());
     if (reader.hasError()) {
@@ -97,4 +99,9 @@ QString ExportJob::errorString() const
 QString ExportJob::outputFile() const
 {
     return output;
+}
+
+QString ExportJob::readingNotice() const
+{
+    return notice;
 }

@@ -41,6 +41,8 @@ public:
     QString errorString() const;
     /** The output file of the last run, once it was named. */
     QString outputFile() const;
+    /** What the reader of the last run passed over, for the user; often empty. */
+    QString readingNotice() const;
 
 private:
     bool fail(const QString &message);
@@ -48,4 +50,5 @@ private:
     AbstractExporterFactory *factory;
     QString error;
     QString output;
+    QString notice;
 };
