@@ -5,9 +5,13 @@
 #include "outputnamer.h"
 #include "pluginhost.h"
 #include "progressbar.h"
+#include "recordingconverter.h"
 #include "recordinggenerator.h"
+#include "recordinginput.h"
+#include "recordingreport.h"
 #include "samplereader.h"
 #include "settingsdialog.h"
+#include "ubxgenerator.h"
 
 #include <abstractexporterfactory.h>
 #include <abstractoptionspage.h>
@@ -139,6 +143,20 @@ bool loadPlugin(PluginHost &host, const QString &settings)
     return true;
 }
 
+int describeRecording(const QString &fileName)
+{
+    RecordingInput input;
+    QStringList lines;
+    QString error;
+    if (!input.open(fileName) || !RecordingReport::describe(input, fileName, &lines, &error)) {
+        printError(error.isEmpty() ? input.errorString() : error);
+        return 1;
+    }
+    for (const QString &line : qAsConst(lines))
+        printLine(stdout, line);
+    return 0;
+}
+
 bool saveSettings(SettingsSynchronizer *store, const QString &fileName)
 {
     const QFileInfo file(fileName);
@@ -167,7 +185,7 @@ int exportRecordings(const QStringList &arguments)
                                       tr("Show progress even when standard error is not a terminal."));
     const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")}, tr("Show no progress."));
     parser.addOptions({plugin, settings, set, output, outputDir, progress, quiet});
-    parser.addPositionalArgument(QStringLiteral("RECORDING"), tr("Recordings to export (JSON Lines)."),
+    parser.addPositionalArgument(QStringLiteral("RECORDING"), tr("Recordings to export (JSON Lines or UBX logs)."),
                                  QStringLiteral("RECORDING..."));
     int status = 0;
     if (!parse(parser, command,
@@ -229,6 +247,8 @@ int exportRecordings(const QStringList &arguments)
         };
         const bool done = job.run(recording, name, showProgress ? &bar : nullptr);
         bar.clear();
+        if (!parser.isSet(quiet) && !job.readingNotice().isEmpty())
+            printError(job.readingNotice());
         if (!done) {
             printError(job.errorString());
             status = 1;
@@ -302,11 +322,15 @@ int showInfo(const QStringList &arguments)
     QCommandLineParser parser;
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
-    parser.addOptions({plugin, settings});
+    const QCommandLineOption recording(QStringLiteral("recording"),
+                                       tr("Show what this recording or UBX log holds instead."), tr("FILE"));
+    parser.addOptions({plugin, settings, recording});
     int status = 0;
     if (!parseOptionsOnly(parser, command, tr("Shows the plug-in's metadata, name, version and file extension."),
                           arguments, &status))
         return status;
+    if (parser.isSet(recording))
+        return describeRecording(localFilePath(parser.value(recording)));
 
     PluginHost host(pluginFile(parser, plugin));
     if (!loadPlugin(host, parser.isSet(settings) ? localFilePath(parser.value(settings)) : QString()))
@@ -344,7 +368,11 @@ int generate(const QStringList &arguments)
                                   QStringLiteral("1"));
     const QCommandLineOption output({QStringLiteral("o"), QStringLiteral("output")},
                                     tr("The recording file to write."), tr("FILE"));
-    parser.addOptions({samples, rate, groups, seed, output});
+    const QCommandLineOption format(QStringLiteral("format"),
+                                    tr("jsonl (the default), or ubx for a receiver log of --samples navigation "
+                                       "epochs at --rate a second."),
+                                    tr("FORMAT"), QStringLiteral("jsonl"));
+    parser.addOptions({samples, rate, groups, seed, output, format});
     int status = 0;
     if (!parseOptionsOnly(parser, command,
                           tr("Writes a synthetic recording: the same options give the same bytes. Keys: %1.")
@@ -353,6 +381,11 @@ int generate(const QStringList &arguments)
         return status;
     if (!parser.isSet(output))
         return usageError(command, tr("--output is required"));
+    const bool ubx = parser.value(format) == QLatin1String("ubx");
+    if (!ubx && parser.value(format) != QLatin1String("jsonl"))
+        return usageError(command, tr("--format takes jsonl or ubx, not \"%1\"").arg(parser.value(format)));
+    if (ubx && parser.isSet(groups))
+        return usageError(command, tr("--groups applies to JSON Lines recordings only"));
 
     GeneratorOptions options;
     bool ok = false;
@@ -381,7 +414,7 @@ int generate(const QStringList &arguments)
         return 1;
     }
     QString error;
-    if (!generateRecording(options, &file, &error)) {
+    if (!(ubx ? generateUbxLog(options, &file, &error) : generateRecording(options, &file, &error))) {
         printError(tr("%1: %2").arg(file.fileName(), error));
         return 1;
     }
@@ -389,6 +422,54 @@ int generate(const QStringList &arguments)
         printError(tr("%1: cannot be written: %2").arg(file.fileName(), file.errorString()));
         return 1;
     }
+    return 0;
+}
+
+int convert(const QStringList &arguments)
+{
+    const QString command = QStringLiteral("convert");
+    QCommandLineParser parser;
+    const QCommandLineOption output({QStringLiteral("o"), QStringLiteral("output")},
+                                    tr("The JSON Lines recording to write."), tr("FILE"));
+    parser.addOption(output);
+    parser.addPositionalArgument(QStringLiteral("LOG"), tr("The UBX receiver log to convert."));
+    int status = 0;
+    if (!parse(parser, command,
+               tr("Writes a UBX receiver log as a recording in the JSON Lines format, which exports to the same "
+                  "bytes as the log."),
+               arguments, &status))
+        return status;
+    if (parser.positionalArguments().size() != 1)
+        return usageError(command, tr("give one log"));
+    if (!parser.isSet(output))
+        return usageError(command, tr("--output is required"));
+
+    const QString log = localFilePath(parser.positionalArguments().first());
+    RecordingInput input;
+    if (!input.open(log)) {
+        printError(input.errorString());
+        return 1;
+    }
+    if (input.format() != RecordingInput::Format::Ubx) {
+        printError(tr("%1: is not a UBX log").arg(log));
+        return 1;
+    }
+    QSaveFile file(localFilePath(parser.value(output)));
+    if (!file.open(QIODevice::WriteOnly)) {
+        printError(tr("%1: cannot be written: %2").arg(file.fileName(), file.errorString()));
+        return 1;
+    }
+    QString error;
+    if (!RecordingConverter::convert(input, &file, &error)) {
+        printError(error.startsWith(log) ? error : tr("%1: %2").arg(file.fileName(), error));
+        return 1;
+    }
+    if (!file.commit()) {
+        printError(tr("%1: cannot be written: %2").arg(file.fileName(), file.errorString()));
+        return 1;
+    }
+    if (!input.readingNotice().isEmpty())
+        printError(input.readingNotice());
     return 0;
 }
 
