@@ -4,6 +4,20 @@
 
 #include <QFileInfo>
 
+namespace {
+
+// True when the first character after a byte-order mark and blanks is "{".
+bool startsJsonLines(const QByteArray &head)
+{
+    int start = head.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    while (start < head.size() && (head[start] == ' ' || head[start] == '\t' || head[start] == '\r'
+                                   || head[start] == '\n'))
+        ++start;
+    return start < head.size() && head[start] == '{';
+}
+
+} // namespace
+
 bool RecordingInput::open(const QString &fileName)
 {
     detected = Format::JsonLines;
@@ -27,7 +41,12 @@ bool RecordingInput::open(const QString &fileName)
 
 bool RecordingInput::open(QIODevice *device, const QString &name)
 {
-    detected = detect(device->peek(headSize));
+    // A pipe may not have delivered enough to tell yet.
+    QByteArray head = device->peek(headSize);
+    while (head.size() < headSize && !startsJsonLines(head) && detect(head) == Format::JsonLines
+           && device->waitForReadyRead(-1))
+        head = device->peek(headSize);
+    detected = detect(head);
     if (detected == Format::Ubx) {
         active = &ubx;
         return ubx.open(device, name);
@@ -48,11 +67,7 @@ const UbxReader &RecordingInput::ubxLog() const
 
 RecordingInput::Format RecordingInput::detect(const QByteArray &head)
 {
-    int start = head.startsWith("\xEF\xBB\xBF") ? 3 : 0;
-    while (start < head.size() && (head[start] == ' ' || head[start] == '\t' || head[start] == '\r'
-                                   || head[start] == '\n'))
-        ++start;
-    if (start < head.size() && head[start] == '{')
+    if (startsJsonLines(head))
         return Format::JsonLines;
     const char sync[] = {char(UbxMessages::sync1), char(UbxMessages::sync2)};
     return head.contains(QByteArray::fromRawData(sync, 2)) ? Format::Ubx : Format::JsonLines;
