@@ -8,7 +8,12 @@ over the same generated recordings, whole exports through asciiexport against
 the to_chars limit writing the same rows, peak memory, and the reader's
 differential check of numbers on a large count.
 
-Usage: run_bench.py BUILD_DIR [ROWS [SAMPLES [NUMBERS]]]
+Last, a generated UBX receiver log: reading it (info --recording reads every
+epoch), exporting it with the raw GPS and GNSS groups, and converting it to
+JSON Lines, in MB/s of the log, with peak memory.
+
+Usage: run_bench.py BUILD_DIR [ROWS [SAMPLES [NUMBERS [EPOCHS]]]]
+       run_bench.py BUILD_DIR ubx [EPOCHS]      (the UBX log only)
 """
 
 import hashlib
@@ -161,6 +166,41 @@ def reader_section(build, samples):
     return ok
 
 
+def ubx_section(build, epochs):
+    program = os.path.join(build, "bin", "asciiexport")
+    settings = os.path.join(SCRATCH, "asciiexporter-bench-ubx.ini")
+    log = os.path.join(SCRATCH, "asciiexporter-bench.ubx")
+    output = os.path.join(SCRATCH, "asciiexporter-bench-ubx.txt")
+    converted = os.path.join(SCRATCH, "asciiexporter-bench-ubx.jsonl")
+    run_child([program, "generate", "--format", "ubx", "--samples", str(epochs), "--rate", "10", "-o", log])
+    size = os.path.getsize(log)
+    print()
+    print(f"A generated UBX log: {epochs} epochs at 10 Hz, {size / 1e6:.0f} MB, median of {REPEATS} runs")
+    print()
+    print(f"{'way':<44}{'ns/epoch':>10}{'MB/s':>8}{'peak MiB':>10}")
+    raw = ["--set", "exportRawGps=true", "--set", "exportRawGnss=true"]
+    ways = (("read every epoch (info --recording)", [program, "info", "--recording", log]),
+            ("export, raw GPS and GNSS", [program, "export", "--quiet", "--settings", settings, *raw, "-o", output,
+                                          log]),
+            ("convert to JSON Lines", [program, "convert", log, "-o", converted]))
+    with open(os.devnull, "w") as quiet:
+        for label, arguments in ways:
+            def timed():
+                process = subprocess.Popen(arguments, stdout=quiet, stderr=quiet)
+                start = time.perf_counter()
+                _, status, usage = os.wait4(process.pid, 0)
+                if status != 0:
+                    sys.exit(f"{' '.join(arguments)} failed")
+                return {"seconds": time.perf_counter() - start, "peak_kib": usage.ru_maxrss}
+            r = median_of(timed)
+            print(f"{label:<44}{r['seconds'] / epochs * 1e9:>10.0f}{size / r['seconds'] / 1e6:>8.0f}"
+                  f"{r['peak_kib'] / 1024:>10.1f}")
+    for leftover in (log, output, converted, settings):
+        if os.path.exists(leftover):
+            os.remove(leftover)
+    return True
+
+
 def number_check(build, numbers):
     print()
     print(f"Exactness: {numbers} numbers of every form through the reader against std::from_chars")
@@ -170,9 +210,12 @@ def number_check(build, numbers):
 
 def main():
     build = sys.argv[1]
+    if len(sys.argv) > 2 and sys.argv[2] == "ubx":
+        return 0 if ubx_section(build, int(sys.argv[3]) if len(sys.argv) > 3 else 100000) else 1
     rows = int(sys.argv[2]) if len(sys.argv) > 2 else 1000000
     samples = int(sys.argv[3]) if len(sys.argv) > 3 else 300000
     numbers = int(sys.argv[4]) if len(sys.argv) > 4 else 100000000
+    epochs = int(sys.argv[5]) if len(sys.argv) > 5 else 100000
     bench = os.path.join(build, "bin", "bench_export")
     results = {}
     identical = {}
@@ -225,6 +268,7 @@ def main():
 
     ok = reader_section(build, samples) and ok
     ok = number_check(build, numbers) and ok
+    ok = ubx_section(build, epochs) and ok
     return 0 if ok else 1
 
 

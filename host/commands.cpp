@@ -6,9 +6,13 @@
 #include "outputnamer.h"
 #include "pluginhost.h"
 #include "progressbar.h"
+#include "recordingconverter.h"
 #include "recordinggenerator.h"
+#include "recordinginput.h"
+#include "recordingreport.h"
 #include "samplereader.h"
 #include "settingsdialog.h"
+#include "ubxgenerator.h"
 
 #include <abstractexporterfactory.h>
 #include <abstractoptionspage.h>
@@ -145,6 +149,20 @@ bool loadPlugin(PluginHost &host, const QString &settings)
     return true;
 }
 
+int describeRecording(const QString &fileName)
+{
+    RecordingInput input;
+    QStringList lines;
+    QString error;
+    if (!input.open(fileName) || !RecordingReport::describe(input, fileName, &lines, &error)) {
+        printError(error.isEmpty() ? input.errorString() : error);
+        return 1;
+    }
+    for (const QString &line : qAsConst(lines))
+        printLine(stdout, line);
+    return 0;
+}
+
 bool saveSettings(SettingsSynchronizer *store, const QString &fileName)
 {
     const QFileInfo file(fileName);
@@ -255,7 +273,8 @@ int exportRecordings(const QStringList &arguments)
     const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")}, tr("Show no progress."));
     parser.addOptions({plugin, settings, set, strict, output, outputDir, skipBadLines, progress, quiet});
     parser.addPositionalArgument(QStringLiteral("RECORDING"),
-                                 tr("Recordings to export (JSON Lines); - reads one from standard input."),
+                                 tr("Recordings to export (JSON Lines or UBX logs); - reads one from standard "
+                                    "input."),
                                  QStringLiteral("RECORDING..."));
     int status = 0;
     if (!parse(parser, command,
@@ -382,6 +401,8 @@ int exportRecordings(const QStringList &arguments)
                            .arg(job.samplesWritten())
                            .arg(job.linesSkipped()));
         }
+        if (!parser.isSet(quiet) && !job.readingNotice().isEmpty())
+            printError(job.readingNotice());
         if (!done) {
             if (!job.errorString().isEmpty())
                 printError(job.errorString());
@@ -456,11 +477,15 @@ int showInfo(const QStringList &arguments)
     QCommandLineParser parser;
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
-    parser.addOptions({plugin, settings});
+    const QCommandLineOption recording(QStringLiteral("recording"),
+                                       tr("Show what this recording or UBX log holds instead."), tr("FILE"));
+    parser.addOptions({plugin, settings, recording});
     int status = 0;
     if (!parseOptionsOnly(parser, command, tr("Shows the plug-in's metadata, name, version and file extension."),
                           arguments, &status))
         return status;
+    if (parser.isSet(recording))
+        return describeRecording(localFilePath(parser.value(recording)));
 
     PluginHost host(pluginFile(parser, plugin));
     if (!loadPlugin(host, parser.isSet(settings) ? localFilePath(parser.value(settings)) : QString()))
@@ -498,7 +523,11 @@ int generate(const QStringList &arguments)
                                   QStringLiteral("1"));
     const QCommandLineOption output({QStringLiteral("o"), QStringLiteral("output")},
                                     tr("The recording file to write; - writes to standard output."), tr("FILE"));
-    parser.addOptions({samples, rate, groups, seed, output});
+    const QCommandLineOption format(QStringLiteral("format"),
+                                    tr("jsonl (the default), or ubx for a receiver log of --samples navigation "
+                                       "epochs at --rate a second."),
+                                    tr("FORMAT"), QStringLiteral("jsonl"));
+    parser.addOptions({samples, rate, groups, seed, output, format});
     int status = 0;
     if (!parseOptionsOnly(parser, command,
                           tr("Writes a synthetic recording: the same options give the same bytes. Keys: %1.")
@@ -507,6 +536,11 @@ int generate(const QStringList &arguments)
         return status;
     if (!parser.isSet(output))
         return usageError(command, tr("--output is required"));
+    const bool ubx = parser.value(format) == QLatin1String("ubx");
+    if (!ubx && parser.value(format) != QLatin1String("jsonl"))
+        return usageError(command, tr("--format takes jsonl or ubx, not \"%1\"").arg(parser.value(format)));
+    if (ubx && parser.isSet(groups))
+        return usageError(command, tr("--groups applies to JSON Lines recordings only"));
 
     GeneratorOptions options;
     bool ok = false;
@@ -540,7 +574,8 @@ int generate(const QStringList &arguments)
     }
     // An output file that is not committed is not made.
     QString error;
-    if (!generateRecording(options, file.device(), &error)) {
+    if (!(ubx ? generateUbxLog(options, file.device(), &error)
+              : generateRecording(options, file.device(), &error))) {
         if (!file.readerWentAway())
             printError(tr("%1: %2").arg(shownName, error));
         return 1;
@@ -550,6 +585,61 @@ int generate(const QStringList &arguments)
             printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
         return 1;
     }
+    return 0;
+}
+
+int convert(const QStringList &arguments)
+{
+    const QString command = QStringLiteral("convert");
+    QCommandLineParser parser;
+    const QCommandLineOption output({QStringLiteral("o"), QStringLiteral("output")},
+                                    tr("The JSON Lines recording to write; - writes to standard output."),
+                                    tr("FILE"));
+    parser.addOption(output);
+    parser.addPositionalArgument(QStringLiteral("LOG"), tr("The UBX receiver log to convert."));
+    int status = 0;
+    if (!parse(parser, command,
+               tr("Writes a UBX receiver log as a recording in the JSON Lines format, which exports to the same "
+                  "bytes as the log."),
+               arguments, &status))
+        return status;
+    if (parser.positionalArguments().size() != 1)
+        return usageError(command, tr("give one log"));
+    if (!parser.isSet(output))
+        return usageError(command, tr("--output is required"));
+
+    const QString log = localFilePath(parser.positionalArguments().first());
+    RecordingInput input;
+    if (!input.open(log)) {
+        printError(input.errorString());
+        return 1;
+    }
+    if (input.format() != RecordingInput::Format::Ubx) {
+        printError(tr("%1: is not a UBX log").arg(log));
+        return 1;
+    }
+    const QString fileName = localFilePath(parser.value(output));
+    if (fileName.isEmpty())
+        return usageError(command, tr("--output takes a file name, or - for standard output"));
+    OutputFile file(fileName);
+    const QString shownName = fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
+    if (!file.device()->open(QIODevice::WriteOnly)) {
+        printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
+        return 1;
+    }
+    QString error;
+    if (!RecordingConverter::convert(input, file.device(), &error)) {
+        if (!file.readerWentAway())
+            printError(error.startsWith(log) ? error : tr("%1: %2").arg(shownName, error));
+        return 1;
+    }
+    if (!file.commit()) {
+        if (!file.readerWentAway())
+            printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
+        return 1;
+    }
+    if (!input.readingNotice().isEmpty())
+        printError(input.readingNotice());
     return 0;
 }
 

@@ -14,5 +14,6 @@ int listSettings(const QStringList &arguments);
 int editOptions(const QStringList &arguments);
 int showInfo(const QStringList &arguments);
 int generate(const QStringList &arguments);
+int convert(const QStringList &arguments);
 
 } // namespace Commands

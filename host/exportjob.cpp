@@ -2,7 +2,7 @@
 
 #include "outputfile.h"
 #include "progressbar.h"
-#include "recordingreader.h"
+#include "recordinginput.h"
 #include "recordingsource.h"
 
 #include <abstractexporter.h>
@@ -37,12 +37,13 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, Prog
     error.clear();
     written = 0;
     skipped = 0;
+    notice.clear();
 
-    RecordingReader reader;
+    RecordingInput reader;
     QFile standardInput;
     const bool fromStandardInput = recording == QLatin1String("-");
     const bool opened = fromStandardInput
-        ? standardInput.open(STDIN_FILENO, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::DontCloseHandle)
+        ? standardInput.open(STDIN_FILENO, QIODevice::ReadOnly, QFileDevice::DontCloseHandle)
               && reader.open(&standardInput, standardInputName())
         : reader.open(recording);
     if (!opened) {
@@ -98,6 +99,7 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, Prog
     }
     exporter->finish();
     exporter.reset();
+    notice = reader.readingNotice();
 
     if (reader.hasError()) {
         QString message = reader.errorString();
@@ -131,4 +133,9 @@ qint64 ExportJob::linesSkipped() const
 QString ExportJob::standardInputName()
 {
     return tr("(standard input)");
+}
+
+QString ExportJob::readingNotice() const
+{
+    return notice;
 }

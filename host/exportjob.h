@@ -50,6 +50,8 @@ public:
     /** Samples written and bad lines skipped by the last run. */
     qint64 samplesWritten() const;
     qint64 linesSkipped() const;
+    /** What the reader of the last run passed over, for the user; often empty. */
+    QString readingNotice() const;
 
     /** The name of standard input in messages. */
     static QString standardInputName();
@@ -63,4 +65,5 @@ private:
     QString error;
     qint64 written = 0;
     qint64 skipped = 0;
+    QString notice;
 };

@@ -23,6 +23,7 @@ const char overview[] =
     "  options    edit the settings in the settings dialog\n"
     "  info       show the plug-in's metadata, name, version and extension\n"
     "  generate   write a synthetic recording\n"
+    "  convert    write a UBX receiver log as a JSON Lines recording\n"
     "\n"
     "'asciiexport COMMAND --help' tells more about each command.\n";
 
@@ -67,6 +68,8 @@ int main(int argc, char *argv[])
         return Commands::showInfo(arguments);
     if (command == QLatin1String("generate"))
         return Commands::generate(arguments);
+    if (command == QLatin1String("convert"))
+        return Commands::convert(arguments);
     if (command == QLatin1String("-h") || command == QLatin1String("--help") || command == QLatin1String("help")) {
         std::fputs(overview, stdout);
         return 0;

@@ -1,5 +1,6 @@
 #include "recordinggenerator.h"
 
+#include "jsonline.h"
 #include "orientationmath.h"
 #include "recordfields.h"
 #include "samplereader.h"
@@ -23,7 +24,7 @@ namespace {
 
 constexpr double pi = M_PI;
 constexpr double gravity = 9.81;
-constexpr double receiverRate = 4.0;
+constexpr double recordingReceiverRate = 4.0;
 constexpr qint64 msPerGpsWeek = 7 * 24 * 3600 * 1000LL;
 constexpr qint64 gpsLeapMs = 18000;
 constexpr quint32 sampleTimeFineStart = 1200000;
@@ -74,15 +75,6 @@ private:
     quint64 state;
 };
 
-// Rounds to a number of decimals, so the file stays short and every number's
-// shortest form has at most that many decimals. Adding 0.0 turns -0 into 0,
-// which reads back with the same bits.
-double rounded(double value, int decimals)
-{
-    const double scale = std::pow(10.0, decimals);
-    return std::round(value * scale) / scale + 0.0;
-}
-
 template <typename Integer>
 Integer clamped(double value)
 {
@@ -99,139 +91,6 @@ double wrapDegrees(double angle)
         angle += 360.0;
     return angle;
 }
-
-// One JSON object on one line, written compactly.
-class JsonLine
-{
-public:
-    void clear()
-    {
-        text.clear();
-        firstInLevel.clear();
-        afterKey = false;
-    }
-
-    const std::string &data() const { return text; }
-
-    void beginObject() { open('{'); }
-    void endObject() { close('}'); }
-    void beginList() { open('['); }
-    void endList() { close(']'); }
-
-    void key(const char *name)
-    {
-        separate();
-        text += '"';
-        text += name;
-        text += "\":";
-        afterKey = true;
-    }
-
-    void integer(qint64 value)
-    {
-        beforeValue();
-        char buffer[24];
-        text.append(buffer, std::to_chars(std::begin(buffer), std::end(buffer), value).ptr);
-    }
-
-    // The shortest text that reads back as exactly the same double.
-    void number(double value, int decimals)
-    {
-        beforeValue();
-        char buffer[32];
-        text.append(buffer, std::to_chars(std::begin(buffer), std::end(buffer), rounded(value, decimals)).ptr);
-    }
-
-    void numbers(const double *values, int count, int decimals)
-    {
-        beginList();
-        for (int i = 0; i < count; ++i)
-            number(values[i], decimals);
-        endList();
-    }
-
-    void quaternion(const KvQuaternion &q, int decimals)
-    {
-        const double components[4] = {q[0], q[1], q[2], q[3]};
-        numbers(components, 4, decimals);
-    }
-
-    // Only plain ASCII texts of our own are written, which need no escapes.
-    void string(const QString &value)
-    {
-        beforeValue();
-        text += '"';
-        text += value.toStdString();
-        text += '"';
-    }
-
-    template <typename Record, std::size_t count>
-    void fields(const RecordFields::Field<Record> (&table)[count], const Record &record)
-    {
-        for (const RecordFields::Field<Record> &field : table) {
-            key(field.name.data());
-            integer(field.load(record));
-        }
-    }
-
-    template <typename Record, std::size_t count>
-    void record(const RecordFields::Field<Record> (&table)[count], const Record &value)
-    {
-        beginObject();
-        fields(table, value);
-        endObject();
-    }
-
-    template <typename Record, std::size_t count, typename Entry, std::size_t entryCount, std::size_t capacity>
-    void listRecord(const RecordFields::Field<Record> (&table)[count], const Record &value, std::string_view listName,
-                    const RecordFields::Field<Entry> (&entryTable)[entryCount], const Entry (&entries)[capacity],
-                    int used)
-    {
-        beginObject();
-        fields(table, value);
-        key(listName.data());
-        beginList();
-        for (int i = 0; i < used; ++i)
-            record(entryTable, entries[i]);
-        endList();
-        endObject();
-    }
-
-private:
-    void open(char bracket)
-    {
-        beforeValue();
-        text += bracket;
-        firstInLevel.push_back(true);
-    }
-
-    void close(char bracket)
-    {
-        text += bracket;
-        firstInLevel.pop_back();
-    }
-
-    void separate()
-    {
-        if (!firstInLevel.back())
-            text += ',';
-        firstInLevel.back() = false;
-    }
-
-    // A value after a key follows its colon; any other value inside a list
-    // is separated from the one before.
-    void beforeValue()
-    {
-        if (afterKey)
-            afterKey = false;
-        else if (!firstInLevel.empty())
-            separate();
-    }
-
-    std::string text;
-    std::vector<bool> firstInLevel;
-    bool afterKey = false;
-};
 
 // Everything one sample line can hold. All of it is computed for every
 // sample, so the values of a key do not depend on which keys are written.
@@ -359,8 +218,10 @@ constexpr int satelliteCount = int(std::size(satellitesInView));
 class Walk
 {
 public:
-    explicit Walk(const GeneratorOptions &options)
+    // The receiver reports @p receiverRate times a second.
+    Walk(const GeneratorOptions &options, double receiverRate)
         : rate(options.rate)
+        , receiverRate(receiverRate)
         , random(options.seed)
     {
         deviceId = QStringLiteral("%1").arg(random.next() & 0xFFFFFFFFu, 8, 16, QLatin1Char('0')).toUpper();
@@ -682,6 +543,7 @@ private:
     }
 
     double rate;
+    double receiverRate;
     Random random;
     QString deviceId;
     qint16 gpsWeek = 0;
@@ -716,7 +578,9 @@ bool writeLine(QIODevice *out, const std::string &text, QString *error)
 
 } // namespace
 
-bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString *error)
+namespace {
+
+bool checkOptions(const GeneratorOptions &options, QString *error)
 {
     if (options.samples < 0) {
         *error = QCoreApplication::translate("RecordingGenerator", "the number of samples must not be negative");
@@ -726,6 +590,15 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
         *error = QCoreApplication::translate("RecordingGenerator", "the rate must be above 0 and at most 10000 Hz");
         return false;
     }
+    return true;
+}
+
+} // namespace
+
+bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString *error)
+{
+    if (!checkOptions(options, error))
+        return false;
     bool wanted[std::size(sampleWriters)] = {};
     for (const QString &key : options.keys) {
         const auto writer = std::find_if(std::begin(sampleWriters), std::end(sampleWriters),
@@ -739,7 +612,7 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
     if (options.keys.isEmpty())
         std::fill(std::begin(wanted), std::end(wanted), true);
 
-    Walk walk(options);
+    Walk walk(options, recordingReceiverRate);
     JsonLine line;
     walk.writeRecordingObject(line);
     if (!writeLine(out, line.data(), error))
@@ -763,5 +636,27 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
     auto *file = qobject_cast<QFileDevice *>(out);
     if (file && !file->flush())
         return writeFailed(out, error);
+    return true;
+}
+
+bool generateReceiverEpochs(const GeneratorOptions &options, const std::function<bool(const RecordingSample &)> &write,
+                            QString *error)
+{
+    if (!checkOptions(options, error))
+        return false;
+    Walk walk(options, options.rate);
+    RecordingSample epoch;
+    for (qint64 index = 0; index < options.samples; ++index) {
+        const SampleState &state = walk.step(index);
+        epoch.packetCounter = quint16(index);
+        epoch.gpsSolution = state.gpsSolution;
+        epoch.gpsDop = state.gpsDop;
+        epoch.gpsUtcTime = state.gpsUtcTime;
+        epoch.gpsSatellites = state.gpsSatellites;
+        epoch.gnssPvt = state.gnssPvt;
+        epoch.gnssSatellites = state.gnssSatellites;
+        if (!write(epoch))
+            return false;
+    }
     return true;
 }

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "recordingsample.h"
+
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 class QIODevice;
 
@@ -28,3 +32,15 @@ struct GeneratorOptions
  * unknown or writing fails.
  */
 bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString *error);
+
+/**
+ * The receiver records of the same walk, one epoch at a time: options.samples
+ * epochs at options.rate epochs a second (keys are not looked at). @p write
+ * gets each epoch's records and its index as packet counter, and stops the
+ * walk by returning false.
+ *
+ * Returns false and sets @p error when an option is out of range; false
+ * without an error when @p write stopped it.
+ */
+bool generateReceiverEpochs(const GeneratorOptions &options, const std::function<bool(const RecordingSample &)> &write,
+                            QString *error);

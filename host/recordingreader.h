@@ -1,5 +1,6 @@
 #pragma once
 
+#include "abstractrecordingreader.h"
 #include "jsontape.h"
 #include "linereader.h"
 #include "recordingsample.h"
@@ -29,7 +30,7 @@
  * skipBadLine(). Property texts hold no line breaks and no NUL: they end up
  * in the comment lines of the exported file.
  */
-class RecordingReader
+class RecordingReader : public AbstractRecordingReader
 {
     Q_DECLARE_TR_FUNCTIONS(RecordingReader)
 
@@ -48,30 +49,25 @@ public:
      * Moves to the next sample. Returns false at the end of the file and on a
      * bad line; hasError() tells the two apart.
      */
-    bool readNext();
+    bool readNext() override;
 
-    bool hasError() const;
-    QString errorString() const;
-    /** Whether the error is a bad line, rather than a recording that cannot be read at all. */
-    bool hasBadLine() const;
-    /**
-     * After readNext() stopped at a bad sample line (hasBadLine()): forgets
-     * the error, so that readNext() goes on with the line after it.
-     */
-    void skipBadLine();
+    bool hasError() const override;
+    QString errorString() const override;
+    bool hasBadLine() const override;
+    void skipBadLine() override;
 
     /** The recording's property @p key; invalid when missing or null. */
-    QVariant property(const QString &key) const;
-    QVariantMap properties() const;
+    QVariant property(const QString &key) const override;
+    QVariantMap properties() const override;
     /** Samples per second; 0 when the recording object gives none. */
-    double updateRate() const;
+    double updateRate() const override;
     /** The sample read last by readNext(). */
-    const RecordingSample &sample() const;
+    const RecordingSample &sample() const override;
 
     /** How far reading has come into the recording, in bytes; for progress. */
-    qint64 position() const;
+    qint64 position() const override;
     /** The size of the recording in bytes; 0 when it is not known, as for a pipe. */
-    qint64 size() const;
+    qint64 size() const override;
 
 private:
     bool nextContentLine();

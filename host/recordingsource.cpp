@@ -1,7 +1,7 @@
 #include "recordingsource.h"
 
+#include "abstractrecordingreader.h"
 #include "orientationmath.h"
-#include "recordingreader.h"
 
 #include <QTextStream>
 
@@ -14,7 +14,7 @@ constexpr quint32 velocityId = 0xD010;
 
 } // namespace
 
-RecordingSource::RecordingSource(const RecordingReader *reader)
+RecordingSource::RecordingSource(const AbstractRecordingReader *reader)
     : reader(reader)
 {
 }

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-class RecordingReader;
+class AbstractRecordingReader;
 
 /**
  * The export source over a recording file: properties and update rate of the
@@ -20,7 +20,7 @@ public:
     using MessageHandler = std::function<void(int kind, const QString &text)>;
 
     /** Answers for @p reader, which must outlive the source. */
-    explicit RecordingSource(const RecordingReader *reader);
+    explicit RecordingSource(const AbstractRecordingReader *reader);
 
     void setMessageHandler(const MessageHandler &handler);
 
@@ -70,6 +70,6 @@ public:
     static constexpr quint32 triggerIn2Id = 0x4820;
 
 private:
-    const RecordingReader *reader;
+    const AbstractRecordingReader *reader;
     MessageHandler messageHandler;
 };

@@ -429,7 +429,7 @@ void tst_HostProgram::usageErrors_data()
     QTest::addColumn<QByteArray>("message");
 
     QTest::newRow("no command") << QStringList() << QByteArray("asciiexport: no command given");
-    QTest::newRow("an unknown command") << QStringList{"convert"} << QByteArray("asciiexport: unknown command \"convert\"");
+    QTest::newRow("an unknown command") << QStringList{"transcode"} << QByteArray("asciiexport: unknown command \"transcode\"");
     QTest::newRow("no recording") << QStringList{"export"} << QByteArray("asciiexport export: no recording given");
     QTest::newRow("an unknown option") << QStringList{"export", "--fast", "x.jsonl"}
         << QByteArray("asciiexport export: Unknown option 'fast'.");

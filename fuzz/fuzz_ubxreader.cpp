@@ -1,0 +1,60 @@
+#include <recordingsource.h>
+#include <ubxreader.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <cstdlib>
+
+// Arbitrary bytes as a UBX log: the reader either finds no frame and says
+// so, or reads its epochs in ascending time of week, with packet counters
+// that count, satellite counts as the messages state them, and the bytes it
+// passed over adding up.
+
+extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
+{
+    // One file per fuzzing process, rewritten for every input.
+    static const QTemporaryDir dir;
+    static const QString path = dir.filePath(QStringLiteral("log.ubx"));
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(reinterpret_cast<const char *>(bytes), qint64(size))
+                                                     != qint64(size))
+            std::abort();
+    }
+
+    UbxReader reader;
+    if (!reader.open(path)) {
+        if (!reader.errorString().startsWith(path + QLatin1Char(':')))
+            std::abort();
+        return 0;
+    }
+    const UbxLogStatistics &counts = reader.statistics();
+    if (counts.bytes != qint64(size) || counts.frameBytes > counts.bytes || counts.frames == 0)
+        std::abort();
+    RecordingSource source(&reader);
+    qint64 epochs = 0;
+    quint32 last = 0;
+    while (reader.readNext()) {
+        const quint32 times[] = {source.gpsSolutionRecord().iTOW, source.gpsDopRecord().iTOW,
+                                 source.gpsUtcTimeRecord().iTOW, source.gpsSatelliteRecord().iTOW,
+                                 source.gnssPvtRecord().iTOW, source.gnssSatelliteRecord().iTOW};
+        quint32 time = 0;
+        for (const quint32 t : times) {
+            if (t != 0 && time != 0 && t != time)
+                std::abort();
+            time = t != 0 ? t : time;
+        }
+        if (time != 0 && epochs > 0 && time <= last)
+            std::abort();
+        last = time != 0 ? time : last;
+        if (source.packetCounter() != quint16(epochs))
+            std::abort();
+        if (source.gpsSatelliteRecord().iTOW == 0 && source.gpsSatelliteRecord().numCh != 0)
+            std::abort();
+        ++epochs;
+    }
+    if (reader.hasError() || epochs != counts.epochs)
+        std::abort();
+    return 0;
+}

@@ -1,0 +1,591 @@
+#include <recordinginput.h>
+#include <recordingsource.h>
+#include <ubxreader.h>
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <limits>
+#include <vector>
+
+// Frames are built here from the public message layouts, byte by byte, so
+// that the reader is checked against the layouts and not against itself.
+
+namespace {
+
+class Payload
+{
+public:
+    explicit Payload(int size) : bytes(size, '\0') {}
+
+    Payload &u8(int offset, quint8 value) { return put(offset, value, 1); }
+    Payload &i8(int offset, qint8 value) { return put(offset, quint8(value), 1); }
+    Payload &u16(int offset, quint16 value) { return put(offset, value, 2); }
+    Payload &i16(int offset, qint16 value) { return put(offset, quint16(value), 2); }
+    Payload &u32(int offset, quint32 value) { return put(offset, value, 4); }
+    Payload &i32(int offset, qint32 value) { return put(offset, quint32(value), 4); }
+
+    QByteArray frame(quint8 messageClass, quint8 messageId) const
+    {
+        QByteArray frame;
+        frame.append(char(0xB5)).append(char(0x62)).append(char(messageClass)).append(char(messageId));
+        frame.append(char(bytes.size() & 0xFF)).append(char(bytes.size() >> 8));
+        frame.append(bytes);
+        quint8 a = 0, b = 0;
+        for (int i = 2; i < frame.size(); ++i) {
+            a = quint8(a + quint8(frame[i]));
+            b = quint8(b + a);
+        }
+        frame.append(char(a)).append(char(b));
+        return frame;
+    }
+
+private:
+    Payload &put(int offset, quint64 value, int size)
+    {
+        for (int i = 0; i < size; ++i)
+            bytes[offset + i] = char(value >> (8 * i));
+        return *this;
+    }
+
+    QByteArray bytes;
+};
+
+QByteArray navSol(quint32 iTOW, qint32 fTOW = 5, qint16 week = 2000)
+{
+    return Payload(52).u32(0, iTOW).i32(4, fTOW).i16(8, week).u8(10, 3).u8(11, 0x0D).frame(0x01, 0x06);
+}
+
+QByteArray navDop(quint32 iTOW, quint16 first = 100)
+{
+    Payload payload(18);
+    payload.u32(0, iTOW);
+    for (int i = 0; i < 7; ++i)
+        payload.u16(4 + 2 * i, quint16(first + i));
+    return payload.frame(0x01, 0x04);
+}
+
+QByteArray navTimeUtc(quint32 iTOW, quint16 year, quint8 month, quint8 day, quint8 hour = 12)
+{
+    return Payload(20).u32(0, iTOW).u16(12, year).u8(14, month).u8(15, day).u8(16, hour).u8(17, 34).u8(18, 56)
+        .frame(0x01, 0x21);
+}
+
+QByteArray navPvt(quint32 iTOW, int length = 92, quint16 year = 2026, quint8 month = 11, quint8 day = 21)
+{
+    Payload payload(length);
+    payload.u32(0, iTOW).u16(4, year).u8(6, month).u8(7, day).u8(8, 9).u8(9, 30).u8(10, 15).u16(76, 999);
+    if (length == 92)
+        payload.i32(84, -1234567);
+    return payload.frame(0x01, 0x07);
+}
+
+QByteArray navSvInfo(quint32 iTOW, int channels, int firstSvid = 1)
+{
+    Payload payload(8 + 12 * channels);
+    payload.u32(0, iTOW).u8(4, quint8(channels));
+    for (int i = 0; i < channels; ++i)
+        payload.u8(8 + 12 * i, quint8(i)).u8(9 + 12 * i, quint8(firstSvid + i)).u8(11 + 12 * i, quint8(i % 8));
+    return payload.frame(0x01, 0x30);
+}
+
+QByteArray navSat(quint32 iTOW, int satellites)
+{
+    Payload payload(8 + 12 * satellites);
+    payload.u32(0, iTOW).u8(4, 1).u8(5, quint8(satellites));
+    for (int i = 0; i < satellites; ++i) {
+        payload.u8(8 + 12 * i, quint8(i % 7)).u8(9 + 12 * i, quint8(i + 1)).u8(10 + 12 * i, quint8(20 + i % 30))
+            .u32(16 + 12 * i, 0x80000000u | quint32(i));
+    }
+    return payload.frame(0x01, 0x35);
+}
+
+QByteArray monVer(const QByteArray &software)
+{
+    QByteArray payload(40 + 30, '\0');
+    payload.replace(0, software.size(), software);
+    payload.replace(30, 8, "00080000");
+    QByteArray frame;
+    frame.append(char(0xB5)).append(char(0x62)).append(char(0x0A)).append(char(0x04));
+    frame.append(char(payload.size())).append(char(0));
+    frame.append(payload);
+    quint8 a = 0, b = 0;
+    for (int i = 2; i < frame.size(); ++i) {
+        a = quint8(a + quint8(frame[i]));
+        b = quint8(b + a);
+    }
+    return frame.append(char(a)).append(char(b));
+}
+
+const QByteArray gga = "$GPGGA,092750.000,5321.6802,N,00630.3372,W,1,8,1.03,61.7,M,55.2,M,,*76\r\n";
+
+struct Samples
+{
+    std::vector<RecordingSample> samples;
+    QVariantMap properties;
+    double rate = 0.0;
+    UbxLogStatistics statistics;
+    QString error;
+};
+
+} // namespace
+
+class tst_UbxReader : public QObject
+{
+    Q_OBJECT
+
+private:
+    Samples read(const QByteArray &log)
+    {
+        const QString path = dir.filePath(QStringLiteral("log.ubx"));
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(log) != log.size())
+            qFatal("cannot write %s", qPrintable(path));
+        file.close();
+        UbxReader reader;
+        Samples result;
+        if (!reader.open(path)) {
+            result.error = reader.errorString();
+            return result;
+        }
+        while (reader.readNext())
+            result.samples.push_back(reader.sample());
+        result.error = reader.errorString();
+        result.properties = reader.properties();
+        result.rate = reader.updateRate();
+        result.statistics = reader.statistics();
+        return result;
+    }
+
+    QTemporaryDir dir;
+
+private slots:
+    void navSolFieldsAtTheirLimits_data();
+    void navSolFieldsAtTheirLimits();
+    void navPvtFieldsAtTheirLimits_data();
+    void navPvtFieldsAtTheirLimits();
+    void timeUtcAndDopFields();
+    void shortNavPvtHasNoVehicleHeading();
+    void pvtTakesTheDilutionsOfItsEpoch();
+    void badChecksumIsSkippedFromTheNextByte();
+    void frameCutAtTheEnd();
+    void nmeaBetweenFrames();
+    void epochsOutOfOrder();
+    void repeatedMessageFirstCounts();
+    void satelliteListsBeyondCapacity();
+    void timeOfWeekZeroHoldsNoData();
+    void properties_data();
+    void properties();
+    void wrongLengthIsNotUsed();
+    void frameAcrossBlocks();
+    void pipeIsReadThroughACopy();
+    void noFrameIsAnError();
+    void detection_data();
+    void detection();
+    void sourceAnswersFromTheEpoch();
+};
+
+void tst_UbxReader::navSolFieldsAtTheirLimits_data()
+{
+    QTest::addColumn<quint32>("iTOW");
+    QTest::addColumn<qint32>("signedValue");
+    QTest::addColumn<quint32>("unsignedValue");
+    QTest::addColumn<qint16>("week");
+    QTest::addColumn<quint8>("byte");
+    QTest::addColumn<quint16>("word");
+
+    QTest::newRow("every field at its maximum") << std::numeric_limits<quint32>::max()
+                                                << std::numeric_limits<qint32>::max()
+                                                << std::numeric_limits<quint32>::max()
+                                                << std::numeric_limits<qint16>::max() << quint8(255) << quint16(65535);
+    QTest::newRow("signed fields at their minimum") << 1u << std::numeric_limits<qint32>::min() << 0u
+                                                    << std::numeric_limits<qint16>::min() << quint8(0) << quint16(0);
+    QTest::newRow("minus one in every signed field") << 604799999u << -1 << 1u << qint16(-1) << quint8(1)
+                                                     << quint16(1);
+}
+
+void tst_UbxReader::navSolFieldsAtTheirLimits()
+{
+    QFETCH(quint32, iTOW);
+    QFETCH(qint32, signedValue);
+    QFETCH(quint32, unsignedValue);
+    QFETCH(qint16, week);
+    QFETCH(quint8, byte);
+    QFETCH(quint16, word);
+
+    Payload payload(52);
+    payload.u32(0, iTOW).i32(4, signedValue).i16(8, week).u8(10, byte).u8(11, byte);
+    payload.i32(12, signedValue).i32(16, signedValue).i32(20, signedValue).u32(24, unsignedValue);
+    payload.i32(28, signedValue).i32(32, signedValue).i32(36, signedValue).u32(40, unsignedValue);
+    payload.u16(44, word).u8(46, 0xAA).u8(47, byte).u32(48, 0xDEADBEEF);
+    const Samples read = this->read(payload.frame(0x01, 0x06));
+    QCOMPARE(read.error, QString());
+    QCOMPARE(read.samples.size(), std::size_t(1));
+    const KvGpsSolution &sol = read.samples[0].gpsSolution;
+    QCOMPARE(sol.iTOW, iTOW);
+    QCOMPARE(sol.fTOW, signedValue);
+    QCOMPARE(sol.week, week);
+    QCOMPARE(sol.gpsFix, byte);
+    QCOMPARE(sol.flags, byte);
+    QCOMPARE(sol.ecefX, signedValue);
+    QCOMPARE(sol.ecefY, signedValue);
+    QCOMPARE(sol.ecefZ, signedValue);
+    QCOMPARE(sol.pAcc, unsignedValue);
+    QCOMPARE(sol.ecefVX, signedValue);
+    QCOMPARE(sol.ecefVY, signedValue);
+    QCOMPARE(sol.ecefVZ, signedValue);
+    QCOMPARE(sol.sAcc, unsignedValue);
+    QCOMPARE(sol.pDOP, word);
+    QCOMPARE(sol.numSV, byte);
+}
+
+void tst_UbxReader::navPvtFieldsAtTheirLimits_data()
+{
+    QTest::addColumn<qint32>("signedValue");
+    QTest::addColumn<quint32>("unsignedValue");
+    QTest::addColumn<quint8>("byte");
+    QTest::addColumn<quint16>("word");
+
+    QTest::newRow("maximum") << std::numeric_limits<qint32>::max() << std::numeric_limits<quint32>::max()
+                             << quint8(255) << quint16(65535);
+    QTest::newRow("minimum") << std::numeric_limits<qint32>::min() << 0u << quint8(0) << quint16(0);
+    QTest::newRow("minus one") << -1 << 1u << quint8(1) << quint16(1);
+}
+
+void tst_UbxReader::navPvtFieldsAtTheirLimits()
+{
+    QFETCH(qint32, signedValue);
+    QFETCH(quint32, unsignedValue);
+    QFETCH(quint8, byte);
+    QFETCH(quint16, word);
+
+    Payload payload(92);
+    payload.u32(0, 4000).u16(4, word).u8(6, byte).u8(7, byte).u8(8, byte).u8(9, byte).u8(10, byte).u8(11, byte);
+    payload.u32(12, unsignedValue).i32(16, signedValue).u8(20, byte).u8(21, byte).u8(22, 0x55).u8(23, byte);
+    for (int offset = 24; offset <= 36; offset += 4)
+        payload.i32(offset, signedValue);
+    payload.u32(40, unsignedValue).u32(44, unsignedValue);
+    for (int offset = 48; offset <= 64; offset += 4)
+        payload.i32(offset, signedValue);
+    payload.u32(68, unsignedValue).u32(72, unsignedValue).u16(76, 4321).i32(84, signedValue).i16(88, -5).u16(90, 7);
+    const Samples read = this->read(payload.frame(0x01, 0x07));
+    QCOMPARE(read.samples.size(), std::size_t(1));
+    const KvGnssPvt &pvt = read.samples[0].gnssPvt;
+    QCOMPARE(pvt.iTOW, 4000u);
+    QCOMPARE(pvt.year, word);
+    for (const quint8 value : {pvt.month, pvt.day, pvt.hour, pvt.min, pvt.sec, pvt.valid, pvt.fixType, pvt.flags,
+                               pvt.numSV})
+        QCOMPARE(value, byte);
+    QCOMPARE(pvt.tAcc, unsignedValue);
+    QCOMPARE(pvt.nano, signedValue);
+    for (const qint32 value : {pvt.lon, pvt.lat, pvt.height, pvt.hMSL, pvt.velN, pvt.velE, pvt.velD, pvt.gSpeed,
+                               pvt.headMot, pvt.headVeh})
+        QCOMPARE(value, signedValue);
+    for (const quint32 value : {pvt.hAcc, pvt.vAcc, pvt.sAcc, pvt.headAcc})
+        QCOMPARE(value, unsignedValue);
+    // NAV-PVT's own pDOP is not taken: the epoch has no NAV-DOP.
+    QCOMPARE(pvt.pDOP, quint16(0));
+}
+
+void tst_UbxReader::timeUtcAndDopFields()
+{
+    Payload utc(20);
+    utc.u32(0, 7000).u32(4, 0xFFFFFFFF).i32(8, -999999999).u16(12, 65535).u8(14, 12).u8(15, 31).u8(16, 23)
+        .u8(17, 59).u8(18, 60).u8(19, 0xF7);
+    const Samples read = this->read(utc.frame(0x01, 0x21) + navDop(7000, 65529));
+    QCOMPARE(read.samples.size(), std::size_t(1));
+    const KvGpsUtcTime &time = read.samples[0].gpsUtcTime;
+    QCOMPARE(time.iTOW, 7000u);
+    QCOMPARE(time.tAcc, 0xFFFFFFFFu);
+    QCOMPARE(time.nano, -999999999);
+    QCOMPARE(time.year, quint16(65535));
+    QCOMPARE(time.month, quint8(12));
+    QCOMPARE(time.day, quint8(31));
+    QCOMPARE(time.hour, quint8(23));
+    QCOMPARE(time.min, quint8(59));
+    QCOMPARE(time.sec, quint8(60));
+    QCOMPARE(time.valid, quint8(0xF7));
+    const KvGpsDop &dop = read.samples[0].gpsDop;
+    QCOMPARE(dop.iTOW, 7000u);
+    QCOMPARE(dop.gDOP, quint16(65529));
+    QCOMPARE(dop.eDOP, quint16(65535));
+    QCOMPARE(read.properties.value(QStringLiteral("StartTime")).toString(), QStringLiteral("65535-12-31 23:59:60"));
+}
+
+void tst_UbxReader::shortNavPvtHasNoVehicleHeading()
+{
+    const Samples read = this->read(navPvt(1000, 84) + navPvt(2000, 92));
+    QCOMPARE(read.samples.size(), std::size_t(2));
+    QCOMPARE(read.samples[0].gnssPvt.iTOW, 1000u);
+    QCOMPARE(read.samples[0].gnssPvt.headVeh, 0);
+    QCOMPARE(read.samples[0].gnssPvt.sec, quint8(15));
+    QCOMPARE(read.samples[1].gnssPvt.headVeh, -1234567);
+}
+
+void tst_UbxReader::pvtTakesTheDilutionsOfItsEpoch()
+{
+    const Samples read = this->read(navPvt(1000) + navDop(1000, 200) + navPvt(2000) + navDop(3000, 300));
+    QCOMPARE(read.samples.size(), std::size_t(3));
+    const KvGnssPvt &first = read.samples[0].gnssPvt;
+    QCOMPARE(first.gDOP, quint16(200));
+    QCOMPARE(first.pDOP, quint16(201));
+    QCOMPARE(first.tDOP, quint16(202));
+    QCOMPARE(first.vDOP, quint16(203));
+    QCOMPARE(first.hDOP, quint16(204));
+    QCOMPARE(first.nDOP, quint16(205));
+    QCOMPARE(first.eDOP, quint16(206));
+    QCOMPARE(read.samples[1].gnssPvt.pDOP, quint16(0));
+    QCOMPARE(read.samples[1].gnssPvt.gDOP, quint16(0));
+    // An epoch with NAV-DOP alone has no PVT record.
+    QCOMPARE(read.samples[2].gnssPvt.iTOW, 0u);
+    QCOMPARE(read.samples[2].gpsDop.gDOP, quint16(300));
+}
+
+void tst_UbxReader::badChecksumIsSkippedFromTheNextByte()
+{
+    QByteArray bad = navSol(1000);
+    bad[bad.size() - 1] = char(bad[bad.size() - 1] ^ 1);
+    // A good frame hidden inside a bad one's payload is found, as the scan goes on after the bad sync.
+    Payload carrier(navDop(2000).size() + 4);
+    QByteArray inner = carrier.frame(0x01, 0x99);
+    inner.replace(8, navDop(2000).size(), navDop(2000));
+    inner[inner.size() - 2] = char(inner[inner.size() - 2] ^ 0xFF);
+    const Samples read = this->read(bad + navSol(3000) + inner);
+    QCOMPARE(read.error, QString());
+    QCOMPARE(read.samples.size(), std::size_t(2));
+    QCOMPARE(read.samples[0].gpsDop.iTOW, 2000u);
+    QCOMPARE(read.samples[1].gpsSolution.iTOW, 3000u);
+    QCOMPARE(read.statistics.badChecksums, qint64(2));
+    QCOMPARE(read.statistics.frames, qint64(2));
+    QCOMPARE(read.statistics.skippedBytes(), qint64(bad.size() + inner.size() - navDop(2000).size()));
+}
+
+void tst_UbxReader::frameCutAtTheEnd()
+{
+    const QByteArray cut = navPvt(2000).left(50);
+    const Samples read = this->read(navPvt(1000) + cut);
+    QCOMPARE(read.samples.size(), std::size_t(1));
+    QCOMPARE(read.statistics.cutFrames, qint64(1));
+    QCOMPARE(read.statistics.skippedBytes(), qint64(cut.size()));
+    // Cut within its header too.
+    const Samples header = this->read(navPvt(1000) + navPvt(2000).left(4));
+    QCOMPARE(header.samples.size(), std::size_t(1));
+    QCOMPARE(header.statistics.cutFrames, qint64(1));
+}
+
+void tst_UbxReader::nmeaBetweenFrames()
+{
+    const QByteArray log = gga + navSol(1000) + gga + gga + navSol(1200) + "\xB5" + gga + navSol(1400) + gga;
+    const Samples read = this->read(log);
+    QCOMPARE(read.samples.size(), std::size_t(3));
+    QCOMPARE(read.statistics.skippedBytes(), qint64(5 * gga.size() + 1));
+    QCOMPARE(read.statistics.bytes, qint64(log.size()));
+    QCOMPARE(read.rate, 5.0);
+}
+
+void tst_UbxReader::epochsOutOfOrder()
+{
+    const Samples read = this->read(navSol(3000) + navDop(3000) + navSol(1000) + navSol(2000) + navDop(1000)
+                                    + navSat(2000, 3));
+    QCOMPARE(read.samples.size(), std::size_t(3));
+    for (std::size_t i = 0; i < 3; ++i) {
+        QCOMPARE(read.samples[i].packetCounter, quint16(i));
+        QCOMPARE(read.samples[i].gpsSolution.iTOW, quint32(1000 * (i + 1)));
+    }
+    QCOMPARE(read.samples[0].gpsDop.iTOW, 1000u);
+    QCOMPARE(read.samples[1].gnssSatellites.numSvs, quint8(3));
+    QCOMPARE(read.samples[1].gpsDop.iTOW, 0u);
+    QCOMPARE(read.samples[2].gpsDop.iTOW, 3000u);
+    QCOMPARE(read.statistics.epochs, qint64(3));
+}
+
+void tst_UbxReader::repeatedMessageFirstCounts()
+{
+    // Again right after, and again after another epoch.
+    const Samples read = this->read(navSol(1000, 1) + navSol(1000, 2) + navSol(2000, 3) + navSol(1000, 4));
+    QCOMPARE(read.samples.size(), std::size_t(2));
+    QCOMPARE(read.samples[0].gpsSolution.fTOW, 1);
+    QCOMPARE(read.samples[1].gpsSolution.fTOW, 3);
+    QCOMPARE(read.statistics.repeated, qint64(2));
+}
+
+void tst_UbxReader::satelliteListsBeyondCapacity()
+{
+    const Samples read = this->read(navSvInfo(1000, 20, 3) + navSat(1000, 70));
+    QCOMPARE(read.samples.size(), std::size_t(1));
+    const KvGpsSatelliteInfo &gps = read.samples[0].gpsSatellites;
+    QCOMPARE(gps.numCh, quint8(20));
+    QCOMPARE(gps.channels[0].svid, quint8(3));
+    QCOMPARE(gps.channels[15].svid, quint8(18));
+    QCOMPARE(gps.channels[15].quality, quint8(7));
+    const KvGnssSatelliteInfo &gnss = read.samples[0].gnssSatellites;
+    QCOMPARE(gnss.numSvs, quint8(70));
+    QCOMPARE(gnss.satellites[59].svId, quint8(60));
+    QCOMPARE(gnss.satellites[59].gnssId, quint8(59 % 7));
+    QCOMPARE(gnss.satellites[59].cno, quint8(20 + 59 % 30));
+    QCOMPARE(gnss.satellites[59].flags, 0x80000000u | 59u);
+    QCOMPARE(read.statistics.gpsSatellites.size(), 20);
+    QCOMPARE(read.statistics.gnssSatellites.size(), 70);
+}
+
+void tst_UbxReader::timeOfWeekZeroHoldsNoData()
+{
+    const Samples read = this->read(navSol(200) + navPvt(0) + navSol(0) + navTimeUtc(0, 2026, 1, 1));
+    QCOMPARE(read.samples.size(), std::size_t(2));
+    QCOMPARE(read.samples[0].packetCounter, quint16(0));
+    QCOMPARE(read.samples[0].gpsSolution.iTOW, 0u);
+    QCOMPARE(read.samples[0].gpsSolution.week, qint16(0));
+    QCOMPARE(read.samples[0].gnssPvt.year, quint16(0));
+    QCOMPARE(read.samples[1].packetCounter, quint16(1));
+    QCOMPARE(read.samples[1].gpsSolution.iTOW, 200u);
+    // Its date does not start the recording either.
+    QCOMPARE(read.properties.value(QStringLiteral("StartTime")).toString(), QStringLiteral("0"));
+    QCOMPARE(read.rate, 5.0);
+}
+
+void tst_UbxReader::properties_data()
+{
+    QTest::addColumn<QByteArray>("log");
+    QTest::addColumn<QString>("startTime");
+    QTest::addColumn<double>("rate");
+    QTest::addColumn<QVariant>("firmware");
+
+    QTest::newRow("start from the first epoch's PVT, in time order")
+        << navPvt(2000, 92, 2027) + navPvt(1000) + monVer("ROM 1.00 (x)") << QStringLiteral("2026-11-21 09:30:15")
+        << 1.0 << QVariant(QStringLiteral("ROM 1.00 (x)"));
+    QTest::newRow("an undated PVT gives way to the epoch's UTC time")
+        << navPvt(1000, 92, 2026, 0, 21) + navTimeUtc(1000, 2025, 2, 3) << QStringLiteral("2025-02-03 12:34:56")
+        << 0.0 << QVariant();
+    QTest::newRow("an undated epoch gives way to the next")
+        << navTimeUtc(1000, 0, 1, 1) + navTimeUtc(1100, 2024, 7, 8, 0) << QStringLiteral("2024-07-08 00:34:56")
+        << 10.0 << QVariant();
+    QTest::newRow("no date at all") << navSol(1000) << QStringLiteral("0") << 0.0 << QVariant();
+    QTest::newRow("median of an odd number of steps")
+        << navSol(1000) + navSol(1100) + navSol(1300) + navSol(1350) << QStringLiteral("0") << 10.0 << QVariant();
+    QTest::newRow("median of an even number of steps, between the middle two")
+        << navSol(1000) + navSol(1100) + navSol(1400) << QStringLiteral("0") << 1000.0 / 200.0 << QVariant();
+    QTest::newRow("an empty software version makes no property")
+        << navSol(1000) + monVer("") + monVer("later") << QStringLiteral("0") << 0.0 << QVariant();
+}
+
+void tst_UbxReader::properties()
+{
+    QFETCH(QByteArray, log);
+    QFETCH(QString, startTime);
+    QFETCH(double, rate);
+    QFETCH(QVariant, firmware);
+
+    const Samples read = this->read(log);
+    QCOMPARE(read.error, QString());
+    QCOMPARE(read.properties.value(QStringLiteral("StartTime")).toString(), startTime);
+    QCOMPARE(read.rate, rate);
+    QCOMPARE(read.properties.value(QStringLiteral("FirmwareVersion")), firmware);
+    // Nothing else is made up.
+    QCOMPARE(read.properties.size(), firmware.isValid() ? 2 : 1);
+}
+
+void tst_UbxReader::wrongLengthIsNotUsed()
+{
+    const QByteArray longSol = Payload(53).u32(0, 5000).frame(0x01, 0x06);
+    const QByteArray badSvInfo = Payload(8 + 12 * 2).u32(0, 6000).u8(4, 3).frame(0x01, 0x30);
+    const Samples read = this->read(longSol + badSvInfo + navSol(7000));
+    QCOMPARE(read.samples.size(), std::size_t(1));
+    QCOMPARE(read.statistics.wrongLengths, qint64(2));
+    QCOMPARE(read.statistics.frames, qint64(3));
+}
+
+void tst_UbxReader::frameAcrossBlocks()
+{
+    // Frames on both sides of every boundary of the scanner's 1 MiB blocks.
+    QByteArray log;
+    quint32 iTOW = 1000;
+    while (log.size() < 3 * (1 << 20)) {
+        iTOW += 100;
+        log += navSat(iTOW, 50) + gga.left(int(iTOW / 100 % 50));
+    }
+    const Samples read = this->read(log);
+    QCOMPARE(read.error, QString());
+    QCOMPARE(read.samples.size(), std::size_t((iTOW - 1000) / 100));
+    QCOMPARE(read.statistics.badChecksums, qint64(0));
+    for (std::size_t i = 0; i < read.samples.size(); ++i)
+        QCOMPARE(read.samples[i].gnssSatellites.iTOW, quint32(1100 + 100 * i));
+}
+
+void tst_UbxReader::pipeIsReadThroughACopy()
+{
+    const QByteArray log = gga + navSol(3000) + navSol(1000) + navPvt(2000) + navSol(2000);
+    const QString path = dir.filePath(QStringLiteral("piped.ubx"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(log);
+    file.close();
+    QProcess cat;
+    cat.start(QStringLiteral("cat"), {path}, QIODevice::ReadOnly);
+    QVERIFY(cat.waitForStarted());
+    RecordingInput input;
+    QVERIFY2(input.open(&cat, QStringLiteral("-")), qPrintable(input.errorString()));
+    QCOMPARE(input.format(), RecordingInput::Format::Ubx);
+    std::vector<quint32> times;
+    while (input.readNext())
+        times.push_back(input.sample().gpsSolution.iTOW);
+    QCOMPARE(input.errorString(), QString());
+    QCOMPARE(times, (std::vector<quint32>{1000, 2000, 3000}));
+    QCOMPARE(input.size(), qint64(log.size()));
+    cat.waitForFinished();
+}
+
+void tst_UbxReader::noFrameIsAnError()
+{
+    const Samples read = this->read(gga + "\xB5\x62\x01");
+    QVERIFY(read.error.endsWith(QStringLiteral("log.ubx: holds no UBX frame with a good checksum")));
+}
+
+void tst_UbxReader::detection_data()
+{
+    QTest::addColumn<QByteArray>("head");
+    QTest::addColumn<bool>("ubx");
+
+    QTest::newRow("a JSON object") << QByteArray("{\"properties\":{}}\n") << false;
+    QTest::newRow("a JSON object after a byte-order mark and blanks") << QByteArray("\xEF\xBB\xBF \r\n\t{") << false;
+    QTest::newRow("a JSON object holding the sync bytes") << QByteArray("{\"x\":\"\xB5\x62\"}") << false;
+    QTest::newRow("a frame") << navSol(1) << true;
+    QTest::newRow("NMEA, then a frame") << gga + navSol(1) << true;
+    QTest::newRow("text without sync bytes") << QByteArray("hello") << false;
+    QTest::newRow("nothing") << QByteArray() << false;
+}
+
+void tst_UbxReader::detection()
+{
+    QFETCH(QByteArray, head);
+    QFETCH(bool, ubx);
+
+    QCOMPARE(RecordingInput::detect(head) == RecordingInput::Format::Ubx, ubx);
+}
+
+void tst_UbxReader::sourceAnswersFromTheEpoch()
+{
+    const QString path = dir.filePath(QStringLiteral("source.ubx"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(navSol(1000) + navSvInfo(1000, 2) + navSol(1200));
+    file.close();
+    RecordingInput input;
+    QVERIFY2(input.open(path), qPrintable(input.errorString()));
+    RecordingSource source(&input);
+    QVERIFY(input.readNext());
+    QCOMPARE(source.gpsSolutionRecord().iTOW, 1000u);
+    QCOMPARE(source.gpsSatelliteRecord().numCh, quint8(2));
+    QCOMPARE(source.updateRate(), 5.0);
+    QVERIFY(input.readNext());
+    QCOMPARE(source.packetCounter(), quint16(1));
+    QCOMPARE(source.gpsSatelliteRecord().numCh, quint8(0));
+    // Nothing is made up for the other groups.
+    QVERIFY(source.calibratedAcceleration().isEmpty());
+    QVERIFY(!source.hasSampleTimeFine());
+    QVERIFY(!input.readNext());
+    QVERIFY(!input.hasError());
+}
+
+QTEST_GUILESS_MAIN(tst_UbxReader)
+#include "tst_ubxreader.moc"
