@@ -37,8 +37,9 @@ int main(int argc, char *argv[])
     const QString command = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
     bool help = false;
     for (int i = 2; i < argc; ++i)
-        help = help || qstrcmp(argv[i], "-h") == 0 || qstrcmp(argv[i], "--help") == 0;
-    // Only the dialog needs a display.
+        help = help || qstrcmp(argv[i], "-h") == 0 || qstrcmp(argv[i], "--help") == 0
+               || qstrcmp(argv[i], "--version") == 0;
+    // Only the dialog needs a display, not its help or versions.
     std::unique_ptr<QCoreApplication> application;
     if (command == QLatin1String("options") && !help) {
         if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
