@@ -13,6 +13,8 @@ set(CPACK_STRIP_FILES ON)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
+# Qt's own texts (of the command-line parser, say) in the user's language.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS qttranslations5-l10n)
 # dpkg-shlibdeps works out the Qt and C++ libraries the binaries need; the
 # package's own libraries it finds in the package itself.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
