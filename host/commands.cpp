@@ -92,8 +92,9 @@ bool parse(QCommandLineParser &parser, const QString &command, const QString &de
 QCommandLineOption pluginOption()
 {
     return QCommandLineOption(QStringLiteral("plugin"),
-                              tr("The plug-in file to load (default: the first libasciiexporter.so in the "
-                                 "folders of ASCIIEXPORT_PLUGIN_PATH, else %1).").arg(PluginHost::defaultPluginPath()),
+                              tr("The plug-in file to load (default: %1, the first libasciiexporter.so in the "
+                                 "folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).")
+                                  .arg(PluginHost::defaultPluginPath()),
                               tr("PATH"));
 }
 

@@ -16,10 +16,6 @@
         <translation>Die Versionen des Programms und des Plug-ins zeigen.</translation>
     </message>
     <message>
-        <source>The plug-in file to load (default: the first libasciiexporter.so in the folders of ASCIIEXPORT_PLUGIN_PATH, else %1).</source>
-        <translation>Die zu ladende Plug-in-Datei (Vorgabe: die erste libasciiexporter.so in den Ordnern von ASCIIEXPORT_PLUGIN_PATH, sonst %1).</translation>
-    </message>
-    <message>
         <source>PATH</source>
         <translation>PFAD</translation>
     </message>
@@ -230,6 +226,10 @@
     <message>
         <source>%1: %2</source>
         <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>The plug-in file to load (default: %1, the first libasciiexporter.so in the folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).</source>
+        <translation>Die zu ladende Plug-in-Datei (Vorgabe: %1, die erste libasciiexporter.so in den Ordnern von ASCIIEXPORT_PLUGIN_PATH, sonst die mit dem Programm installierte).</translation>
     </message>
 </context>
 <context>
