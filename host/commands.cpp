@@ -13,6 +13,7 @@
 #include "samplereader.h"
 #include "settingsdialog.h"
 #include "ubxgenerator.h"
+#include "versiontext.h"
 
 #include <abstractexporterfactory.h>
 #include <abstractoptionspage.h>
@@ -65,13 +66,16 @@ int usageError(const QString &command, const QString &text)
 }
 
 // Parses @p arguments; on --help prints the help and sets @p status to 0,
-// on a parse error reports it and sets @p status to 2.
+// on --version prints the versions and sets @p status as printVersion()
+// does, on a parse error reports it and sets @p status to 2.
 bool parse(QCommandLineParser &parser, const QString &command, const QString &description,
            const QStringList &arguments, int *status)
 {
     parser.setApplicationDescription(description);
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, tr("Show this help."));
-    parser.addOption(help);
+    const QCommandLineOption version(QStringLiteral("version"),
+                                     tr("Show the versions of the program and the plug-in."));
+    parser.addOptions({help, version});
     if (!parser.parse(QStringList{QStringLiteral("asciiexport")} + arguments)) {
         *status = usageError(command, parser.errorText());
         return false;
@@ -85,13 +89,22 @@ bool parse(QCommandLineParser &parser, const QString &command, const QString &de
         *status = 0;
         return false;
     }
+    if (parser.isSet(version)) {
+        // The plug-in the command would load; only some commands take --plugin.
+        const QString plugin = QStringLiteral("plugin");
+        *status = printVersion(parser.optionNames().contains(plugin) ? localFilePath(parser.value(plugin))
+                                                                     : PluginHost::defaultPluginPath());
+        return false;
+    }
     return true;
 }
 
 QCommandLineOption pluginOption()
 {
     return QCommandLineOption(QStringLiteral("plugin"),
-                              tr("The plug-in file to load (default: %1).").arg(PluginHost::defaultPluginPath()),
+                              tr("The plug-in file to load (default: %1, the first libasciiexporter.so in the "
+                                 "folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).")
+                                  .arg(PluginHost::defaultPluginPath()),
                               tr("PATH"));
 }
 

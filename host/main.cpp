@@ -1,5 +1,8 @@
 #include "commands.h"
 #include "localtimezone.h"
+#include "pluginhost.h"
+#include "translations.h"
+#include "versiontext.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -11,7 +14,7 @@
 
 namespace {
 
-const char overview[] =
+const char overview[] = QT_TRANSLATE_NOOP("main",
     "Usage: asciiexport COMMAND [options]\n"
     "\n"
     "Exports motion-tracker recordings as delimited text through the ASCII\n"
@@ -25,7 +28,8 @@ const char overview[] =
     "  generate   write a synthetic recording\n"
     "  convert    write a UBX receiver log as a JSON Lines recording\n"
     "\n"
-    "'asciiexport COMMAND --help' tells more about each command.\n";
+    "'asciiexport COMMAND --help' tells more about each command; 'asciiexport\n"
+    "--version' shows the versions of the program and the plug-in.\n");
 
 } // namespace
 
@@ -37,8 +41,9 @@ int main(int argc, char *argv[])
     const QString command = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
     bool help = false;
     for (int i = 2; i < argc; ++i)
-        help = help || qstrcmp(argv[i], "-h") == 0 || qstrcmp(argv[i], "--help") == 0;
-    // Only the dialog needs a display.
+        help = help || qstrcmp(argv[i], "-h") == 0 || qstrcmp(argv[i], "--help") == 0
+               || qstrcmp(argv[i], "--version") == 0;
+    // Only the dialog needs a display, not its help or versions.
     std::unique_ptr<QCoreApplication> application;
     if (command == QLatin1String("options") && !help) {
         if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
@@ -52,7 +57,8 @@ int main(int argc, char *argv[])
         application = std::make_unique<QCoreApplication>(argc, argv);
     }
     QCoreApplication::setApplicationName(QStringLiteral("asciiexport"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+    QCoreApplication::setApplicationVersion(programVersion());
+    installTranslations();
     // Files are written in UTF-8 whatever the locale: text the user types
     // (a custom delimiter, say) must not turn into question marks.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
@@ -71,17 +77,17 @@ int main(int argc, char *argv[])
     if (command == QLatin1String("convert"))
         return Commands::convert(arguments);
     if (command == QLatin1String("-h") || command == QLatin1String("--help") || command == QLatin1String("help")) {
-        std::fputs(overview, stdout);
+        std::fputs(QCoreApplication::translate("main", overview).toLocal8Bit().constData(), stdout);
         return 0;
     }
-    if (command == QLatin1String("--version")) {
-        std::printf("asciiexport %s\n", qPrintable(QCoreApplication::applicationVersion()));
-        return 0;
-    }
+    if (command == QLatin1String("--version"))
+        return printVersion(PluginHost::defaultPluginPath());
     if (command.isEmpty())
-        std::fputs("asciiexport: no command given\n", stderr);
+        std::fprintf(stderr, "asciiexport: %s\n",
+                     QCoreApplication::translate("main", "no command given").toLocal8Bit().constData());
     else
-        std::fprintf(stderr, "asciiexport: unknown command \"%s\"\n", argv[1]);
-    std::fputs(overview, stderr);
+        std::fprintf(stderr, "asciiexport: %s\n",
+                     QCoreApplication::translate("main", "unknown command \"%1\"").arg(command).toLocal8Bit().constData());
+    std::fputs(QCoreApplication::translate("main", overview).toLocal8Bit().constData(), stderr);
     return 2;
 }

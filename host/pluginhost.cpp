@@ -3,12 +3,31 @@
 #include <abstractexporterfactory.h>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
+
+namespace {
+
+constexpr char pluginFileName[] = "/libasciiexporter.so";
+
+} // namespace
 
 QString PluginHost::defaultPluginPath()
 {
-    return QFileInfo(QCoreApplication::applicationDirPath()
-                     + QStringLiteral("/../plugins/exporters/libasciiexporter.so")).absoluteFilePath();
+    // The user's folders first, so that a plug-in of one's own build can
+    // stand in for the installed one without touching the installation.
+    const QString searchPath = qEnvironmentVariable("ASCIIEXPORT_PLUGIN_PATH");
+    for (const QString &folder : searchPath.split(QLatin1Char(':'), Qt::SkipEmptyParts)) {
+        const QFileInfo file(folder + QLatin1String(pluginFileName));
+        if (file.exists())
+            return file.absoluteFilePath();
+    }
+    // An installed program has its plug-in under lib/, a built one beside
+    // its bin/ folder; the installed place is named when neither is there.
+    const QDir programDir(QCoreApplication::applicationDirPath());
+    const QFileInfo installed(programDir, QStringLiteral(INSTALLED_PLUGIN_DIR) + QLatin1String(pluginFileName));
+    const QFileInfo built(programDir, QStringLiteral(BUILD_PLUGIN_DIR) + QLatin1String(pluginFileName));
+    return QFileInfo(!installed.exists() && built.exists() ? built : installed).absoluteFilePath();
 }
 
 PluginHost::PluginHost(const QString &fileName)

@@ -14,7 +14,11 @@ class AbstractExporterFactory;
 class PluginHost
 {
 public:
-    /** The plug-in the program loads when none is named: beside the program. */
+    /**
+     * The plug-in the program loads when none is named: the first
+     * libasciiexporter.so in the folders of ASCIIEXPORT_PLUGIN_PATH
+     * (separated by colons), else the one installed or built with the program.
+     */
     static QString defaultPluginPath();
 
     explicit PluginHost(const QString &fileName);

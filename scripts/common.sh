@@ -4,11 +4,13 @@
 ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 BUILD_DIR=${BUILD_DIR:-$ROOT/build}
 
-# Debian packages the build and the tests need.
+# Debian packages the build and the tests need (dpkg-dev and file for the
+# Debian package's dependencies, pkg-config for the SDK's check).
 PACKAGES=(
     cmake g++ make
     qtbase5-dev qtbase5-dev-tools qttools5-dev qttools5-dev-tools
     rapidjson-dev libsimdjson-dev
+    dpkg-dev file pkg-config
 )
 
 # ensure_packages [extra packages...]

@@ -32,7 +32,7 @@ bool AsciiExporterFactory::pluginFlag() const
 
 QString AsciiExporterFactory::version() const
 {
-    return QStringLiteral("3.6");
+    return QStringLiteral(ASCIIEXPORTER_VERSION);
 }
 
 SettingsSynchronizer *AsciiExporterFactory::settings() const

@@ -48,8 +48,7 @@ void tst_Translations::descriptionsOfTheStore()
     QCOMPARE(store->description(QStringLiteral("exportRssi")), QStringLiteral("RSSI exportieren"));
     QCOMPARE(store->description(QStringLiteral("exportPacketCounter")),
              QString::fromUtf8("Paketz\u00e4hler exportieren"));
-    // a text without translation stays English
-    QCOMPARE(store->description(QStringLiteral("exportUtc")), QStringLiteral("Export 12 byte UTC Time"));
+    QCOMPARE(store->description(QStringLiteral("exportUtc")), QStringLiteral("12-Byte-UTC-Zeit exportieren"));
     // keys and defaults are data
     QCOMPARE(store->defaultSetting(QStringLiteral("exportOrientation")), QVariant(QStringLiteral("Euler")));
 }

@@ -1,0 +1,485 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE">
+<context>
+    <name>Commands</name>
+    <message>
+        <source>Try &apos;asciiexport %1 --help&apos;.</source>
+        <translation>Mehr mit „asciiexport %1 --help“.</translation>
+    </message>
+    <message>
+        <source>Show this help.</source>
+        <translation>Diese Hilfe zeigen.</translation>
+    </message>
+    <message>
+        <source>Show the versions of the program and the plug-in.</source>
+        <translation>Die Versionen des Programms und des Plug-ins zeigen.</translation>
+    </message>
+    <message>
+        <source>PATH</source>
+        <translation>PFAD</translation>
+    </message>
+    <message>
+        <source>The INI file that holds the settings (default: %1).</source>
+        <translation>Die INI-Datei mit den Einstellungen (Vorgabe: %1).</translation>
+    </message>
+    <message>
+        <source>FILE</source>
+        <translation>DATEI</translation>
+    </message>
+    <message>
+        <source>unexpected argument &quot;%1&quot;</source>
+        <translation>unerwartetes Argument „%1“</translation>
+    </message>
+    <message>
+        <source>%1: the settings cannot be read</source>
+        <translation>%1: Die Einstellungen können nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>%1: ignored: %2</source>
+        <translation>%1: übergangen: %2</translation>
+    </message>
+    <message>
+        <source>Change one setting for this run only; may be given again.</source>
+        <translation>Eine Einstellung nur für diesen Lauf ändern; darf mehrfach angegeben werden.</translation>
+    </message>
+    <message>
+        <source>KEY=VALUE</source>
+        <translation>SCHLÜSSEL=WERT</translation>
+    </message>
+    <message>
+        <source>Write exactly this file (one recording only).</source>
+        <translation>Genau diese Datei schreiben (nur eine Aufzeichnung).</translation>
+    </message>
+    <message>
+        <source>Write the files into this folder instead of beside the recordings.</source>
+        <translation>Die Dateien in diesen Ordner schreiben statt neben die Aufzeichnungen.</translation>
+    </message>
+    <message>
+        <source>DIR</source>
+        <translation>ORDNER</translation>
+    </message>
+    <message>
+        <source>Show progress even when standard error is not a terminal.</source>
+        <translation>Den Fortschritt auch zeigen, wenn die Standardfehlerausgabe kein Terminal ist.</translation>
+    </message>
+    <message>
+        <source>Show no progress.</source>
+        <translation>Keinen Fortschritt zeigen.</translation>
+    </message>
+    <message>
+        <source>Recordings to export (JSON Lines).</source>
+        <translation>Zu exportierende Aufzeichnungen (JSON Lines).</translation>
+    </message>
+    <message>
+        <source>Exports recordings as delimited text, one file per recording. The output file is named by the settings outputFileFormat and outputFileExtension unless --output is given.</source>
+        <translation>Exportiert Aufzeichnungen als Text mit Trennzeichen, eine Datei je Aufzeichnung. Die Ausgabedatei wird nach den Einstellungen outputFileFormat und outputFileExtension benannt, außer mit --output.</translation>
+    </message>
+    <message>
+        <source>no recording given</source>
+        <translation>keine Aufzeichnung angegeben</translation>
+    </message>
+    <message>
+        <source>--output and --output-dir exclude each other</source>
+        <translation>--output und --output-dir schließen einander aus</translation>
+    </message>
+    <message>
+        <source>--output takes one recording only; use --output-dir for several</source>
+        <translation>--output nimmt nur eine Aufzeichnung; für mehrere --output-dir verwenden</translation>
+    </message>
+    <message>
+        <source>--progress and --quiet exclude each other</source>
+        <translation>--progress und --quiet schließen einander aus</translation>
+    </message>
+    <message>
+        <source>--set takes KEY=VALUE, not &quot;%1&quot;</source>
+        <translation>--set nimmt SCHLÜSSEL=WERT, nicht „%1“</translation>
+    </message>
+    <message>
+        <source>%1 takes true, false, 1 or 0, not &quot;%2&quot;</source>
+        <translation>%1 nimmt true, false, 1 oder 0, nicht „%2“</translation>
+    </message>
+    <message>
+        <source>%1: the output file %2 was written for %3 already</source>
+        <translation>%1: Die Ausgabedatei %2 wurde schon für %3 geschrieben</translation>
+    </message>
+    <message>
+        <source>Lists every setting of the plug-in: its current value, its default and its description.</source>
+        <translation>Listet jede Einstellung des Plug-ins auf: ihren Wert, ihre Vorgabe und ihre Beschreibung.</translation>
+    </message>
+    <message>
+        <source>(none)</source>
+        <translation>(keiner)</translation>
+    </message>
+    <message>
+        <source>Shows the settings dialog with the plug-in&apos;s options page.</source>
+        <translation>Zeigt den Einstellungsdialog mit der Optionsseite des Plug-ins.</translation>
+    </message>
+    <message>
+        <source>Shows the plug-in&apos;s metadata, name, version and file extension.</source>
+        <translation>Zeigt die Metadaten, den Namen, die Version und die Dateiendung des Plug-ins.</translation>
+    </message>
+    <message>
+        <source>Plug-in</source>
+        <translation>Plug-in</translation>
+    </message>
+    <message>
+        <source>IID</source>
+        <translation>IID</translation>
+    </message>
+    <message>
+        <source>Class</source>
+        <translation>Klasse</translation>
+    </message>
+    <message>
+        <source>Built for Qt</source>
+        <translation>Gebaut für Qt</translation>
+    </message>
+    <message>
+        <source>Debug build</source>
+        <translation>Debug-Build</translation>
+    </message>
+    <message>
+        <source>yes</source>
+        <translation>ja</translation>
+    </message>
+    <message>
+        <source>no</source>
+        <translation>nein</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>File extension</source>
+        <translation>Dateiendung</translation>
+    </message>
+    <message>
+        <source>Number of samples (default 1000).</source>
+        <translation>Anzahl der Abtastwerte (Vorgabe 1000).</translation>
+    </message>
+    <message>
+        <source>N</source>
+        <translation>N</translation>
+    </message>
+    <message>
+        <source>Samples per second (default 100).</source>
+        <translation>Abtastwerte je Sekunde (Vorgabe 100).</translation>
+    </message>
+    <message>
+        <source>HZ</source>
+        <translation>HZ</translation>
+    </message>
+    <message>
+        <source>Comma-separated sample keys to write, or all (the default).</source>
+        <translation>Die zu schreibenden Schlüssel, durch Kommas getrennt, oder all (die Vorgabe).</translation>
+    </message>
+    <message>
+        <source>LIST</source>
+        <translation>LISTE</translation>
+    </message>
+    <message>
+        <source>Seed of the noise (default 1).</source>
+        <translation>Startwert des Rauschens (Vorgabe 1).</translation>
+    </message>
+    <message>
+        <source>S</source>
+        <translation>S</translation>
+    </message>
+    <message>
+        <source>The recording file to write.</source>
+        <translation>Die zu schreibende Aufzeichnungsdatei.</translation>
+    </message>
+    <message>
+        <source>Writes a synthetic recording: the same options give the same bytes. Keys: %1.</source>
+        <translation>Schreibt eine synthetische Aufzeichnung: Gleiche Optionen ergeben gleiche Bytes. Schlüssel: %1.</translation>
+    </message>
+    <message>
+        <source>--output is required</source>
+        <translation>--output ist erforderlich</translation>
+    </message>
+    <message>
+        <source>--samples takes a whole number of 0 or more</source>
+        <translation>--samples nimmt eine ganze Zahl ab 0</translation>
+    </message>
+    <message>
+        <source>--rate takes a number greater than 0</source>
+        <translation>--rate nimmt eine Zahl größer als 0</translation>
+    </message>
+    <message>
+        <source>--seed takes a whole number of 0 or more</source>
+        <translation>--seed nimmt eine ganze Zahl ab 0</translation>
+    </message>
+    <message>
+        <source>unknown sample key &quot;%1&quot;</source>
+        <translation>unbekannter Schlüssel „%1“</translation>
+    </message>
+    <message>
+        <source>%1: cannot be written: %2</source>
+        <translation>%1: kann nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>The plug-in file to load (default: %1, the first libasciiexporter.so in the folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).</source>
+        <translation>Die zu ladende Plug-in-Datei (Vorgabe: %1, die erste libasciiexporter.so in den Ordnern von ASCIIEXPORT_PLUGIN_PATH, sonst die mit dem Programm installierte).</translation>
+    </message>
+</context>
+<context>
+    <name>ExportJob</name>
+    <message>
+        <source>%1: the output file would replace the recording itself</source>
+        <translation>%1: Die Ausgabedatei würde die Aufzeichnung selbst ersetzen</translation>
+    </message>
+    <message>
+        <source>%1: cannot be written</source>
+        <translation>%1: kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>%1: cannot be written: the folder %2 no longer exists</source>
+        <translation>%1: kann nicht geschrieben werden: Den Ordner %2 gibt es nicht mehr</translation>
+    </message>
+    <message>
+        <source>%1: cannot be written: %2</source>
+        <translation>%1: kann nicht geschrieben werden: %2</translation>
+    </message>
+</context>
+<context>
+    <name>JsonTape</name>
+    <message>
+        <source>NUL byte at column %1</source>
+        <translation>NUL-Byte in Spalte %1</translation>
+    </message>
+    <message>
+        <source>lists and objects nested deeper than %1 levels</source>
+        <translation>Listen und Objekte tiefer als %1 Ebenen verschachtelt</translation>
+    </message>
+    <message>
+        <source>malformed JSON at column %1: %2</source>
+        <translation>fehlerhaftes JSON in Spalte %1: %2</translation>
+    </message>
+</context>
+<context>
+    <name>LineReader</name>
+    <message>
+        <source>cannot be read: %1</source>
+        <translation>kann nicht gelesen werden: %1</translation>
+    </message>
+</context>
+<context>
+    <name>PluginHost</name>
+    <message>
+        <source>%1: no such plug-in file</source>
+        <translation>%1: Diese Plug-in-Datei gibt es nicht</translation>
+    </message>
+    <message>
+        <source>%1: is a folder, not a plug-in file</source>
+        <translation>%1: ist ein Ordner, keine Plug-in-Datei</translation>
+    </message>
+    <message>
+        <source>%1: not a readable file</source>
+        <translation>%1: keine lesbare Datei</translation>
+    </message>
+    <message>
+        <source>%1: not a usable Qt plug-in: %2</source>
+        <translation>%1: kein brauchbares Qt-Plug-in: %2</translation>
+    </message>
+    <message>
+        <source>%1: not an exporter plug-in (it does not provide %2)</source>
+        <translation>%1: kein Exporter-Plug-in (es bietet %2 nicht an)</translation>
+    </message>
+</context>
+<context>
+    <name>RecordingGenerator</name>
+    <message>
+        <source>cannot write the recording: %1</source>
+        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
+    </message>
+    <message>
+        <source>the number of samples must not be negative</source>
+        <translation>die Anzahl der Abtastwerte darf nicht negativ sein</translation>
+    </message>
+    <message>
+        <source>the rate must be above 0 and at most 10000 Hz</source>
+        <translation>die Rate muss über 0 und höchstens 10000 Hz sein</translation>
+    </message>
+    <message>
+        <source>unknown sample key &quot;%1&quot;</source>
+        <translation>unbekannter Schlüssel „%1“</translation>
+    </message>
+</context>
+<context>
+    <name>RecordingReader</name>
+    <message>
+        <source>%1: is a directory, not a recording</source>
+        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
+    </message>
+    <message>
+        <source>%1: cannot be read: %2</source>
+        <translation>%1: kann nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>the line is longer than %1 bytes</source>
+        <translation>die Zeile ist länger als %1 Bytes</translation>
+    </message>
+    <message>
+        <source>expected a JSON object, got %1</source>
+        <translation>JSON-Objekt erwartet, %1 gefunden</translation>
+    </message>
+    <message>
+        <source>%1:%2: %3</source>
+        <translation>%1:%2: %3</translation>
+    </message>
+    <message>
+        <source>the file holds no recording object</source>
+        <translation>die Datei enthält kein Aufzeichnungsobjekt</translation>
+    </message>
+    <message>
+        <source>&quot;properties&quot;: expected an object, got %1</source>
+        <translation>„properties“: Objekt erwartet, %1 gefunden</translation>
+    </message>
+    <message>
+        <source>&quot;properties.%1&quot;: the key appears more than once</source>
+        <translation>„properties.%1“: Der Schlüssel kommt mehrfach vor</translation>
+    </message>
+    <message>
+        <source>&quot;properties.%1&quot;: expected a string, a number, a boolean or null, got %2</source>
+        <translation>„properties.%1“: Zeichenkette, Zahl, Wahrheitswert oder null erwartet, %2 gefunden</translation>
+    </message>
+    <message>
+        <source>the first line must be the recording object, with &quot;properties&quot;</source>
+        <translation>die erste Zeile muss das Aufzeichnungsobjekt mit „properties“ sein</translation>
+    </message>
+</context>
+<context>
+    <name>SampleReader</name>
+    <message>
+        <source>a list of 3 rows</source>
+        <translation>eine Liste aus 3 Zeilen</translation>
+    </message>
+    <message>
+        <source>a list of integers</source>
+        <translation>eine Liste ganzer Zahlen</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsDialog</name>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>The settings could not be saved.</source>
+        <translation>Die Einstellungen konnten nicht gespeichert werden.</translation>
+    </message>
+</context>
+<context>
+    <name>TapeFieldReader</name>
+    <message>
+        <source>a list</source>
+        <translation>eine Liste</translation>
+    </message>
+    <message>
+        <source>an integer</source>
+        <translation>eine ganze Zahl</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: %2 is not an integer</source>
+        <translation>„%1“: %2 ist keine ganze Zahl</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: %2 is out of range (%3..%4)</source>
+        <translation>„%1“: %2 liegt außerhalb des Bereichs (%3..%4)</translation>
+    </message>
+    <message>
+        <source>a number</source>
+        <translation>eine Zahl</translation>
+    </message>
+    <message>
+        <source>a list of %1 numbers</source>
+        <translation>eine Liste aus %1 Zahlen</translation>
+    </message>
+    <message>
+        <source>a string</source>
+        <translation>eine Zeichenkette</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: %2 is not an ISO 8601 date and time</source>
+        <translation>„%1“: %2 ist kein Datum mit Uhrzeit nach ISO 8601</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: expected %2, got %3</source>
+        <translation>„%1“: %2 erwartet, %3 gefunden</translation>
+    </message>
+    <message>
+        <source>null</source>
+        <translation>null</translation>
+    </message>
+    <message>
+        <source>a boolean</source>
+        <translation>ein Wahrheitswert</translation>
+    </message>
+    <message>
+        <source>an object</source>
+        <translation>ein Objekt</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: the key appears more than once</source>
+        <translation>„%1“: Der Schlüssel kommt mehrfach vor</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: expected %2, got %3 entries</source>
+        <translation>„%1“: %2 erwartet, %3 Einträge gefunden</translation>
+    </message>
+</context>
+<context>
+    <name>main</name>
+    <message>
+        <source>Usage: asciiexport COMMAND [options]
+
+Exports motion-tracker recordings as delimited text through the ASCII
+exporter plug-in, and edits its settings.
+
+Commands:
+  export     export recordings, one text file each
+  settings   list every setting: value, default, description
+  options    edit the settings in the settings dialog
+  info       show the plug-in&apos;s metadata, name, version and extension
+  generate   write a synthetic recording
+
+&apos;asciiexport COMMAND --help&apos; tells more about each command; &apos;asciiexport
+--version&apos; shows the versions of the program and the plug-in.
+</source>
+        <translation>Aufruf: asciiexport BEFEHL [Optionen]
+
+Exportiert Aufzeichnungen von Bewegungssensoren über das Plug-in
+„ASCII Exporter“ als Text mit Trennzeichen und bearbeitet seine Einstellungen.
+
+Befehle:
+  export     Aufzeichnungen exportieren, je eine Textdatei
+  settings   jede Einstellung auflisten: Wert, Vorgabe, Beschreibung
+  options    die Einstellungen im Einstellungsdialog bearbeiten
+  info       Metadaten, Name, Version und Dateiendung des Plug-ins zeigen
+  generate   eine synthetische Aufzeichnung schreiben
+
+„asciiexport BEFEHL --help“ sagt mehr über jeden Befehl; „asciiexport
+--version“ zeigt die Versionen des Programms und des Plug-ins.
+</translation>
+    </message>
+    <message>
+        <source>no command given</source>
+        <translation>kein Befehl angegeben</translation>
+    </message>
+    <message>
+        <source>unknown command &quot;%1&quot;</source>
+        <translation>unbekannter Befehl „%1“</translation>
+    </message>
+</context>
+</TS>
