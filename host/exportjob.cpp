@@ -102,10 +102,9 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, Prog
     notice = reader.readingNotice();
 
     if (reader.hasError()) {
-        QString message = reader.errorString();
         if (reader.hasBadLine())
-            message += QLatin1Char('\n') + tr("(--skip-bad-lines exports the good samples and skips the bad lines)");
-        return fail(message);
+            return fail(tr("%1 (--skip-bad-lines exports the other samples)").arg(reader.errorString()));
+        return fail(reader.errorString());
     }
     if (!file.commit()) {
         if (file.readerWentAway())

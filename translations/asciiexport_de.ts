@@ -40,20 +40,8 @@
         <translation>%1: übergangen: %2</translation>
     </message>
     <message>
-        <source>Change one setting for this run only; may be given again.</source>
-        <translation>Eine Einstellung nur für diesen Lauf ändern; darf mehrfach angegeben werden.</translation>
-    </message>
-    <message>
         <source>KEY=VALUE</source>
         <translation>SCHLÜSSEL=WERT</translation>
-    </message>
-    <message>
-        <source>Write exactly this file (one recording only).</source>
-        <translation>Genau diese Datei schreiben (nur eine Aufzeichnung).</translation>
-    </message>
-    <message>
-        <source>Write the files into this folder instead of beside the recordings.</source>
-        <translation>Die Dateien in diesen Ordner schreiben statt neben die Aufzeichnungen.</translation>
     </message>
     <message>
         <source>DIR</source>
@@ -66,14 +54,6 @@
     <message>
         <source>Show no progress.</source>
         <translation>Keinen Fortschritt zeigen.</translation>
-    </message>
-    <message>
-        <source>Recordings to export (JSON Lines).</source>
-        <translation>Zu exportierende Aufzeichnungen (JSON Lines).</translation>
-    </message>
-    <message>
-        <source>Exports recordings as delimited text, one file per recording. The output file is named by the settings outputFileFormat and outputFileExtension unless --output is given.</source>
-        <translation>Exportiert Aufzeichnungen als Text mit Trennzeichen, eine Datei je Aufzeichnung. Die Ausgabedatei wird nach den Einstellungen outputFileFormat und outputFileExtension benannt, außer mit --output.</translation>
     </message>
     <message>
         <source>no recording given</source>
@@ -192,10 +172,6 @@
         <translation>S</translation>
     </message>
     <message>
-        <source>The recording file to write.</source>
-        <translation>Die zu schreibende Aufzeichnungsdatei.</translation>
-    </message>
-    <message>
         <source>Writes a synthetic recording: the same options give the same bytes. Keys: %1.</source>
         <translation>Schreibt eine synthetische Aufzeichnung: Gleiche Optionen ergeben gleiche Bytes. Schlüssel: %1.</translation>
     </message>
@@ -231,6 +207,136 @@
         <source>The plug-in file to load (default: %1, the first libasciiexporter.so in the folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).</source>
         <translation>Die zu ladende Plug-in-Datei (Vorgabe: %1, die erste libasciiexporter.so in den Ordnern von ASCIIEXPORT_PLUGIN_PATH, sonst die mit dem Programm installierte).</translation>
     </message>
+    <message>
+        <source>not one of Euler, Matrix, Quaternion and None: the plug-in writes no orientation columns</source>
+        <translation>keines von Euler, Matrix, Quaternion und None: Das Plug-in schreibt keine Spalten der Orientierung</translation>
+    </message>
+    <message>
+        <source>not one of true, false, 1 and 0: the plug-in reads it as true</source>
+        <translation>keines von true, false, 1 und 0: Das Plug-in liest es als true</translation>
+    </message>
+    <message>
+        <source>not one of true, false, 1 and 0: the plug-in reads it as false</source>
+        <translation>keines von true, false, 1 und 0: Das Plug-in liest es als false</translation>
+    </message>
+    <message>
+        <source>Change one setting for this run only; may be given again. An unknown key is an error.</source>
+        <translation>Eine Einstellung nur für diesen Lauf ändern; darf mehrfach angegeben werden. Ein unbekannter Schlüssel ist ein Fehler.</translation>
+    </message>
+    <message>
+        <source>Refuse setting values that the options page cannot make, instead of warning about them.</source>
+        <translation>Werte von Einstellungen, die die Optionsseite nicht erzeugen kann, zurückweisen, statt vor ihnen zu warnen.</translation>
+    </message>
+    <message>
+        <source>Write exactly this file (one recording only); - writes to standard output.</source>
+        <translation>Genau diese Datei schreiben (nur eine Aufzeichnung); - schreibt in die Standardausgabe.</translation>
+    </message>
+    <message>
+        <source>Write the files into this folder, made if need be, instead of beside the recordings.</source>
+        <translation>Die Dateien in diesen Ordner schreiben, der bei Bedarf angelegt wird, statt neben die Aufzeichnungen.</translation>
+    </message>
+    <message>
+        <source>Export the good samples of a damaged recording: warn about each bad line and go on.</source>
+        <translation>Die guten Abtastwerte einer beschädigten Aufzeichnung exportieren: vor jeder fehlerhaften Zeile warnen und weitermachen.</translation>
+    </message>
+    <message>
+        <source>Recordings to export (JSON Lines or UBX logs); - reads one from standard input.</source>
+        <translation>Zu exportierende Aufzeichnungen (JSON Lines oder UBX-Logs); - liest eine aus der Standardeingabe.</translation>
+    </message>
+    <message>
+        <source>Exports recordings as delimited text, one file per recording. The output file is named by the settings outputFileFormat and outputFileExtension unless --output is given.
+Exit status: 0 when every recording was exported, 1 when one failed, 2 for a usage error (an unknown option or setting key, a value a setting cannot take).</source>
+        <translation>Exportiert Aufzeichnungen als Text mit Trennzeichen, eine Datei je Aufzeichnung. Die Ausgabedatei wird nach den Einstellungen outputFileFormat und outputFileExtension benannt, außer --output ist angegeben.
+Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug, 2 bei einem Aufruffehler (eine unbekannte Option oder Einstellung, ein Wert, den eine Einstellung nicht annimmt).</translation>
+    </message>
+    <message>
+        <source>standard input (-) can be read once only</source>
+        <translation>die Standardeingabe (-) kann nur einmal gelesen werden</translation>
+    </message>
+    <message>
+        <source>--output takes a file name, or - for standard output</source>
+        <translation>--output nimmt einen Dateinamen, oder - für die Standardausgabe</translation>
+    </message>
+    <message>
+        <source>--output-dir takes a folder name</source>
+        <translation>--output-dir nimmt einen Ordnernamen</translation>
+    </message>
+    <message>
+        <source>unknown setting &quot;%1&quot;; did you mean &quot;%2&quot;?</source>
+        <translation>unbekannte Einstellung „%1“; war „%2“ gemeint?</translation>
+    </message>
+    <message>
+        <source>--set %1=%2: %3</source>
+        <translation>--set %1=%2: %3</translation>
+    </message>
+    <message>
+        <source>%1: %2=%3: %4</source>
+        <translation>%1: %2=%3: %4</translation>
+    </message>
+    <message>
+        <source>asciiexport export: warning: %1</source>
+        <translation>asciiexport export: Warnung: %1</translation>
+    </message>
+    <message>
+        <source>%1: the folder cannot be made: %2</source>
+        <translation>%1: Der Ordner kann nicht angelegt werden: %2</translation>
+    </message>
+    <message>
+        <source>%1: the output file %2 would replace a recording of this run</source>
+        <translation>%1: Die Ausgabedatei %2 würde eine Aufzeichnung dieses Laufs ersetzen</translation>
+    </message>
+    <message>
+        <source>%1: samples written: %2, bad lines skipped: %3</source>
+        <translation>%1: geschriebene Abtastwerte: %2, übersprungene fehlerhafte Zeilen: %3</translation>
+    </message>
+    <message>
+        <source>Show what this recording or UBX log holds instead.</source>
+        <translation>Stattdessen zeigen, was diese Aufzeichnung oder dieses UBX-Log enthält.</translation>
+    </message>
+    <message>
+        <source>The recording file to write; - writes to standard output.</source>
+        <translation>Die zu schreibende Aufzeichnungsdatei; - schreibt in die Standardausgabe.</translation>
+    </message>
+    <message>
+        <source>jsonl (the default), or ubx for a receiver log of --samples navigation epochs at --rate a second.</source>
+        <translation>jsonl (die Vorgabe), oder ubx für ein Empfänger-Log aus --samples Navigationsepochen, --rate je Sekunde.</translation>
+    </message>
+    <message>
+        <source>FORMAT</source>
+        <translation>FORMAT</translation>
+    </message>
+    <message>
+        <source>--format takes jsonl or ubx, not &quot;%1&quot;</source>
+        <translation>--format nimmt jsonl oder ubx, nicht „%1“</translation>
+    </message>
+    <message>
+        <source>--groups applies to JSON Lines recordings only</source>
+        <translation>--groups gilt nur für Aufzeichnungen in JSON Lines</translation>
+    </message>
+    <message>
+        <source>(standard output)</source>
+        <translation>(Standardausgabe)</translation>
+    </message>
+    <message>
+        <source>The JSON Lines recording to write; - writes to standard output.</source>
+        <translation>Die zu schreibende Aufzeichnung in JSON Lines; - schreibt in die Standardausgabe.</translation>
+    </message>
+    <message>
+        <source>The UBX receiver log to convert.</source>
+        <translation>Das umzuwandelnde UBX-Empfänger-Log.</translation>
+    </message>
+    <message>
+        <source>Writes a UBX receiver log as a recording in the JSON Lines format, which exports to the same bytes as the log.</source>
+        <translation>Schreibt ein UBX-Empfänger-Log als Aufzeichnung im Format JSON Lines, die beim Export dieselben Bytes ergibt wie das Log.</translation>
+    </message>
+    <message>
+        <source>give one log</source>
+        <translation>ein Log angeben</translation>
+    </message>
+    <message>
+        <source>%1: is not a UBX log</source>
+        <translation>%1: ist kein UBX-Log</translation>
+    </message>
 </context>
 <context>
     <name>ExportJob</name>
@@ -239,16 +345,28 @@
         <translation>%1: Die Ausgabedatei würde die Aufzeichnung selbst ersetzen</translation>
     </message>
     <message>
-        <source>%1: cannot be written</source>
-        <translation>%1: kann nicht geschrieben werden</translation>
-    </message>
-    <message>
-        <source>%1: cannot be written: the folder %2 no longer exists</source>
-        <translation>%1: kann nicht geschrieben werden: Den Ordner %2 gibt es nicht mehr</translation>
-    </message>
-    <message>
         <source>%1: cannot be written: %2</source>
         <translation>%1: kann nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>%1 (a recording cannot be salvaged without its first line, the recording object)</source>
+        <translation>%1 (ohne ihre erste Zeile, das Aufzeichnungsobjekt, ist eine Aufzeichnung nicht zu retten)</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>%1 (skipped)</source>
+        <translation>%1 (übersprungen)</translation>
+    </message>
+    <message>
+        <source>%1 (--skip-bad-lines exports the other samples)</source>
+        <translation>%1 (--skip-bad-lines exportiert die übrigen Abtastwerte)</translation>
+    </message>
+    <message>
+        <source>(standard input)</source>
+        <translation>(Standardeingabe)</translation>
     </message>
 </context>
 <context>
@@ -274,6 +392,24 @@
     </message>
 </context>
 <context>
+    <name>OutputFile</name>
+    <message>
+        <source>the folder %1 no longer exists</source>
+        <translation>der Ordner %1 existiert nicht mehr</translation>
+    </message>
+</context>
+<context>
+    <name>OutputNamer</name>
+    <message>
+        <source>%1: the output file name pattern &quot;%2&quot; gives the file name &quot;%3&quot; for this recording, which names no file</source>
+        <translation>%1: Das Muster des Ausgabedateinamens „%2“ ergibt für diese Aufzeichnung den Dateinamen „%3“, der keine Datei benennt</translation>
+    </message>
+    <message>
+        <source>%1: the output file name pattern &quot;%2&quot; gives the folder name &quot;%3&quot; for this recording; a recording&apos;s properties may not remove or climb a folder level</source>
+        <translation>%1: Das Muster des Ausgabedateinamens „%2“ ergibt für diese Aufzeichnung den Ordnernamen „%3“; die Eigenschaften einer Aufzeichnung dürfen keine Ordnerebene entfernen oder verlassen</translation>
+    </message>
+</context>
+<context>
     <name>PluginHost</name>
     <message>
         <source>%1: no such plug-in file</source>
@@ -294,6 +430,13 @@
     <message>
         <source>%1: not an exporter plug-in (it does not provide %2)</source>
         <translation>%1: kein Exporter-Plug-in (es bietet %2 nicht an)</translation>
+    </message>
+</context>
+<context>
+    <name>RecordingConverter</name>
+    <message>
+        <source>cannot write the recording: %1</source>
+        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
     </message>
 </context>
 <context>
@@ -356,6 +499,101 @@
     <message>
         <source>the first line must be the recording object, with &quot;properties&quot;</source>
         <translation>die erste Zeile muss das Aufzeichnungsobjekt mit „properties“ sein</translation>
+    </message>
+    <message>
+        <source>&quot;properties.%1&quot;: the text holds a line break or a NUL character</source>
+        <translation>„properties.%1“: Der Text enthält einen Zeilenumbruch oder ein NUL-Zeichen</translation>
+    </message>
+</context>
+<context>
+    <name>RecordingReport</name>
+    <message>
+        <source>Recording</source>
+        <translation>Aufzeichnung</translation>
+    </message>
+    <message>
+        <source>Format</source>
+        <translation>Format</translation>
+    </message>
+    <message>
+        <source>UBX receiver log</source>
+        <translation>UBX-Empfänger-Log</translation>
+    </message>
+    <message>
+        <source>JSON Lines</source>
+        <translation>JSON Lines</translation>
+    </message>
+    <message>
+        <source>Bytes</source>
+        <translation>Bytes</translation>
+    </message>
+    <message>
+        <source>Frames</source>
+        <translation>Frames</translation>
+    </message>
+    <message>
+        <source>%1 (%2 bytes)</source>
+        <translation>%1 (%2 Bytes)</translation>
+    </message>
+    <message>
+        <source>Bad checksums</source>
+        <translation>Falsche Prüfsummen</translation>
+    </message>
+    <message>
+        <source>Cut short at end</source>
+        <translation>Am Ende abgeschnitten</translation>
+    </message>
+    <message>
+        <source>Bytes skipped</source>
+        <translation>Übersprungene Bytes</translation>
+    </message>
+    <message>
+        <source>Messages used:</source>
+        <translation>Verwendete Nachrichten:</translation>
+    </message>
+    <message>
+        <source>Messages not used:</source>
+        <translation>Nicht verwendete Nachrichten:</translation>
+    </message>
+    <message>
+        <source>Wrong length</source>
+        <translation>Falsche Länge</translation>
+    </message>
+    <message>
+        <source>Repeated</source>
+        <translation>Wiederholt</translation>
+    </message>
+    <message>
+        <source>Epochs</source>
+        <translation>Epochen</translation>
+    </message>
+    <message>
+        <source>%1 (iTOW %2 to %3 ms)</source>
+        <translation>%1 (iTOW %2 bis %3 ms)</translation>
+    </message>
+    <message>
+        <source>Satellites</source>
+        <translation>Satelliten</translation>
+    </message>
+    <message>
+        <source>%1 GPS in NAV-SVINFO, %2 GNSS in NAV-SAT</source>
+        <translation>%1 GPS in NAV-SVINFO, %2 GNSS in NAV-SAT</translation>
+    </message>
+    <message>
+        <source>Samples</source>
+        <translation>Abtastwerte</translation>
+    </message>
+    <message>
+        <source>Update rate</source>
+        <translation>Aktualisierungsrate</translation>
+    </message>
+    <message>
+        <source>%1 Hz</source>
+        <translation>%1 Hz</translation>
+    </message>
+    <message>
+        <source>not known</source>
+        <translation>unbekannt</translation>
     </message>
 </context>
 <context>
@@ -440,7 +678,49 @@
     </message>
 </context>
 <context>
+    <name>UbxFrameScanner</name>
+    <message>
+        <source>cannot keep a copy of the data: %1</source>
+        <translation>keine Kopie der Daten möglich: %1</translation>
+    </message>
+</context>
+<context>
+    <name>UbxReader</name>
+    <message>
+        <source>%1: is a directory, not a recording</source>
+        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
+    </message>
+    <message>
+        <source>%1: cannot be read: %2</source>
+        <translation>%1: kann nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>%1: cannot make a temporary copy: %2</source>
+        <translation>%1: keine temporäre Kopie möglich: %2</translation>
+    </message>
+    <message>
+        <source>%1: holds no UBX frame with a good checksum</source>
+        <translation>%1: enthält keinen UBX-Frame mit richtiger Prüfsumme</translation>
+    </message>
+    <message>
+        <source>%1: the log changed while it was read</source>
+        <translation>%1: Das Log hat sich beim Lesen geändert</translation>
+    </message>
+    <message>
+        <source>%1: skipped %2 of %3 bytes outside good UBX frames (%4 frames with a bad checksum, %5 cut short at the end)</source>
+        <translation>%1: %2 von %3 Bytes außerhalb guter UBX-Frames übersprungen (%4 Frames mit falscher Prüfsumme, %5 am Ende abgeschnitten)</translation>
+    </message>
+</context>
+<context>
     <name>main</name>
+    <message>
+        <source>no command given</source>
+        <translation>kein Befehl angegeben</translation>
+    </message>
+    <message>
+        <source>unknown command &quot;%1&quot;</source>
+        <translation>unbekannter Befehl „%1“</translation>
+    </message>
     <message>
         <source>Usage: asciiexport COMMAND [options]
 
@@ -453,6 +733,7 @@ Commands:
   options    edit the settings in the settings dialog
   info       show the plug-in&apos;s metadata, name, version and extension
   generate   write a synthetic recording
+  convert    write a UBX receiver log as a JSON Lines recording
 
 &apos;asciiexport COMMAND --help&apos; tells more about each command; &apos;asciiexport
 --version&apos; shows the versions of the program and the plug-in.
@@ -468,18 +749,11 @@ Befehle:
   options    die Einstellungen im Einstellungsdialog bearbeiten
   info       Metadaten, Name, Version und Dateiendung des Plug-ins zeigen
   generate   eine synthetische Aufzeichnung schreiben
+  convert    ein UBX-Empfänger-Log als Aufzeichnung in JSON Lines schreiben
 
 „asciiexport BEFEHL --help“ sagt mehr über jeden Befehl; „asciiexport
 --version“ zeigt die Versionen des Programms und des Plug-ins.
 </translation>
-    </message>
-    <message>
-        <source>no command given</source>
-        <translation>kein Befehl angegeben</translation>
-    </message>
-    <message>
-        <source>unknown command &quot;%1&quot;</source>
-        <translation>unbekannter Befehl „%1“</translation>
     </message>
 </context>
 </TS>

@@ -26,7 +26,7 @@ import shutil
 import subprocess
 import sys
 
-COMMANDS = ["export", "settings", "options", "info", "generate"]
+COMMANDS = ["export", "convert", "settings", "options", "info", "generate"]
 
 
 def fail(message):
