@@ -13,6 +13,7 @@ epoch), exporting it with the raw GPS and GNSS groups, and converting it to
 JSON Lines, in MB/s of the log, with peak memory.
 
 Usage: run_bench.py BUILD_DIR [ROWS [SAMPLES [NUMBERS [EPOCHS]]]]
+       run_bench.py BUILD_DIR reader [SAMPLES]  (the reading side only)
        run_bench.py BUILD_DIR ubx [EPOCHS]      (the UBX log only)
 """
 
@@ -212,6 +213,8 @@ def main():
     build = sys.argv[1]
     if len(sys.argv) > 2 and sys.argv[2] == "ubx":
         return 0 if ubx_section(build, int(sys.argv[3]) if len(sys.argv) > 3 else 100000) else 1
+    if len(sys.argv) > 2 and sys.argv[2] == "reader":
+        return 0 if reader_section(build, int(sys.argv[3]) if len(sys.argv) > 3 else 300000) else 1
     rows = int(sys.argv[2]) if len(sys.argv) > 2 else 1000000
     samples = int(sys.argv[3]) if len(sys.argv) > 3 else 300000
     numbers = int(sys.argv[4]) if len(sys.argv) > 4 else 100000000

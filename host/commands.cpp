@@ -1,15 +1,18 @@
 #include "commands.h"
 
 #include "exportjob.h"
+#include "groupselection.h"
 #include "localfilepath.h"
 #include "outputfile.h"
 #include "outputnamer.h"
+#include "parallelexports.h"
 #include "pluginhost.h"
 #include "progressbar.h"
 #include "recordingconverter.h"
 #include "recordinggenerator.h"
 #include "recordinginput.h"
 #include "recordingreport.h"
+#include "sampleselection.h"
 #include "samplereader.h"
 #include "settingsdialog.h"
 #include "ubxgenerator.h"
@@ -281,10 +284,30 @@ int exportRecordings(const QStringList &arguments)
     const QCommandLineOption skipBadLines(QStringLiteral("skip-bad-lines"),
                                           tr("Export the good samples of a damaged recording: warn about each "
                                              "bad line and go on."));
+    const QCommandLineOption groups(QStringLiteral("groups"),
+                                    tr("The data groups to export, comma-separated, as the options page names "
+                                       "them (such as \"packet counter,rate of turn,quaternion\"), or all or "
+                                       "none; --set goes on from there."),
+                                    tr("LIST"));
+    const QCommandLineOption from(QStringLiteral("from"),
+                                  tr("Export from this sample on: an index (0 is the first sample) or seconds "
+                                     "from the start such as 12.5s."),
+                                  tr("WHERE"));
+    const QCommandLineOption to(QStringLiteral("to"),
+                                tr("Export up to this sample, which is not exported itself: an index or "
+                                   "seconds from the start."),
+                                tr("WHERE"));
+    const QCommandLineOption every(QStringLiteral("every"), tr("Export every N-th of these samples."), tr("N"));
+    const QCommandLineOption jobs(QStringLiteral("jobs"),
+                                  tr("Export up to N recordings at a time, each in a process of its own; the "
+                                     "files and messages are those of one export after another."),
+                                  tr("N"));
     const QCommandLineOption progress(QStringLiteral("progress"),
                                       tr("Show progress even when standard error is not a terminal."));
-    const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")}, tr("Show no progress."));
-    parser.addOptions({plugin, settings, set, strict, output, outputDir, skipBadLines, progress, quiet});
+    const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")},
+                                   tr("Show no progress, and do not name the files written."));
+    parser.addOptions({plugin, settings, set, strict, groups, from, to, every, output, outputDir, skipBadLines,
+                       jobs, progress, quiet});
     parser.addPositionalArgument(QStringLiteral("RECORDING"),
                                  tr("Recordings to export (JSON Lines or UBX logs); - reads one from standard "
                                     "input."),
@@ -315,6 +338,29 @@ int exportRecordings(const QStringList &arguments)
         return usageError(command, tr("--output takes one recording only; use --output-dir for several"));
     if (parser.isSet(progress) && parser.isSet(quiet))
         return usageError(command, tr("--progress and --quiet exclude each other"));
+    SampleSelection selection;
+    QString problem;
+    if (parser.isSet(from) && !SampleSelection::parseBound(parser.value(from), &selection.from, &problem))
+        return usageError(command, QStringLiteral("--from ") + problem);
+    if (parser.isSet(to) && !SampleSelection::parseBound(parser.value(to), &selection.to, &problem))
+        return usageError(command, QStringLiteral("--to ") + problem);
+    if (selection.from.kind == selection.to.kind && selection.to.kind != SampleSelection::Bound::Kind::None
+        && selection.from.value >= selection.to.value)
+        return usageError(command, tr("--from must come before --to"));
+    bool ok = true;
+    if (parser.isSet(every)) {
+        selection.every = parser.value(every).toLongLong(&ok);
+        if (!ok || selection.every < 1)
+            return usageError(command, tr("--every takes a whole number of 1 or more"));
+    }
+    int jobCount = 1;
+    if (parser.isSet(jobs)) {
+        jobCount = parser.value(jobs).toInt(&ok);
+        if (!ok || jobCount < 1)
+            return usageError(command, tr("--jobs takes a whole number of 1 or more"));
+        if (jobCount > 1 && recordings.contains(QStringLiteral("-")))
+            return usageError(command, tr("--jobs cannot share standard input (-) between processes"));
+    }
     QList<QPair<QString, QString>> changes;
     for (const QString &change : parser.values(set)) {
         const int equals = change.indexOf(QLatin1Char('='));
@@ -329,6 +375,8 @@ int exportRecordings(const QStringList &arguments)
         return 1;
     AbstractExporterFactory *factory = host.factory();
     SettingsSynchronizer *store = factory->settings();
+    if (parser.isSet(groups) && !GroupSelection::apply(parser.value(groups), store, &problem))
+        return usageError(command, problem);
     const QStringList knownKeys = knownSettingKeys(store);
     // Odd values are warned about, or refused with --strict; the plug-in
     // reads them as it always does.
@@ -378,39 +426,55 @@ int exportRecordings(const QStringList &arguments)
     const OutputNamer namer(store->setting(QStringLiteral("outputFileFormat")).toString(),
                             factory->fileExtension(), parser.value(outputDir), QDateTime::currentDateTime());
     QHash<QString, QString> written;  // output file -> recording
+    const auto outputName = [&](int i, const QVariantMap &properties, QString *problem) {
+        const QString &recording = recordings.at(i);
+        if (parser.isSet(output) && parser.value(output) == OutputFile::standardOutputName())
+            return OutputFile::standardOutputName();
+        const QString file = parser.isSet(output)
+            ? QFileInfo(localFilePath(parser.value(output))).absoluteFilePath()
+            : namer.fileName(recording, i + 1, properties, problem);
+        if (file.isEmpty())
+            return QString();
+        if (written.contains(file)) {
+            *problem = tr("%1: the output file %2 was written for %3 already").arg(recording, file, written.value(file));
+            return QString();
+        }
+        // A later recording of the batch must still be there when its turn comes.
+        const QFileInfo target(file);
+        if (target.exists() && recordingFiles.contains(target.canonicalFilePath())
+            && target.canonicalFilePath() != QFileInfo(recording).canonicalFilePath()) {
+            *problem = tr("%1: the output file %2 would replace a recording of this run").arg(recording, file);
+            return QString();
+        }
+        written.insert(file, recording);
+        return file;
+    };
+
     ExportJob job(factory);
-    job.setSkipBadLines(parser.isSet(skipBadLines), [](const QString &warning) { printError(warning); });
-    for (int i = 0; i < recordings.size(); ++i) {
+    job.setSelection(selection);
+    job.setSkipBadLines(parser.isSet(skipBadLines), [&bar](const QString &warning) {
+        bar.clear();
+        printError(warning);
+    });
+    // Names given beforehand, when the exports run side by side; a problem
+    // instead of a name where the recording must not be exported.
+    QVector<QPair<QString, QString>> givenNames;
+    // Exports one recording, says on standard error what there is to say and
+    // gives the exit status.
+    const auto exportOne = [&](int i, const ExportJob::Progress &followReading) {
         const QString &recording = recordings.at(i);
         const auto name = [&](const QVariantMap &properties, QString *problem) {
-            if (parser.isSet(output) && parser.value(output) == OutputFile::standardOutputName())
-                return OutputFile::standardOutputName();
-            const QString file = parser.isSet(output)
-                ? QFileInfo(localFilePath(parser.value(output))).absoluteFilePath()
-                : namer.fileName(recording, i + 1, properties, problem);
-            if (file.isEmpty())
-                return QString();
-            if (written.contains(file)) {
-                *problem = tr("%1: the output file %2 was written for %3 already")
-                               .arg(recording, file, written.value(file));
-                return QString();
-            }
-            // A later recording of the batch must still be there when its turn comes.
-            const QFileInfo target(file);
-            if (target.exists() && recordingFiles.contains(target.canonicalFilePath())
-                && target.canonicalFilePath() != QFileInfo(recording).canonicalFilePath()) {
-                *problem = tr("%1: the output file %2 would replace a recording of this run")
-                               .arg(recording, file);
-                return QString();
-            }
-            written.insert(file, recording);
-            return file;
+            if (givenNames.isEmpty())
+                return outputName(i, properties, problem);
+            *problem = givenNames.at(i).second;
+            return givenNames.at(i).first;
         };
-        const bool done = job.run(recording, name, showProgress ? &bar : nullptr);
+        const bool done = job.run(recording, name, followReading);
         bar.clear();
+        const QString shownName = recording == QLatin1String("-") ? ExportJob::standardInputName() : recording;
         if (job.linesSkipped() > 0) {
             printError(tr("%1: samples written: %2, bad lines skipped: %3")
-                           .arg(recording == QLatin1String("-") ? ExportJob::standardInputName() : recording)
+                           .arg(shownName)
                            .arg(job.samplesWritten())
                            .arg(job.linesSkipped()));
         }
@@ -419,8 +483,50 @@ int exportRecordings(const QStringList &arguments)
         if (!done) {
             if (!job.errorString().isEmpty())
                 printError(job.errorString());
-            status = 1;
+            return 1;
         }
+        // Standard output is the file itself; any other file is named.
+        if (!parser.isSet(quiet) && job.outputFile() != OutputFile::standardOutputName())
+            printError(tr("%1 -> %2").arg(shownName, job.outputFile()));
+        return 0;
+    };
+
+    if (jobCount > 1 && recordings.size() > 1) {
+        // The names are worked out here, in the order of the command line, so
+        // that the same recordings clash as they would one after another.
+        QVector<qint64> sizes;
+        for (int i = 0; i < recordings.size(); ++i) {
+            RecordingInput input;
+            QString nameProblem;
+            const QString name = input.open(recordings.at(i)) ? outputName(i, input.properties(), &nameProblem)
+                                                               : QString();
+            givenNames.append({name, nameProblem});
+            sizes.append(QFileInfo(recordings.at(i)).isFile() ? QFileInfo(recordings.at(i)).size() : 0);
+        }
+        const QString label = tr("%1 recordings").arg(recordings.size());
+        return ParallelExports::run(
+            sizes, jobCount, [&exportOne](int i, const ParallelExports::TaskProgress &report) {
+                return exportOne(i, [&report](qint64 position, qint64) { report(position); });
+            },
+            [&](qint64 done, qint64 total) {
+                if (showProgress)
+                    bar.update(label, done, total);
+            },
+            [&bar](const QByteArray &text) {
+                bar.clear();
+                std::fwrite(text.constData(), 1, std::size_t(text.size()), stderr);
+                std::fflush(stderr);
+            });
+    }
+
+    for (int i = 0; i < recordings.size(); ++i) {
+        const QString label = recordings.at(i) == QLatin1String("-") ? ExportJob::standardInputName()
+                                                                     : QFileInfo(recordings.at(i)).fileName();
+        const auto followReading = [&](qint64 position, qint64 size) {
+            if (showProgress)
+                bar.update(label, position, size);
+        };
+        status = std::max(status, exportOne(i, followReading));
     }
     return status;
 }

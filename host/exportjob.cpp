@@ -1,7 +1,6 @@
 #include "exportjob.h"
 
 #include "outputfile.h"
-#include "progressbar.h"
 #include "recordinginput.h"
 #include "recordingsource.h"
 
@@ -32,9 +31,15 @@ bool ExportJob::fail(const QString &message)
     return false;
 }
 
-bool ExportJob::run(const QString &recording, const OutputName &outputName, ProgressBar *progress)
+void ExportJob::setSelection(const SampleSelection &samples)
+{
+    selection = samples;
+}
+
+bool ExportJob::run(const QString &recording, const OutputName &outputName, const Progress &progress)
 {
     error.clear();
+    output.clear();
     written = 0;
     skipped = 0;
     notice.clear();
@@ -54,7 +59,7 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, Prog
     }
 
     QString problem;
-    const QString output = outputName(reader.properties(), &problem);
+    output = outputName(reader.properties(), &problem);
     if (output.isEmpty())
         return fail(problem);
     if (!fromStandardInput && output != OutputFile::standardOutputName()) {
@@ -78,24 +83,35 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, Prog
         return fail(tr("%1: %2").arg(what, file.errorString()));
     }
 
-    const QString label = fromStandardInput ? standardInputName() : QFileInfo(recording).fileName();
-    for (;;) {
+    // The update rate is known once the recording object is read.
+    const double rate = reader.updateRate();
+    if (selection.needsRate() && !(rate > 0.0)) {
+        exporter->finish();
+        return fail(tr("%1: gives no update rate, so --from and --to cannot be in seconds")
+                        .arg(fromStandardInput ? standardInputName() : recording));
+    }
+    const bool everything = selection.isEverything();
+    qint64 index = 0;  // of the sample read last
+    for (;; ++index) {
+        if (!everything && selection.isPastEnd(index, rate))
+            break;
         if (reader.readNext()) {
-            exporter->writeSample();
-            ++written;
+            if (everything || selection.selects(index, rate)) {
+                exporter->writeSample();
+                ++written;
+            }
         } else if (skipBadLines && reader.hasBadLine()) {
             const QString message = reader.errorString();
             reader.skipBadLine();
             ++skipped;
-            if (progress)
-                progress->clear();
+            --index;  // a bad line is not a sample
             warning(tr("%1 (skipped)").arg(message));
             continue;
         } else {
             break;
         }
         if (progress)
-            progress->update(label, reader.position(), reader.size());
+            progress(reader.position(), reader.size());
     }
     exporter->finish();
     exporter.reset();
@@ -117,6 +133,11 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, Prog
 QString ExportJob::errorString() const
 {
     return error;
+}
+
+QString ExportJob::outputFile() const
+{
+    return output;
 }
 
 qint64 ExportJob::samplesWritten() const

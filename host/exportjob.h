@@ -6,8 +6,9 @@
 
 #include <functional>
 
+#include "sampleselection.h"
+
 class AbstractExporterFactory;
-class ProgressBar;
 
 /**
  * Exports one recording into one file through the plug-in, as the desktop
@@ -28,6 +29,8 @@ public:
      */
     using OutputName = std::function<QString(const QVariantMap &properties, QString *problem)>;
     using WarningHandler = std::function<void(const QString &text)>;
+    /** Follows the reading: how far it has come, of how many bytes (0 when not known). */
+    using Progress = std::function<void(qint64 position, qint64 size)>;
 
     explicit ExportJob(AbstractExporterFactory *factory);
 
@@ -38,15 +41,20 @@ public:
      */
     void setSkipBadLines(bool skip, const WarningHandler &warning);
 
+    /** Exports only these samples of each recording. */
+    void setSelection(const SampleSelection &samples);
+
     /**
      * Exports @p recording ("-" for standard input) into the file that
      * @p outputName gives. Returns false on failure; errorString() then holds
      * what to tell the user, which is empty when the reader of a pipe went
      * away. @p progress, when given, follows the reading.
      */
-    bool run(const QString &recording, const OutputName &outputName, ProgressBar *progress);
+    bool run(const QString &recording, const OutputName &outputName, const Progress &progress);
 
     QString errorString() const;
+    /** The output file of the last run, once it was named. */
+    QString outputFile() const;
     /** Samples written and bad lines skipped by the last run. */
     qint64 samplesWritten() const;
     qint64 linesSkipped() const;
@@ -62,7 +70,9 @@ private:
     AbstractExporterFactory *factory;
     bool skipBadLines = false;
     WarningHandler warning;
+    SampleSelection selection;
     QString error;
+    QString output;
     qint64 written = 0;
     qint64 skipped = 0;
     QString notice;

@@ -52,10 +52,6 @@
         <translation>Den Fortschritt auch zeigen, wenn die Standardfehlerausgabe kein Terminal ist.</translation>
     </message>
     <message>
-        <source>Show no progress.</source>
-        <translation>Keinen Fortschritt zeigen.</translation>
-    </message>
-    <message>
         <source>no recording given</source>
         <translation>keine Aufzeichnung angegeben</translation>
     </message>
@@ -337,6 +333,58 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <source>%1: is not a UBX log</source>
         <translation>%1: ist kein UBX-Log</translation>
     </message>
+    <message>
+        <source>The data groups to export, comma-separated, as the options page names them (such as &quot;packet counter,rate of turn,quaternion&quot;), or all or none; --set goes on from there.</source>
+        <translation>Die zu exportierenden Datengruppen, durch Kommas getrennt, so benannt wie auf der Optionsseite (etwa „packet counter,rate of turn,quaternion“), oder all oder none; --set setzt darauf auf.</translation>
+    </message>
+    <message>
+        <source>Export from this sample on: an index (0 is the first sample) or seconds from the start such as 12.5s.</source>
+        <translation>Ab diesem Abtastwert exportieren: ein Index (0 ist der erste Abtastwert) oder Sekunden ab dem Anfang wie 12.5s.</translation>
+    </message>
+    <message>
+        <source>WHERE</source>
+        <translation>WO</translation>
+    </message>
+    <message>
+        <source>Export up to this sample, which is not exported itself: an index or seconds from the start.</source>
+        <translation>Bis zu diesem Abtastwert exportieren, der selbst nicht exportiert wird: ein Index oder Sekunden ab dem Anfang.</translation>
+    </message>
+    <message>
+        <source>Export every N-th of these samples.</source>
+        <translation>Jeden N-ten dieser Abtastwerte exportieren.</translation>
+    </message>
+    <message>
+        <source>Export up to N recordings at a time, each in a process of its own; the files and messages are those of one export after another.</source>
+        <translation>Bis zu N Aufzeichnungen gleichzeitig exportieren, jede in einem eigenen Prozess; Dateien und Meldungen sind die eines Exports nach dem anderen.</translation>
+    </message>
+    <message>
+        <source>Show no progress, and do not name the files written.</source>
+        <translation>Keinen Fortschritt zeigen und die geschriebenen Dateien nicht nennen.</translation>
+    </message>
+    <message>
+        <source>--from must come before --to</source>
+        <translation>--from muss vor --to liegen</translation>
+    </message>
+    <message>
+        <source>--every takes a whole number of 1 or more</source>
+        <translation>--every nimmt eine ganze Zahl ab 1</translation>
+    </message>
+    <message>
+        <source>--jobs takes a whole number of 1 or more</source>
+        <translation>--jobs nimmt eine ganze Zahl ab 1</translation>
+    </message>
+    <message>
+        <source>--jobs cannot share standard input (-) between processes</source>
+        <translation>--jobs kann die Standardeingabe (-) nicht zwischen Prozessen teilen</translation>
+    </message>
+    <message>
+        <source>%1 -&gt; %2</source>
+        <translation>%1 -&gt; %2</translation>
+    </message>
+    <message>
+        <source>%1 recordings</source>
+        <translation>%1 Aufzeichnungen</translation>
+    </message>
 </context>
 <context>
     <name>ExportJob</name>
@@ -367,6 +415,21 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>(standard input)</source>
         <translation>(Standardeingabe)</translation>
+    </message>
+    <message>
+        <source>%1: gives no update rate, so --from and --to cannot be in seconds</source>
+        <translation>%1: nennt keine Aktualisierungsrate, daher können --from und --to nicht in Sekunden sein</translation>
+    </message>
+</context>
+<context>
+    <name>GroupSelection</name>
+    <message>
+        <source>--groups names two orientations; the file holds one</source>
+        <translation>--groups nennt zwei Orientierungen; die Datei enthält eine</translation>
+    </message>
+    <message>
+        <source>--groups: unknown group &quot;%1&quot;; the groups are: %2</source>
+        <translation>--groups: unbekannte Gruppe „%1“; die Gruppen sind: %2</translation>
     </message>
 </context>
 <context>
@@ -605,6 +668,13 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>a list of integers</source>
         <translation>eine Liste ganzer Zahlen</translation>
+    </message>
+</context>
+<context>
+    <name>SampleSelection</name>
+    <message>
+        <source>takes a sample index (0 is the first sample) or seconds from the start such as 12.5s, not &quot;%1&quot;</source>
+        <translation>nimmt einen Index (0 ist der erste Abtastwert) oder Sekunden ab dem Anfang wie 12.5s, nicht „%1“</translation>
     </message>
 </context>
 <context>

@@ -41,6 +41,11 @@ private slots:
     void recordingFromStandardInput();
     void exportToStandardOutput();
     void recordingsFromPipes();
+    void groupsShorthand();
+    void partOfARecording_data();
+    void partOfARecording();
+    void writtenFilesAreNamed();
+    void parallelExportsAsOneAfterAnother();
     void pluginFaults_data();
     void pluginFaults();
     void helpForEveryCommand_data();
@@ -320,14 +325,15 @@ void tst_HostProgram::progress()
     const Result shown = run(withSettings({"export", "--progress", recording}));
     QCOMPARE(shown.status, 0);
     QVERIFY2(shown.err.startsWith("\r[") && shown.err.contains("] 100% rec.jsonl"), shown.err.constData());
-    // the bar is wiped at the end, and nothing else is said
-    QVERIFY(shown.err.endsWith('\r'));
-    QVERIFY(!shown.err.contains('\n'));
+    // the bar is wiped at the end, and the file written is named on a line of its own
+    const QByteArray named = recording.toUtf8() + " -> " + path("rec-001.txt").toUtf8() + '\n';
+    QVERIFY2(shown.err.endsWith('\r' + named), shown.err.constData());
+    QCOMPARE(shown.err.count('\n'), 1);
 
     // not a terminal: no progress unless asked for
     const Result silent = run(withSettings({"export", recording}));
     QCOMPARE(silent.status, 0);
-    QCOMPARE(silent.err, QByteArray());
+    QCOMPARE(silent.err, named);
 }
 
 void tst_HostProgram::badLine_data()
@@ -450,6 +456,17 @@ void tst_HostProgram::usageErrors_data()
         << QByteArray("asciiexport export: --output-dir takes a folder name");
     QTest::newRow("standard input twice") << QStringList{"export", "-", "-"}
         << QByteArray("asciiexport export: standard input (-) can be read once only");
+    QTest::newRow("--every 0") << QStringList{"export", "--every", "0", "a.jsonl"}
+        << QByteArray("asciiexport export: --every takes a whole number of 1 or more");
+    QTest::newRow("--from after --to") << QStringList{"export", "--from", "20", "--to", "10", "a.jsonl"}
+        << QByteArray("asciiexport export: --from must come before --to");
+    QTest::newRow("--to in minutes") << QStringList{"export", "--to", "2m", "a.jsonl"}
+        << QByteArray("asciiexport export: --to takes a sample index (0 is the first sample) or seconds from the "
+                      "start such as 12.5s, not \"2m\"");
+    QTest::newRow("--jobs 0") << QStringList{"export", "--jobs", "0", "a.jsonl"}
+        << QByteArray("asciiexport export: --jobs takes a whole number of 1 or more");
+    QTest::newRow("--jobs with standard input") << QStringList{"export", "--jobs", "2", "a.jsonl", "-"}
+        << QByteArray("asciiexport export: --jobs cannot share standard input (-) between processes");
     QTest::newRow("generate with an empty output name") << QStringList{"generate", "-o", ""}
         << QByteArray("asciiexport generate: --output takes a file name, or - for standard output");
     QTest::newRow("settings with an argument") << QStringList{"settings", "extra"}
@@ -637,6 +654,119 @@ void tst_HostProgram::recordingsFromPipes()
     QCOMPARE(readFile(path("stdin.txt")), expected);
     QCOMPARE(readFile(path("substituted.txt")), expected);
     QCOMPARE(readFile(path("fifo.txt")), expected);
+}
+
+// --groups is the same as setting the groups one by one.
+void tst_HostProgram::groupsShorthand()
+{
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "20"});
+    QStringList longWay{"export", "--quiet", "-o", path("long.txt")};
+    for (const QString &key : everyGroup)
+        longWay << "--set" << key + QStringLiteral("=") + (key == QLatin1String("exportRssi") || key == QLatin1String("exportRawGps") ? "true" : "false");
+    longWay << "--set" << "exportPacketCounter=false" << "--set" << "exportSampleTimeFine=false"
+            << "--set" << "exportOrientation=Matrix" << recording;
+    QCOMPARE(run(withSettings(longWay)).status, 0);
+    const Result result = run(withSettings({"export", "--quiet", "--groups", "rssi, GPS receiver message,matrix",
+                                            "-o", path("short.txt"), recording}));
+    QCOMPARE(result.err, QByteArray());
+    QCOMPARE(result.status, 0);
+    QCOMPARE(readFile(path("short.txt")), readFile(path("long.txt")));
+
+    // --set goes on from what --groups made
+    const Result both = run(withSettings({"export", "--quiet", "--groups", "none", "--set", "exportRssi=true", "-o",
+                                          path("both.txt"), recording}));
+    QCOMPARE(both.status, 0);
+    QCOMPARE(readFile(path("both.txt")).split('\n').value(5), QByteArray("RSSI"));
+
+    const Result unknown = run(withSettings({"export", "--groups", "speed", recording}));
+    QCOMPARE(unknown.status, 2);
+    QVERIFY2(unknown.err.startsWith("asciiexport export: --groups: unknown group \"speed\"; the groups are: Packet "
+                                    "Counter, "),
+             unknown.err.constData());
+}
+
+void tst_HostProgram::partOfARecording_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QList<int>>("rows");  // sample indexes of the whole export's rows
+
+    QTest::newRow("from an index") << QStringList{"--from", "95"} << QList<int>{95, 96, 97, 98, 99};
+    QTest::newRow("up to an index") << QStringList{"--to", "3"} << QList<int>{0, 1, 2};
+    QTest::newRow("an index range, every second") << QStringList{"--from", "10", "--to", "17", "--every", "2"}
+                                                   << QList<int>{10, 12, 14, 16};
+    // generated at 50 Hz: sample i is at i / 50 s
+    QTest::newRow("seconds") << QStringList{"--from", "0.5s", "--to", "0.6s"} << QList<int>{25, 26, 27, 28, 29};
+    QTest::newRow("every 30th") << QStringList{"--every", "30"} << QList<int>{0, 30, 60, 90};
+    QTest::newRow("past the end") << QStringList{"--from", "500"} << QList<int>{};
+}
+
+// Part of a recording is the same rows as in the whole export.
+void tst_HostProgram::partOfARecording()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QList<int>, rows);
+
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "100", "--rate", "50"});
+    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("whole.txt"), recording})).status, 0);
+    const QList<QByteArray> whole = readFile(path("whole.txt")).split('\n');
+    const int firstRow = 6;  // after the five header lines and the column line
+    QByteArray expected = whole.mid(0, firstRow).join('\n') + '\n';
+    for (const int row : rows)
+        expected += whole.at(firstRow + row) + '\n';
+
+    const Result result = run(withSettings(QStringList{"export", "--quiet", "-o", path("part.txt")} + options
+                                           + QStringList{recording}));
+    QCOMPARE(result.err, QByteArray());
+    QCOMPARE(result.status, 0);
+    QCOMPARE(readFile(path("part.txt")), expected);
+}
+
+void tst_HostProgram::writtenFilesAreNamed()
+{
+    const QString first = generated(QStringLiteral("a.jsonl"), {"--samples", "2"});
+    const QString second = generated(QStringLiteral("b.jsonl"), {"--samples", "2"});
+    const Result result = run(withSettings({"export", first, second}));
+    QCOMPARE(result.status, 0);
+    QCOMPARE(QString::fromUtf8(result.err), first + " -> " + path("a-001.txt") + "\n" + second + " -> "
+                                                + path("b-002.txt") + "\n");
+    QCOMPARE(result.out, QByteArray());
+    const Result quiet = run(withSettings({"export", "--quiet", first}));
+    QCOMPARE(quiet.err, QByteArray());
+    // standard output is the file itself
+    const Result piped = run(withSettings({"export", "-o", "-", first}));
+    QCOMPARE(piped.err, QByteArray());
+    QCOMPARE(piped.out, readFile(path("a-001.txt")));
+}
+
+// --jobs: the same files, the same messages in the same order, the same
+// status as one export after another.
+void tst_HostProgram::parallelExportsAsOneAfterAnother()
+{
+    QVERIFY(QDir(dir->path()).mkpath(QStringLiteral("in")));
+    QStringList recordings;
+    for (int i = 1; i <= 7; ++i)
+        recordings << generated(QStringLiteral("in/r%1.jsonl").arg(i), {"--samples", "300", "--seed", QString::number(i)});
+    writeFile(path("in/r3.jsonl"), recordingObject + "{\"packetCounter\": 1}\n{\"packetCounter\": -1}\n");
+    writeFile(path("in/r5.jsonl"), recordingObject + "{\"packetCounter\": 1}\n{\"packetCounter\": 2, \"orient");
+    // two recordings that name the same output file: the later one fails
+    QVERIFY(QDir(dir->path()).mkpath(QStringLiteral("in/sub")));
+    QVERIFY(QFile::rename(recordings.takeLast(), path("in/sub/r6.jsonl")));
+    recordings << path("in/sub/r6.jsonl");
+    const QStringList common{"export", "--skip-bad-lines", "--set", "outputFileFormat=<inputfile>",
+                             "--groups", "packet counter,rate of turn"};
+
+    const Result serial = run(withSettings(common + QStringList{"--output-dir", path("serial")} + recordings));
+    const Result parallel = run(withSettings(common + QStringList{"--jobs", "3", "--output-dir", path("parallel")}
+                                             + recordings));
+    QCOMPARE(parallel.status, serial.status);
+    QCOMPARE(QString::fromUtf8(parallel.err).replace(path("parallel"), "OUT"),
+             QString::fromUtf8(serial.err).replace(path("serial"), "OUT"));
+    const QStringList files = QDir(path("serial")).entryList(QDir::Files);
+    QCOMPARE(QDir(path("parallel")).entryList(QDir::Files), files);
+    QCOMPARE(files.size(), 6);
+    QVERIFY2(serial.err.contains("was written for"), serial.err.constData());
+    for (const QString &file : files)
+        QCOMPARE(readFile(path("parallel/" + file)), readFile(path("serial/" + file)));
 }
 
 void tst_HostProgram::pluginFaults_data()

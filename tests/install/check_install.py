@@ -223,7 +223,7 @@ class Check:
         expect(usage == "asciiexport export: keine Aufzeichnung angegeben\n"
                         "Mehr mit „asciiexport export --help“.\n", "a usage error in German: " + usage)
         helptext = run([self.program(), "export", "--help"], env=german).stdout.decode()
-        expect("Keinen Fortschritt zeigen." in helptext, "the help in German:\n" + helptext)
+        expect("Keinen Fortschritt zeigen" in helptext, "the help in German:\n" + helptext)
         missing = run([self.program(), "info", "--plugin", os.path.join(work, "x.so")], status=1, env=german)
         expect(missing.stderr.decode() == "%s: Diese Plug-in-Datei gibt es nicht\n" % os.path.join(work, "x.so"),
                "the plug-in host's message in German: " + missing.stderr.decode())
