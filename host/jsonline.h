@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recordfields.h"
+#include "recordmembertables.h"
 
 #include <kvquaternion.h>
 

@@ -2,7 +2,7 @@
 
 #include "abstractrecordingreader.h"
 #include "jsonline.h"
-#include "recordfields.h"
+#include "recordmembertables.h"
 
 #include <QFileDevice>
 #include <QIODevice>

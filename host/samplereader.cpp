@@ -1,7 +1,7 @@
 #include "samplereader.h"
 
 #include "ondemandfieldreader.h"
-#include "recordfields.h"
+#include "recordmembertables.h"
 
 #include <iterator>
 #include <limits>

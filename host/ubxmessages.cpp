@@ -1,6 +1,6 @@
 #include "ubxmessages.h"
 
-#include "recordfields.h"
+#include "recordmembertables.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,29 +1,10 @@
 #include "benchdata.h"
 
+#include <random.h>
+
 #include <cmath>
 
 namespace {
-
-// splitmix64: small, fast and the same everywhere.
-class Random
-{
-public:
-    explicit Random(quint64 seed) : state(seed) {}
-
-    quint64 next()
-    {
-        quint64 z = (state += 0x9E3779B97F4A7C15ull);
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-        return z ^ (z >> 31);
-    }
-    /** Uniform in [low, high). */
-    double uniform(double low, double high) { return low + (high - low) * double(next() >> 11) * 0x1.0p-53; }
-    qint64 integer(qint64 low, qint64 high) { return low + qint64(next() % quint64(high - low + 1)); }
-
-private:
-    quint64 state;
-};
 
 const char *const everyGroup[] = {
     "exportPacketCounter", "exportSampleTimeFine", "exportDateTime", "exportUtc", "exportStatusFlags",

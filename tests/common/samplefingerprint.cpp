@@ -1,6 +1,6 @@
 #include "samplefingerprint.h"
 
-#include <recordfields.h>
+#include <recordmembertables.h>
 
 #include <QDataStream>
 

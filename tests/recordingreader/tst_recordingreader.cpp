@@ -1,4 +1,4 @@
-#include "recordfields.h"
+#include "recordmembertables.h"
 #include "recordingreader.h"
 
 #include <samplelines.h>
