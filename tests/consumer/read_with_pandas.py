@@ -16,15 +16,6 @@ import sys
 
 import pandas
 
-GROUPS = [
-    "exportDateTime", "exportUtc", "exportStatusFlags", "exportClipFlags", "exportRssi",
-    "exportCalibratedAcceleration", "exportFreeAcceleration", "exportCalibratedAngularVelocity",
-    "exportMagneticField", "exportVelocityIncrement", "exportOrientationIncrement",
-    "exportPosition", "exportVelocity", "exportTemperature", "exportGyroTemperature",
-    "exportPressure", "exportScrAcceleration", "exportScrGyroscopeData",
-    "exportScrMagneticField", "exportScrTemperature", "exportScrGyroTemperature",
-    "exportRawGps", "exportRawGnss", "exportTriggerIn1", "exportTriggerIn2",
-]
 SAMPLES = 200
 
 
@@ -57,9 +48,8 @@ def main():
     failures = []
     for name, sep, extra in (("tab", "\t", []), ("comma", ",", ["--set", "useCommaDelimiter=true"])):
         output = os.path.join(workdir, f"consumer-{name}.txt")
-        sets = [arg for key in GROUPS for arg in ("--set", key + "=true")]
         subprocess.run([program, "export", "--quiet", "--settings", os.path.join(workdir, "settings.ini"),
-                        "-o", output] + sets + extra + [recording], check=True)
+                        "-o", output, "--groups", "all"] + extra + [recording], check=True)
         with open(output) as f:
             header = f.read().splitlines()[5].split(sep)
         frame = pandas.read_csv(output, sep=sep, skiprows=5)
