@@ -1,0 +1,131 @@
+#include "commandline.h"
+
+#include "localfilepath.h"
+#include "pluginhost.h"
+#include "versiontext.h"
+
+#include <abstractexporterfactory.h>
+#include <settingssynchronizer.h>
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QStandardPaths>
+
+namespace Commands {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("Commands", text);
+}
+
+void printLine(std::FILE *stream, const QString &text)
+{
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fputc('\n', stream);
+}
+
+void printError(const QString &text)
+{
+    printLine(stderr, text);
+}
+
+int usageError(const QString &command, const QString &text)
+{
+    printError(QStringLiteral("asciiexport %1: %2").arg(command, text));
+    printError(tr("Try 'asciiexport %1 --help'.").arg(command));
+    return 2;
+}
+
+bool parse(QCommandLineParser &parser, const QString &command, const QString &description,
+           const QStringList &arguments, int *status)
+{
+    parser.setApplicationDescription(description);
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, tr("Show this help."));
+    const QCommandLineOption version(QStringLiteral("version"),
+                                     tr("Show the versions of the program and the plug-in."));
+    parser.addOptions({help, version});
+    if (!parser.parse(QStringList{QStringLiteral("asciiexport")} + arguments)) {
+        *status = usageError(command, parser.errorText());
+        return false;
+    }
+    if (parser.isSet(help)) {
+        // The first line names the program as it was called; name the command too.
+        QString text = parser.helpText();
+        const int start = text.indexOf(QLatin1Char(' ')) + 1;
+        text.replace(start, text.indexOf(QLatin1Char(' '), start) - start, QStringLiteral("asciiexport ") + command);
+        std::fputs(text.toLocal8Bit().constData(), stdout);
+        *status = 0;
+        return false;
+    }
+    if (parser.isSet(version)) {
+        // The plug-in the command would load; only some commands take --plugin.
+        const QString plugin = QStringLiteral("plugin");
+        *status = printVersion(parser.optionNames().contains(plugin) ? localFilePath(parser.value(plugin))
+                                                                     : PluginHost::defaultPluginPath());
+        return false;
+    }
+    return true;
+}
+
+QCommandLineOption pluginOption()
+{
+    return QCommandLineOption(QStringLiteral("plugin"),
+                              tr("The plug-in file to load (default: %1, the first libasciiexporter.so in the "
+                                 "folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).")
+                                  .arg(PluginHost::defaultPluginPath()),
+                              tr("PATH"));
+}
+
+QCommandLineOption settingsOption()
+{
+    return QCommandLineOption(QStringLiteral("settings"),
+                              tr("The INI file that holds the settings (default: %1).")
+                                  .arg(QDir::toNativeSeparators(QStandardPaths::writableLocation(
+                                           QStandardPaths::AppConfigLocation) + QStringLiteral("/asciiexport.ini"))),
+                              tr("FILE"));
+}
+
+bool parseOptionsOnly(QCommandLineParser &parser, const QString &command, const QString &description,
+                      const QStringList &arguments, int *status)
+{
+    if (!parse(parser, command, description, arguments, status))
+        return false;
+    if (!parser.positionalArguments().isEmpty()) {
+        *status = usageError(command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
+        return false;
+    }
+    return true;
+}
+
+QString pluginFile(const QCommandLineParser &parser, const QCommandLineOption &option)
+{
+    return parser.isSet(option) ? localFilePath(parser.value(option)) : PluginHost::defaultPluginPath();
+}
+
+QString settingsFile(const QCommandLineParser &parser, const QCommandLineOption &option)
+{
+    if (parser.isSet(option))
+        return localFilePath(parser.value(option));
+    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/asciiexport.ini");
+}
+
+bool loadPlugin(PluginHost &host, const QString &settings)
+{
+    if (!host.load()) {
+        printError(host.errorString());
+        return false;
+    }
+    if (settings.isEmpty())
+        return true;
+    QStringList problems;
+    if (!host.factory()->settings()->load(settings, &problems)) {
+        printError(tr("%1: the settings cannot be read").arg(settings));
+        return false;
+    }
+    for (const QString &problem : qAsConst(problems))
+        printError(tr("%1: ignored: %2").arg(settings, problem));
+    return true;
+}
+
+} // namespace Commands
