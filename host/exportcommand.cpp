@@ -278,9 +278,8 @@ int exportRecordings(const QStringList &arguments)
         const QString &recording = recordings.at(i);
         if (parser.isSet(output) && parser.value(output) == OutputFile::standardOutputName())
             return OutputFile::standardOutputName();
-        const QString file = parser.isSet(output)
-            ? QFileInfo(localFilePath(parser.value(output))).absoluteFilePath()
-            : namer.fileName(recording, i + 1, properties, problem);
+        QString file = parser.isSet(output) ? QFileInfo(localFilePath(parser.value(output))).absoluteFilePath()
+                                            : namer.fileName(recording, i + 1, properties, problem);
         if (file.isEmpty())
             return QString();
         if (written.contains(file)) {

@@ -96,6 +96,7 @@ private:
 bool JsonTape::parse(std::string &text, QString *error)
 {
     tokens.clear();
+    // memchr looks for the terminator; it needs none. NOLINTNEXTLINE(bugprone-not-null-terminated-result)
     if (const void *nul = std::memchr(text.data(), '\0', text.size()))
         return fail(error, tr("NUL byte at column %1").arg(static_cast<const char *>(nul) - text.data() + 1));
     const bool ascii = isAscii(text.data(), text.size());
