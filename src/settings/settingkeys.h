@@ -2,7 +2,7 @@
 
 /**
  * The keys of the export settings, as the settings store files them. Every
- * part of the plug-in names a setting through these; the options page's
+ * file of the plug-in names a setting through these; the options page's
  * check boxes and combo box carry the same texts as their object names.
  */
 namespace SettingKeys {
