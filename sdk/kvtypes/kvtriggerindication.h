@@ -8,6 +8,10 @@
  */
 struct KvTriggerIndication
 {
+    /** The data identifiers of the two trigger inputs, as ExportSource::triggerIndication() takes them. */
+    static constexpr quint32 triggerIn1Id = 0x4810;
+    static constexpr quint32 triggerIn2Id = 0x4820;
+
     quint8 line = 0;
     quint8 polarity = 0;
     quint32 timestamp = 0;

@@ -1,45 +1,17 @@
 #pragma once
 
 #include <QString>
+#include <QVariant>
+
+class RowWriter;
 
 /**
  * The data groups of an export, in output order, with the setting that
- * switches each on and the column names it contributes. The column-header
- * line and the sample rows both walk this one table, so every value stands
- * under its name.
+ * switches each on, the column names it contributes and the writer that
+ * fills those columns for a sample. The column-header line and the sample
+ * rows both walk this one table, so every value stands under its name.
  */
 namespace ColumnCatalogue {
-
-enum class Group {
-    PacketCounter,
-    SampleTimeFine,
-    DateTime,
-    Utc,
-    StatusWord,
-    ClippingFlags,
-    Rssi,
-    CalibratedAcceleration,
-    FreeAcceleration,
-    CalibratedAngularVelocity,
-    MagneticField,
-    VelocityIncrement,
-    OrientationIncrement,
-    Pressure,
-    Orientation,
-    Position,
-    Velocity,
-    Temperature,
-    GyroTemperature,
-    ScrAcceleration,
-    ScrGyroscopeData,
-    ScrMagneticField,
-    ScrTemperature,
-    ScrGyroTemperature,
-    RawGps,
-    RawGnss,
-    TriggerIn1,
-    TriggerIn2,
-};
 
 /** A list of column names kept as static data. */
 struct Names
@@ -51,22 +23,54 @@ struct Names
     const char *const *end() const { return names + count; }
 };
 
-/** Indexed columns repeated after a group's fixed columns, one format per column of a block. */
+/** Indexed columns repeated after the fixed columns of a run, one format per column of a block. */
 struct RepeatedBlock
 {
     Names formats;  ///< printf formats with one %d for the index
     int repeat;     ///< how many blocks, indexed from 0
 };
 
+struct Fields;
+
+/**
+ * Writes one field per column of @p fields for the source's current sample,
+ * the empty-field text where data is missing. Answers whether the values
+ * count as sensor data, which makes the sample a line of its own.
+ */
+using WriteFields = bool (*)(RowWriter &writer, const Fields &fields);
+
+/** A run of columns that one writer fills, from one record of the sample. */
+struct Fields
+{
+    Names names;
+    RepeatedBlock block;
+    WriteFields write;
+
+    int count() const { return names.count + block.formats.count * block.repeat; }
+};
+
+/** The runs of a group, in output order. */
+struct FieldsList
+{
+    const Fields *first;
+    int count;
+
+    const Fields *begin() const { return first; }
+    const Fields *end() const { return first + count; }
+    int columnCount() const;
+};
+
+/** How a group's setting selects its columns. */
+enum class Selection {
+    OnOff,              ///< a boolean: all columns or none
+    OrientationFormat,  ///< a format name: see orientationFormat()
+};
+
 struct DataGroup
 {
-    Group group;
     const char *settingKey;
-    Names columns;
-    RepeatedBlock block;
-
-    /** Columns the group adds when on (for orientation: see orientationColumns()). */
-    int columnCount() const { return columns.count + block.formats.count * block.repeat; }
+    Selection selection;
+    FieldsList fields;  ///< of an on/off group; an orientation group's depend on its format
 };
 
 /** The orientation formats a value of "exportOrientation" can select. */
@@ -91,6 +95,16 @@ Groups groups();
 OrientationFormat orientationFormat(const QString &value);
 
 /** The columns of an orientation format; none for OrientationFormat::None. */
-Names orientationColumns(OrientationFormat format);
+FieldsList orientationFields(OrientationFormat format);
+
+/** The columns that @p group contributes while its setting reads @p setting. */
+inline FieldsList selectedFields(const DataGroup &group, const QVariant &setting)
+{
+    if (group.selection == Selection::OrientationFormat)
+        return orientationFields(orientationFormat(setting.toString()));
+    if (!setting.toBool())
+        return {nullptr, 0};
+    return group.fields;
+}
 
 } // namespace ColumnCatalogue

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QString>
 #include <QtGlobal>
 
 /**
@@ -32,7 +31,6 @@ constexpr int MaxWidth = MaxLength;
  * QString::number(v, 'f', decimals) and QString("%1").arg(v, 0, 'f', decimals).
  */
 char *writeFixed(char *out, double v, int decimals);
-void appendFixed(QString &out, double v, int decimals);
 
 /**
  * General notation with 1 to MaxDigits significant digits: the bytes of
@@ -40,7 +38,6 @@ void appendFixed(QString &out, double v, int decimals);
  * which agree with each other.
  */
 char *writeGeneral(char *out, double v, int digits);
-void appendGeneral(QString &out, double v, int digits);
 
 /**
  * Signed integers: the bytes of QString::number(v) and asprintf("%d") for
@@ -49,13 +46,11 @@ void appendGeneral(QString &out, double v, int digits);
  * the sign. width is at most MaxWidth.
  */
 char *writeInteger(char *out, qint64 v, int width = 0, char fill = ' ');
-void appendInteger(QString &out, qint64 v, int width = 0, char fill = ' ');
 
 /**
  * Unsigned integers: the bytes of QString::number(v) and asprintf("%u") for
  * width 0, and of QString("%1").arg(v, width, 10, QChar(fill)) otherwise.
  */
 char *writeUnsigned(char *out, quint64 v, int width = 0, char fill = ' ');
-void appendUnsigned(QString &out, quint64 v, int width = 0, char fill = ' ');
 
 } // namespace NumberFormat

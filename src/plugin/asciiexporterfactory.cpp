@@ -3,6 +3,7 @@
 #include "asciiexporter.h"
 #include "asciiexporteroptionspage.h"
 #include "settingscatalogue.h"
+#include "settingkeys.h"
 
 #include <settingssynchronizer.h>
 
@@ -22,7 +23,7 @@ QString AsciiExporterFactory::name() const
 
 QString AsciiExporterFactory::fileExtension() const
 {
-    return settings()->setting(QStringLiteral("outputFileExtension")).toString();
+    return settings()->setting(QLatin1String(SettingKeys::outputFileExtension)).toString();
 }
 
 bool AsciiExporterFactory::pluginFlag() const

@@ -2,8 +2,47 @@
 
 #include "asciistringdelimiter.h"
 #include "asciistringdelimiterbysetting.h"
+#include "settingkeys.h"
 
 #include <settingssynchronizer.h>
+
+namespace {
+
+/** A choice as constant data: a fixed text, or the key of the setting that holds the text. */
+struct ChoiceRow
+{
+    const char *key;
+    DelimiterChoice::Create create;
+    const char *argument;
+};
+
+constexpr ChoiceRow fieldDelimiters[] = {
+    {SettingKeys::useCommaDelimiter, createStringDelimiter, ","},
+    {SettingKeys::useOtherDelimiter, createDelimiterBySetting, SettingKeys::otherDelimiter},
+    {SettingKeys::useSemiColonDelimiter, createStringDelimiter, ";"},
+    {SettingKeys::useSpaceDelimiter, createStringDelimiter, " "},
+    {SettingKeys::useTabDelimiter, createStringDelimiter, "\t"},
+};
+
+constexpr ChoiceRow emptyFieldTexts[] = {
+    {SettingKeys::insertNan, createStringDelimiter, "NaN"},
+    {SettingKeys::insertNothing, createStringDelimiter, ""},
+    {SettingKeys::insertOtherPlaceholder, createDelimiterBySetting, SettingKeys::otherPlaceholder},
+    {SettingKeys::insertZero, createStringDelimiter, "0"},
+};
+
+// The rows keyed for chooseBySetting(), which walks them in key order
+// whatever their order here.
+template <std::size_t N>
+DelimiterChoiceTable choiceTable(const ChoiceRow (&rows)[N], SettingsSynchronizer *settings)
+{
+    DelimiterChoiceTable choices;
+    for (const ChoiceRow &row : rows)
+        choices.insert(QString::fromLatin1(row.key), {row.create, QString::fromLatin1(row.argument), settings});
+    return choices;
+}
+
+} // namespace
 
 IAsciiDelimiter *createStringDelimiter(const QVariant &argument, SettingsSynchronizer *)
 {
@@ -17,47 +56,22 @@ IAsciiDelimiter *createDelimiterBySetting(const QVariant &argument, SettingsSync
 
 DelimiterHandle chooseBySetting(SettingsSynchronizer *settings, const DelimiterChoiceTable &choices)
 {
-    IAsciiDelimiter *chosen = nullptr;
-    bool found = false;
     for (auto it = choices.cbegin(); it != choices.cend(); ++it) {
         if (settings->setting(it.key()).toBool()) {
-            chosen = it->create(it->argument, it->settings);
-            found = true;
-            break;
+            IAsciiDelimiter *chosen = it->create(it->argument, it->settings);
+            return chosen ? DelimiterHandle(chosen) : DelimiterHandle();
         }
     }
     // With no choice set, both groups fall back to a tab.
-    if (!found)
-        chosen = new AsciiStringDelimiter(QVariant(QStringLiteral("\t")).toString());
-    return chosen ? DelimiterHandle(chosen) : DelimiterHandle();
+    return DelimiterHandle(new AsciiStringDelimiter(QStringLiteral("\t")));
 }
 
 DelimiterHandle makeDelimiter(SettingsSynchronizer *settings)
 {
-    DelimiterChoiceTable choices;
-    choices.insert(QStringLiteral("useCommaDelimiter"),
-                   {createStringDelimiter, QStringLiteral(","), settings});
-    choices.insert(QStringLiteral("useOtherDelimiter"),
-                   {createDelimiterBySetting, QStringLiteral("otherDelimiter"), settings});
-    choices.insert(QStringLiteral("useSemiColonDelimiter"),
-                   {createStringDelimiter, QStringLiteral(";"), settings});
-    choices.insert(QStringLiteral("useSpaceDelimiter"),
-                   {createStringDelimiter, QStringLiteral(" "), settings});
-    choices.insert(QStringLiteral("useTabDelimiter"),
-                   {createStringDelimiter, QStringLiteral("\t"), settings});
-    return chooseBySetting(settings, choices);
+    return chooseBySetting(settings, choiceTable(fieldDelimiters, settings));
 }
 
 DelimiterHandle makeEmptyFieldText(SettingsSynchronizer *settings)
 {
-    DelimiterChoiceTable choices;
-    choices.insert(QStringLiteral("insertNan"),
-                   {createStringDelimiter, QStringLiteral("NaN"), settings});
-    choices.insert(QStringLiteral("insertNothing"),
-                   {createStringDelimiter, QStringLiteral(""), settings});
-    choices.insert(QStringLiteral("insertOtherPlaceholder"),
-                   {createDelimiterBySetting, QStringLiteral("otherPlaceholder"), settings});
-    choices.insert(QStringLiteral("insertZero"),
-                   {createStringDelimiter, QStringLiteral("0"), settings});
-    return chooseBySetting(settings, choices);
+    return chooseBySetting(settings, choiceTable(emptyFieldTexts, settings));
 }

@@ -1,113 +1,126 @@
 #include "settingscatalogue.h"
 
+#include "settingkeys.h"
+
 #include <QCoreApplication>
 
 namespace {
 
-struct DefaultEntry
+/** One row of the catalogue: a key with its default and its description. */
+struct Setting
 {
+    enum Type { Flag, Text, NoDefault };
+
     const char *key;
-    bool isText;
+    Type type;
     bool flag;
     const char *text;
+    const char *description;  ///< untranslated; null for none
 };
 
-constexpr DefaultEntry defaultTable[] = {
-    {"outputFileFormat", true, false, "<inputfile>-<seqnr>"},
-    {"outputFileExtension", true, false, "txt"},
-    {"exportDateTime", false, false, nullptr},
-    {"exportUtc", false, false, nullptr},
-    {"exportPacketCounter", false, true, nullptr},
-    {"exportSampleTimeFine", false, true, nullptr},
-    {"exportStatusFlags", false, false, nullptr},
-    {"exportClipFlags", false, false, nullptr},
-    {"exportRssi", false, false, nullptr},
-    {"exportCalibratedAcceleration", false, false, nullptr},
-    {"exportFreeAcceleration", false, false, nullptr},
-    {"exportCalibratedAngularVelocity", false, false, nullptr},
-    {"exportMagneticField", false, false, nullptr},
-    {"exportVelocityIncrement", false, false, nullptr},
-    {"exportOrientationIncrement", false, false, nullptr},
-    {"exportOrientation", true, false, "Euler"},
-    {"exportPosition", false, false, nullptr},
-    {"exportVelocity", false, false, nullptr},
-    {"exportHeading", false, false, nullptr},
-    {"exportTemperature", false, false, nullptr},
-    {"exportGyroTemperature", false, false, nullptr},
-    {"exportPressure", false, false, nullptr},
-    {"exportScrAcceleration", false, false, nullptr},
-    {"exportScrGyroscopeData", false, false, nullptr},
-    {"exportScrMagneticField", false, false, nullptr},
-    {"exportScrTemperature", false, false, nullptr},
-    {"exportScrGyroTemperature", false, false, nullptr},
-    {"exportRawGps", false, false, nullptr},
-    {"exportRawGnss", false, false, nullptr},
-    {"exportTriggerIn1", false, false, nullptr},
-    {"exportTriggerIn2", false, false, nullptr},
-    {"insertNothing", false, true, nullptr},
-    {"insertNan", false, false, nullptr},
-    {"insertZero", false, false, nullptr},
-    {"insertOtherPlaceholder", false, false, nullptr},
-    {"otherPlaceholder", true, false, ""},
-    {"useCommaDelimiter", false, false, nullptr},
-    {"useOtherDelimiter", false, false, nullptr},
-    {"useSemiColonDelimiter", false, false, nullptr},
-    {"useSpaceDelimiter", false, false, nullptr},
-    {"useTabDelimiter", false, true, nullptr},
-    {"otherDelimiter", true, false, ""},
-};
-
-struct DescriptionEntry
+constexpr Setting flag(const char *key, bool value, const char *description)
 {
-    const char *key;
-    const char *text;
-};
+    return {key, Setting::Flag, value, nullptr, description};
+}
 
-// The SCR acceleration setting is described under "exportScrcceleration" (no
-// "A"): stored hosts know the key by that spelling, and nothing reads it.
-constexpr DescriptionEntry descriptionTable[] = {
-    {"outputFileFormat", QT_TRANSLATE_NOOP("AsciiExporterFactory", "The format of the output file name. e.g. <inputfile>-<seqnr>. The .txt extension is automatically appended.")},
-    {"outputFileExtension", QT_TRANSLATE_NOOP("AsciiExporterFactory", "The extension of the output file name")},
-    {"exportDateTime", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export date (yyyy-mm-dd seconds)")},
-    {"exportUtc", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export 12 byte UTC Time")},
-    {"exportPacketCounter", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the packet counter")},
-    {"exportSampleTimeFine", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the sample time fine")},
-    {"exportClipFlags", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the clip flags")},
-    {"exportStatusFlags", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the status flags")},
-    {"exportRssi", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the RSSI")},
-    {"exportCalibratedAcceleration", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export calibrated acceleration data")},
-    {"exportFreeAcceleration", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the free acceleration")},
-    {"exportCalibratedAngularVelocity", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export calibrated rate gyroscope data")},
-    {"exportMagneticField", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the calibrated magnetic field")},
-    {"exportVelocityIncrement", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the incremental velocity value since the last successful transmission")},
-    {"exportOrientationIncrement", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the incremental orientation value since the last successful transmission")},
-    {"exportOrientation", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export orientation data in the format of the orientations \"Quaternion\", \"Euler\", \"Matrix\" or no orientation output: \"None\"")},
-    {"exportPosition", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export position data")},
-    {"exportVelocity", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export velocity data")},
-    {"exportHeading", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the heading")},
-    {"exportTemperature", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export temperature data")},
-    {"exportPressure", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the calibrated pressure data in hPa")},
-    {"exportGyroTemperature", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export gyroscope temperature data")},
-    {"exportScrcceleration", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export SCR acceleration data")},
-    {"exportScrGyroscopeData", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export SCR gyroscope data")},
-    {"exportScrMagneticField", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the SCR magnetic field")},
-    {"exportScrTemperature", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export RAW temperature data")},
-    {"exportRawGps", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the raw gps data")},
-    {"exportRawGnss", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the raw gnss data")},
-    {"exportScrGyroTemperature", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export SCR gyroscope temperature data")},
-    {"exportTriggerIn1", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export Trigger Indication 1")},
-    {"exportTriggerIn2", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export Trigger Indication 2")},
-    {"insertNan", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Insert \"NaN\" for empty fields")},
-    {"useCommaDelimiter", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use \",\" as a delimiter")},
-    {"useOtherDelimiter", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use a custom delimiter (enter custom delimiter)")},
-    {"useSemiColonDelimiter", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use \";\" as a delimiter")},
-    {"useSpaceDelimiter", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use \" \" as a delimiter")},
-    {"useTabDelimiter", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use \"\\t\" as a delimiter")},
-    {"otherDelimiter", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use this custom delimiter")},
-    {"insertNothing", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Insert nothing for empty fields")},
-    {"insertZero", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Insert 0 for empty fields")},
-    {"insertOtherPlaceholder", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Insert custom text for empty fields")},
-    {"otherPlaceholder", QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use this custom placeholder for empty fields")},
+constexpr Setting text(const char *key, const char *value, const char *description)
+{
+    return {key, Setting::Text, false, value, description};
+}
+
+constexpr Setting descriptionOnly(const char *key, const char *description)
+{
+    return {key, Setting::NoDefault, false, nullptr, description};
+}
+
+// The SCR acceleration setting has its default under one key and its
+// description under another (see SettingKeys::exportScrAccelerationDescription).
+constexpr Setting catalogue[] = {
+    text(SettingKeys::outputFileFormat, "<inputfile>-<seqnr>",
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "The format of the output file name. e.g. <inputfile>-<seqnr>. The .txt extension is automatically appended.")),
+    text(SettingKeys::outputFileExtension, "txt",
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "The extension of the output file name")),
+    flag(SettingKeys::exportDateTime, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export date (yyyy-mm-dd seconds)")),
+    flag(SettingKeys::exportUtc, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export 12 byte UTC Time")),
+    flag(SettingKeys::exportPacketCounter, true,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the packet counter")),
+    flag(SettingKeys::exportSampleTimeFine, true,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the sample time fine")),
+    flag(SettingKeys::exportStatusFlags, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the status flags")),
+    flag(SettingKeys::exportClipFlags, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the clip flags")),
+    flag(SettingKeys::exportRssi, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the RSSI")),
+    flag(SettingKeys::exportCalibratedAcceleration, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export calibrated acceleration data")),
+    flag(SettingKeys::exportFreeAcceleration, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the free acceleration")),
+    flag(SettingKeys::exportCalibratedAngularVelocity, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export calibrated rate gyroscope data")),
+    flag(SettingKeys::exportMagneticField, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the calibrated magnetic field")),
+    flag(SettingKeys::exportVelocityIncrement, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the incremental velocity value since the last successful transmission")),
+    flag(SettingKeys::exportOrientationIncrement, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the incremental orientation value since the last successful transmission")),
+    text(SettingKeys::exportOrientation, "Euler",
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export orientation data in the format of the orientations \"Quaternion\", \"Euler\", \"Matrix\" or no orientation output: \"None\"")),
+    flag(SettingKeys::exportPosition, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export position data")),
+    flag(SettingKeys::exportVelocity, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export velocity data")),
+    flag(SettingKeys::exportHeading, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the heading")),
+    flag(SettingKeys::exportTemperature, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export temperature data")),
+    flag(SettingKeys::exportGyroTemperature, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export gyroscope temperature data")),
+    flag(SettingKeys::exportPressure, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the calibrated pressure data in hPa")),
+    flag(SettingKeys::exportScrAcceleration, false, nullptr),
+    descriptionOnly(SettingKeys::exportScrAccelerationDescription,
+                    QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export SCR acceleration data")),
+    flag(SettingKeys::exportScrGyroscopeData, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export SCR gyroscope data")),
+    flag(SettingKeys::exportScrMagneticField, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the SCR magnetic field")),
+    flag(SettingKeys::exportScrTemperature, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export RAW temperature data")),
+    flag(SettingKeys::exportScrGyroTemperature, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export SCR gyroscope temperature data")),
+    flag(SettingKeys::exportRawGps, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the raw gps data")),
+    flag(SettingKeys::exportRawGnss, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the raw gnss data")),
+    flag(SettingKeys::exportTriggerIn1, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export Trigger Indication 1")),
+    flag(SettingKeys::exportTriggerIn2, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export Trigger Indication 2")),
+    flag(SettingKeys::insertNothing, true,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Insert nothing for empty fields")),
+    flag(SettingKeys::insertNan, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Insert \"NaN\" for empty fields")),
+    flag(SettingKeys::insertZero, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Insert 0 for empty fields")),
+    flag(SettingKeys::insertOtherPlaceholder, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Insert custom text for empty fields")),
+    text(SettingKeys::otherPlaceholder, "",
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use this custom placeholder for empty fields")),
+    flag(SettingKeys::useCommaDelimiter, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use \",\" as a delimiter")),
+    flag(SettingKeys::useOtherDelimiter, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use a custom delimiter (enter custom delimiter)")),
+    flag(SettingKeys::useSemiColonDelimiter, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use \";\" as a delimiter")),
+    flag(SettingKeys::useSpaceDelimiter, false,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use \" \" as a delimiter")),
+    flag(SettingKeys::useTabDelimiter, true,
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use \"\\t\" as a delimiter")),
+    text(SettingKeys::otherDelimiter, "",
+         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use this custom delimiter")),
 };
 
 } // namespace
@@ -117,10 +130,11 @@ namespace SettingsCatalogue {
 QMap<QString, QVariant> defaults()
 {
     QMap<QString, QVariant> map;
-    for (const DefaultEntry &entry : defaultTable) {
-        map.insert(QString::fromLatin1(entry.key),
-                   entry.isText ? QVariant(QString::fromLatin1(entry.text))
-                                : QVariant(entry.flag));
+    for (const Setting &setting : catalogue) {
+        if (setting.type == Setting::Flag)
+            map.insert(QString::fromLatin1(setting.key), QVariant(setting.flag));
+        else if (setting.type == Setting::Text)
+            map.insert(QString::fromLatin1(setting.key), QVariant(QString::fromLatin1(setting.text)));
     }
     return map;
 }
@@ -128,9 +142,11 @@ QMap<QString, QVariant> defaults()
 QMap<QString, QString> descriptions()
 {
     QMap<QString, QString> map;
-    for (const DescriptionEntry &entry : descriptionTable) {
-        map.insert(QString::fromLatin1(entry.key),
-                   QCoreApplication::translate("AsciiExporterFactory", entry.text));
+    for (const Setting &setting : catalogue) {
+        if (setting.description) {
+            map.insert(QString::fromLatin1(setting.key),
+                       QCoreApplication::translate("AsciiExporterFactory", setting.description));
+        }
     }
     return map;
 }

@@ -2,6 +2,8 @@
 
 #include "ui_asciiexporteroptionspage.h"
 
+#include "settingkeys.h"
+
 #include <filenamepatternreplacer.h>
 #include <settingssynchronizer.h>
 
@@ -95,11 +97,11 @@ QString AsciiExporterOptionsPage::categoryTitle() const
 
 void AsciiExporterOptionsPage::refreshUi()
 {
-    ui->outputFileFormat->setText(settings->setting(QStringLiteral("outputFileFormat")).toString());
-    ui->outputFileExtension->setText(settings->setting(QStringLiteral("outputFileExtension")).toString());
+    ui->outputFileFormat->setText(settings->setting(QLatin1String(SettingKeys::outputFileFormat)).toString());
+    ui->outputFileExtension->setText(settings->setting(QLatin1String(SettingKeys::outputFileExtension)).toString());
     updateExampleFileName();
 
-    const QString packetCounter = QStringLiteral("exportPacketCounter");
+    const QString packetCounter = QLatin1String(SettingKeys::exportPacketCounter);
     const QList<QCheckBox *> checkBoxes = findChildren<QCheckBox *>();
     for (QCheckBox *box : checkBoxes) {
         box->setChecked(settings->setting(box->objectName()).toBool());
@@ -119,27 +121,27 @@ void AsciiExporterOptionsPage::refreshUi()
     }
 
     ui->otherDelimiter->setEnabled(ui->useOtherDelimiter->isChecked());
-    ui->otherDelimiter->setText(settings->setting(QStringLiteral("otherDelimiter")).toString());
+    ui->otherDelimiter->setText(settings->setting(QLatin1String(SettingKeys::otherDelimiter)).toString());
     ui->otherPlaceholder->setEnabled(ui->insertOtherPlaceholder->isChecked());
-    ui->otherPlaceholder->setText(settings->setting(QStringLiteral("otherPlaceholder")).toString());
+    ui->otherPlaceholder->setText(settings->setting(QLatin1String(SettingKeys::otherPlaceholder)).toString());
 }
 
 void AsciiExporterOptionsPage::apply()
 {
-    const QString formatKey = QStringLiteral("outputFileFormat");
+    const QString formatKey = QLatin1String(SettingKeys::outputFileFormat);
     QString pattern = ui->outputFileFormat->text();
     if (pattern.isEmpty())
         pattern = settings->defaultSetting(formatKey).toString();
     settings->setSetting(formatKey, pattern);
 
-    const QString extensionKey = QStringLiteral("outputFileExtension");
+    const QString extensionKey = QLatin1String(SettingKeys::outputFileExtension);
     QString extension = ui->outputFileExtension->text();
     if (extension.isEmpty())
         extension = settings->defaultSetting(extensionKey).toString();
     settings->setSetting(extensionKey, extension);
 
-    settings->setSetting(QStringLiteral("otherDelimiter"), ui->otherDelimiter->text());
-    settings->setSetting(QStringLiteral("otherPlaceholder"), ui->otherPlaceholder->text());
+    settings->setSetting(QLatin1String(SettingKeys::otherDelimiter), ui->otherDelimiter->text());
+    settings->setSetting(QLatin1String(SettingKeys::otherPlaceholder), ui->otherPlaceholder->text());
 
     const QList<QCheckBox *> checkBoxes = findChildren<QCheckBox *>();
     for (QCheckBox *box : checkBoxes)

@@ -3,9 +3,9 @@
 KvTriggerIndication TestSource::triggerIndication(quint32 dataId) const
 {
     switch (dataId) {
-    case 0x4810:
+    case KvTriggerIndication::triggerIn1Id:
         return current().triggerIn1;
-    case 0x4820:
+    case KvTriggerIndication::triggerIn2Id:
         return current().triggerIn2;
     default:
         return KvTriggerIndication();

@@ -1,6 +1,6 @@
 #include "numberformatcase.h"
 
-#include <numberformat.h>
+#include "numberformatappend.h"
 
 #include <QtTest>
 

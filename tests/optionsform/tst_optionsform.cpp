@@ -83,6 +83,8 @@ private slots:
     void lineEditLengthLimits();
     void packetCounterCannotBeChanged();
     void orientationHasNoItems();
+    void tabFollowsTheScreen_data();
+    void tabFollowsTheScreen();
 
 private:
     template<typename T>
@@ -566,6 +568,48 @@ void tst_OptionsForm::orientationHasNoItems()
     auto *combo = find<QComboBox>("exportOrientation");
     QCOMPARE(combo->count(), 0);
     QCOMPARE(combo->currentIndex(), -1);
+}
+
+void tst_OptionsForm::tabFollowsTheScreen_data()
+{
+    QTest::addColumn<QString>("from");
+    QTest::addColumn<QString>("to");
+
+    // What the user sees: the file name, the delimiters and the empty-field
+    // texts left to right, then the data boxes row by row, each from top to
+    // bottom.
+    const QStringList screen = {
+        "outputFileFormat", "outputFileExtension", "useTabDelimiter", "useSemiColonDelimiter",
+        "useCommaDelimiter", "useSpaceDelimiter", "useOtherDelimiter", "otherDelimiter",
+        "insertNan", "insertNothing", "insertZero", "insertOtherPlaceholder", "otherPlaceholder",
+        "exportOrientation", "exportPosition", "exportVelocity", "exportRawGnss", "exportRawGps",
+        "exportOrientationIncrement", "exportVelocityIncrement", "exportCalibratedAngularVelocity",
+        "exportCalibratedAcceleration", "exportFreeAcceleration", "exportMagneticField",
+        "exportTemperature", "exportGyroTemperature", "exportPressure", "exportScrAcceleration",
+        "exportScrGyroscopeData", "exportScrMagneticField", "exportScrTemperature",
+        "exportScrGyroTemperature", "exportPacketCounter", "exportSampleTimeFine",
+        "exportDateTime", "exportUtc", "exportStatusFlags", "exportClipFlags", "exportRssi",
+        "exportTriggerIn1", "exportTriggerIn2",
+    };
+    for (int i = 0; i + 1 < screen.size(); ++i) {
+        QTest::addRow("Tab from %s goes to %s", qPrintable(screen.at(i)), qPrintable(screen.at(i + 1)))
+            << screen.at(i) << screen.at(i + 1);
+    }
+}
+
+void tst_OptionsForm::tabFollowsTheScreen()
+{
+    QFETCH(QString, from);
+    QFETCH(QString, to);
+
+    // The next widget that takes focus by Tab, as QWidget::focusNextChild()
+    // looks for it, leaving aside whether it is enabled just now.
+    QWidget *start = page->findChild<QWidget *>(from);
+    QVERIFY(start);
+    QWidget *next = start->nextInFocusChain();
+    while (next != start && !(next->focusPolicy() & Qt::TabFocus))
+        next = next->nextInFocusChain();
+    QCOMPARE(next->objectName(), to);
 }
 
 QTEST_MAIN(tst_OptionsForm)

@@ -1,0 +1,94 @@
+#include "rowwriter.h"
+
+#include "columncatalogue.h"
+#include "iasciidelimiter.h"
+#include "settingkeys.h"
+
+#include <settingssynchronizer.h>
+
+#include <QTextStream>
+
+namespace {
+
+// The first character the delimiter writes, or the null character.
+QChar firstCharacter(const DelimiterHandle &delimiter)
+{
+    QString text;
+    QTextStream probe(&text);
+    delimiter->write(probe);
+    probe.flush();
+    return text.isEmpty() ? QChar(QChar::Null) : text.at(0);
+}
+
+} // namespace
+
+RowWriter::RowWriter(const ExportSource *source, SettingsSynchronizer *settings,
+                     const DelimiterHandle &delimiter, const DelimiterHandle &emptyFieldText)
+    : sampleSource(source)
+    , settings(settings)
+    , highPrecisionKey(QLatin1String(SettingKeys::highPrecision))
+    , delimiterStart(firstCharacter(delimiter))
+    , buffer(delimiter, emptyFieldText)
+{
+    for (const ColumnCatalogue::DataGroup &group : ColumnCatalogue::groups())
+        groupKeys.append(QLatin1String(group.settingKey));
+}
+
+void RowWriter::writeColumnHeader(QTextStream &out)
+{
+    using namespace ColumnCatalogue;
+
+    buffer.clear();
+    const DataGroup *group = groups().begin();
+    for (const QString &key : qAsConst(groupKeys)) {
+        for (const Fields &fields : selectedFields(*group++, settings->setting(key))) {
+            for (const char *name : fields.names)
+                buffer.field(QLatin1String(name));
+            for (int index = 0; index < fields.block.repeat; ++index) {
+                for (const char *format : fields.block.formats)
+                    buffer.field(QString::asprintf(format, index));
+            }
+        }
+    }
+    trimTrailingDelimiter(buffer.line());
+    out << buffer.line();
+}
+
+bool RowWriter::writeSampleRow(QTextStream &out)
+{
+    using namespace ColumnCatalogue;
+
+    buffer.clear();
+    // Only sensor data makes a line: counters, time, status, clipping and
+    // RSSI alone do not.
+    bool hasData = false;
+    const DataGroup *group = groups().begin();
+    for (const QString &key : qAsConst(groupKeys)) {
+        for (const Fields &fields : selectedFields(*group++, settings->setting(key)))
+            hasData |= fields.write(*this, fields);
+    }
+    if (!hasData)
+        return false;
+    trimTrailingDelimiter(buffer.line());
+    out << buffer.line();
+    return true;
+}
+
+void RowWriter::formatValue(double value, Precision precision)
+{
+    if (settings->setting(highPrecisionKey).toBool()) {
+        buffer.general(value, 18);
+        return;
+    }
+    buffer.fixed(value, precision == Geographic ? 9 : precision == Coarse ? 4 : 6);
+}
+
+// Removes one character, the delimiter's first, from the end of the line. A
+// delimiter of several characters is thus only removed in part, or not at
+// all when its first and last characters differ; files written so far look
+// like this and readers rely on it.
+void RowWriter::trimTrailingDelimiter(QString &line) const
+{
+    if (line.endsWith(delimiterStart))
+        line.chop(1);
+}
