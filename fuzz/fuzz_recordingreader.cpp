@@ -72,8 +72,8 @@ void askEverything(const RecordingSource &source, double &sum)
     fold(sum, source.gpsSatelliteRecord().numCh);
     fold(sum, source.gnssPvtRecord().iTOW);
     fold(sum, source.gnssSatelliteRecord().numSvs);
-    fold(sum, source.triggerIndication(RecordingSource::triggerIn1Id).timestamp);
-    fold(sum, source.triggerIndication(RecordingSource::triggerIn2Id).frameNumber);
+    fold(sum, source.triggerIndication(KvTriggerIndication::triggerIn1Id).timestamp);
+    fold(sum, source.triggerIndication(KvTriggerIndication::triggerIn2Id).frameNumber);
 }
 
 } // namespace

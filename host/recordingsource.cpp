@@ -229,9 +229,9 @@ KvGnssSatelliteInfo RecordingSource::gnssSatelliteRecord() const
 KvTriggerIndication RecordingSource::triggerIndication(quint32 dataId) const
 {
     switch (dataId) {
-    case triggerIn1Id:
+    case KvTriggerIndication::triggerIn1Id:
         return reader->sample().triggerIn1;
-    case triggerIn2Id:
+    case KvTriggerIndication::triggerIn2Id:
         return reader->sample().triggerIn2;
     default:
         return KvTriggerIndication();

@@ -65,10 +65,6 @@ public:
     KvGnssSatelliteInfo gnssSatelliteRecord() const override;
     KvTriggerIndication triggerIndication(quint32 dataId) const override;
 
-    /** Data identifiers of the two trigger inputs, as triggerIndication() takes them. */
-    static constexpr quint32 triggerIn1Id = 0x4810;
-    static constexpr quint32 triggerIn2Id = 0x4820;
-
 private:
     const AbstractRecordingReader *reader;
     MessageHandler messageHandler;

@@ -122,8 +122,8 @@ TestSample presented(const RecordingSource &source)
     s.gpsSatellites = source.gpsSatelliteRecord();
     s.gnssPvt = source.gnssPvtRecord();
     s.gnssSatellites = source.gnssSatelliteRecord();
-    s.triggerIn1 = source.triggerIndication(RecordingSource::triggerIn1Id);
-    s.triggerIn2 = source.triggerIndication(RecordingSource::triggerIn2Id);
+    s.triggerIn1 = source.triggerIndication(KvTriggerIndication::triggerIn1Id);
+    s.triggerIn2 = source.triggerIndication(KvTriggerIndication::triggerIn2Id);
     return s;
 }
 

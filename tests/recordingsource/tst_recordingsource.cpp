@@ -191,8 +191,8 @@ void tst_RecordingSource::missingData()
     QCOMPARE(s.gpsSatelliteRecord().numCh, quint8(0));
     QCOMPARE(s.gnssPvtRecord().iTOW, quint32(0));
     QCOMPARE(s.gnssSatelliteRecord().numSvs, quint8(0));
-    QVERIFY(!s.triggerIndication(RecordingSource::triggerIn1Id).isValid());
-    QVERIFY(!s.triggerIndication(RecordingSource::triggerIn2Id).isValid());
+    QVERIFY(!s.triggerIndication(KvTriggerIndication::triggerIn1Id).isValid());
+    QVERIFY(!s.triggerIndication(KvTriggerIndication::triggerIn2Id).isValid());
 }
 
 void tst_RecordingSource::derivedOrientation_data()
