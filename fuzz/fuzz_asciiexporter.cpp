@@ -25,7 +25,8 @@ namespace {
 const char *const extraKeys[] = {"highPrecision"};
 
 const char *const propertyKeys[] = {
-    "StartTime", "FilterProfile", "FilterProfileVersion", "FilterProfileType", "OptionFlags", "FirmwareVersion",
+    "StartTime",         "FilterProfile", "FilterProfileVersion",
+    "FilterProfileType", "OptionFlags",   "FirmwareVersion",
 };
 
 template <typename Record>
@@ -104,7 +105,8 @@ TestSample sample(FuzzedDataProvider &data)
     s.magneticField = vector(data);
     s.scrMagneticField = vector(data);
     s.orientationQuaternion = quaternion(data);
-    s.orientationEuler = {FuzzInput::number(data), FuzzInput::number(data), FuzzInput::number(data)};
+    s.orientationEuler = {FuzzInput::number(data), FuzzInput::number(data),
+                          FuzzInput::number(data)};
     if (data.ConsumeBool()) {
         double elements[9];
         for (double &element : elements)
@@ -156,7 +158,8 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
     AsciiExporter exporter(&source, &settings);
     if (!exporter.start(&output))
         std::abort();
-    for (int count = data.ConsumeIntegralInRange(0, 32); count > 0 && data.remaining_bytes() > 0; --count) {
+    for (int count = data.ConsumeIntegralInRange(0, 32); count > 0 && data.remaining_bytes() > 0;
+         --count) {
         source.sample = sample(data);
         exporter.writeSample();
     }

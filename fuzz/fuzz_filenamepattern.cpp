@@ -23,8 +23,14 @@ const char *const propertyKeys[] = {"DeviceId", "ProductCode", "FilterProfile"};
 QVariant propertyValue(FuzzedDataProvider &data)
 {
     static const QString hostile[] = {
-        QString(), QStringLiteral("."), QStringLiteral(".."), QStringLiteral("/"), QStringLiteral("../.."),
-        QStringLiteral("a/../b"), QString(QChar(QChar::Null)), QStringLiteral("a") + QChar(QChar::Null),
+        QString(),
+        QStringLiteral("."),
+        QStringLiteral(".."),
+        QStringLiteral("/"),
+        QStringLiteral("../.."),
+        QStringLiteral("a/../b"),
+        QString(QChar(QChar::Null)),
+        QStringLiteral("a") + QChar(QChar::Null),
     };
     if (data.ConsumeBool())
         return hostile[data.ConsumeIntegralInRange<std::size_t>(0, std::size(hostile) - 1)];
@@ -41,7 +47,8 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
     for (int count = data.ConsumeIntegralInRange(0, 8); count > 0; --count) {
         // Half of the pattern texts in angle brackets, as the host's are.
         const QString text = FuzzInput::text(data, 16);
-        const QString key = data.ConsumeBool() ? QString(QLatin1Char('<') + text + QLatin1Char('>')) : text;
+        const QString key =
+            data.ConsumeBool() ? QString(QLatin1Char('<') + text + QLatin1Char('>')) : text;
         replacements.insert(key, FuzzInput::variant(data));
     }
     const QString pattern = FuzzInput::text(data, 256);

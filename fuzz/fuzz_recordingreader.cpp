@@ -85,8 +85,8 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
     static const QString path = dir.filePath(QStringLiteral("recording.jsonl"));
     {
         QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(reinterpret_cast<const char *>(bytes), qint64(size))
-                                                     != qint64(size))
+        if (!file.open(QIODevice::WriteOnly)
+            || file.write(reinterpret_cast<const char *>(bytes), qint64(size)) != qint64(size))
             std::abort();
     }
 

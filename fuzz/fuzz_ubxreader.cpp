@@ -18,8 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
     static const QString path = dir.filePath(QStringLiteral("log.ubx"));
     {
         QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(reinterpret_cast<const char *>(bytes), qint64(size))
-                                                     != qint64(size))
+        if (!file.open(QIODevice::WriteOnly)
+            || file.write(reinterpret_cast<const char *>(bytes), qint64(size)) != qint64(size))
             std::abort();
     }
 
@@ -36,9 +36,10 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
     qint64 epochs = 0;
     quint32 last = 0;
     while (reader.readNext()) {
-        const quint32 times[] = {source.gpsSolutionRecord().iTOW, source.gpsDopRecord().iTOW,
-                                 source.gpsUtcTimeRecord().iTOW, source.gpsSatelliteRecord().iTOW,
-                                 source.gnssPvtRecord().iTOW, source.gnssSatelliteRecord().iTOW};
+        const quint32 times[] = {
+            source.gpsSolutionRecord().iTOW, source.gpsDopRecord().iTOW,
+            source.gpsUtcTimeRecord().iTOW,  source.gpsSatelliteRecord().iTOW,
+            source.gnssPvtRecord().iTOW,     source.gnssSatelliteRecord().iTOW};
         quint32 time = 0;
         for (const quint32 t : times) {
             if (t != 0 && time != 0 && t != time)

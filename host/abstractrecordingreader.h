@@ -30,7 +30,7 @@ public:
      */
     virtual bool hasBadLine() const { return false; }
     /** After an error that hasBadLine(): forgets it, so that readNext() goes on after it. */
-    virtual void skipBadLine() {}
+    virtual void skipBadLine() { }
 
     /** The recording's property @p key; invalid when missing. */
     virtual QVariant property(const QString &key) const = 0;

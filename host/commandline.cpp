@@ -41,7 +41,8 @@ bool parse(QCommandLineParser &parser, const QString &command, const QString &de
            const QStringList &arguments, int *status)
 {
     parser.setApplicationDescription(description);
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, tr("Show this help."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  tr("Show this help."));
     const QCommandLineOption version(QStringLiteral("version"),
                                      tr("Show the versions of the program and the plug-in."));
     parser.addOptions({help, version});
@@ -53,7 +54,8 @@ bool parse(QCommandLineParser &parser, const QString &command, const QString &de
         // The first line names the program as it was called; name the command too.
         QString text = parser.helpText();
         const int start = text.indexOf(QLatin1Char(' ')) + 1;
-        text.replace(start, text.indexOf(QLatin1Char(' '), start) - start, QStringLiteral("asciiexport ") + command);
+        text.replace(start, text.indexOf(QLatin1Char(' '), start) - start,
+                     QStringLiteral("asciiexport ") + command);
         std::fputs(text.toLocal8Bit().constData(), stdout);
         *status = 0;
         return false;
@@ -61,8 +63,9 @@ bool parse(QCommandLineParser &parser, const QString &command, const QString &de
     if (parser.isSet(version)) {
         // The plug-in the command would load; only some commands take --plugin.
         const QString plugin = QStringLiteral("plugin");
-        *status = printVersion(parser.optionNames().contains(plugin) ? localFilePath(parser.value(plugin))
-                                                                     : PluginHost::defaultPluginPath());
+        *status =
+            printVersion(parser.optionNames().contains(plugin) ? localFilePath(parser.value(plugin))
+                                                               : PluginHost::defaultPluginPath());
         return false;
     }
     return true;
@@ -70,29 +73,33 @@ bool parse(QCommandLineParser &parser, const QString &command, const QString &de
 
 QCommandLineOption pluginOption()
 {
-    return QCommandLineOption(QStringLiteral("plugin"),
-                              tr("The plug-in file to load (default: %1, the first libasciiexporter.so in the "
-                                 "folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).")
-                                  .arg(PluginHost::defaultPluginPath()),
-                              tr("PATH"));
+    return QCommandLineOption(
+        QStringLiteral("plugin"),
+        tr("The plug-in file to load (default: %1, the first libasciiexporter.so in the "
+           "folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).")
+            .arg(PluginHost::defaultPluginPath()),
+        tr("PATH"));
 }
 
 QCommandLineOption settingsOption()
 {
-    return QCommandLineOption(QStringLiteral("settings"),
-                              tr("The INI file that holds the settings (default: %1).")
-                                  .arg(QDir::toNativeSeparators(QStandardPaths::writableLocation(
-                                           QStandardPaths::AppConfigLocation) + QStringLiteral("/asciiexport.ini"))),
-                              tr("FILE"));
+    return QCommandLineOption(
+        QStringLiteral("settings"),
+        tr("The INI file that holds the settings (default: %1).")
+            .arg(QDir::toNativeSeparators(
+                QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+                + QStringLiteral("/asciiexport.ini"))),
+        tr("FILE"));
 }
 
-bool parseOptionsOnly(QCommandLineParser &parser, const QString &command, const QString &description,
-                      const QStringList &arguments, int *status)
+bool parseOptionsOnly(QCommandLineParser &parser, const QString &command,
+                      const QString &description, const QStringList &arguments, int *status)
 {
     if (!parse(parser, command, description, arguments, status))
         return false;
     if (!parser.positionalArguments().isEmpty()) {
-        *status = usageError(command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
+        *status = usageError(
+            command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
         return false;
     }
     return true;
@@ -100,14 +107,16 @@ bool parseOptionsOnly(QCommandLineParser &parser, const QString &command, const 
 
 QString pluginFile(const QCommandLineParser &parser, const QCommandLineOption &option)
 {
-    return parser.isSet(option) ? localFilePath(parser.value(option)) : PluginHost::defaultPluginPath();
+    return parser.isSet(option) ? localFilePath(parser.value(option))
+                                : PluginHost::defaultPluginPath();
 }
 
 QString settingsFile(const QCommandLineParser &parser, const QCommandLineOption &option)
 {
     if (parser.isSet(option))
         return localFilePath(parser.value(option));
-    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/asciiexport.ini");
+    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+        + QStringLiteral("/asciiexport.ini");
 }
 
 bool loadPlugin(PluginHost &host, const QString &settings)

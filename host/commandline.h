@@ -32,8 +32,8 @@ int usageError(const QString &command, const QString &text);
 bool parse(QCommandLineParser &parser, const QString &command, const QString &description,
            const QStringList &arguments, int *status);
 /** As parse(), for a command that takes options only. */
-bool parseOptionsOnly(QCommandLineParser &parser, const QString &command, const QString &description,
-                      const QStringList &arguments, int *status);
+bool parseOptionsOnly(QCommandLineParser &parser, const QString &command,
+                      const QString &description, const QStringList &arguments, int *status);
 
 QCommandLineOption pluginOption();
 QCommandLineOption settingsOption();

@@ -60,7 +60,8 @@ int listSettings(const QStringList &arguments)
     parser.addOptions({plugin, settings});
     int status = 0;
     if (!parseOptionsOnly(parser, command,
-                          tr("Lists every setting of the plug-in: its current value, its default and its description."),
+                          tr("Lists every setting of the plug-in: its current value, its default "
+                             "and its description."),
                           arguments, &status))
         return status;
 
@@ -94,8 +95,9 @@ int editOptions(const QStringList &arguments)
     const QCommandLineOption settings = settingsOption();
     parser.addOptions({plugin, settings});
     int status = 0;
-    if (!parseOptionsOnly(parser, command, tr("Shows the settings dialog with the plug-in's options page."), arguments,
-                          &status))
+    if (!parseOptionsOnly(parser, command,
+                          tr("Shows the settings dialog with the plug-in's options page."),
+                          arguments, &status))
         return status;
 
     const QString fileName = settingsFile(parser, settings);
@@ -103,9 +105,8 @@ int editOptions(const QStringList &arguments)
     if (!loadPlugin(host, fileName))
         return 1;
     SettingsSynchronizer *store = host.factory()->settings();
-    SettingsDialog dialog(host.factory()->optionsPages(), [store, fileName] {
-        return saveSettings(store, fileName);
-    });
+    SettingsDialog dialog(host.factory()->optionsPages(),
+                          [store, fileName] { return saveSettings(store, fileName); });
     dialog.exec();
     return 0;
 }
@@ -117,17 +118,20 @@ int showInfo(const QStringList &arguments)
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
     const QCommandLineOption recording(QStringLiteral("recording"),
-                                       tr("Show what this recording or UBX log holds instead."), tr("FILE"));
+                                       tr("Show what this recording or UBX log holds instead."),
+                                       tr("FILE"));
     parser.addOptions({plugin, settings, recording});
     int status = 0;
-    if (!parseOptionsOnly(parser, command, tr("Shows the plug-in's metadata, name, version and file extension."),
+    if (!parseOptionsOnly(parser, command,
+                          tr("Shows the plug-in's metadata, name, version and file extension."),
                           arguments, &status))
         return status;
     if (parser.isSet(recording))
         return describeRecording(localFilePath(parser.value(recording)));
 
     PluginHost host(pluginFile(parser, plugin));
-    if (!loadPlugin(host, parser.isSet(settings) ? localFilePath(parser.value(settings)) : QString()))
+    if (!loadPlugin(host,
+                    parser.isSet(settings) ? localFilePath(parser.value(settings)) : QString()))
         return 1;
     const QJsonObject metaData = host.metaData();
     const int qtVersion = metaData.value(QStringLiteral("version")).toInt();
@@ -136,14 +140,17 @@ int showInfo(const QStringList &arguments)
         {tr("Plug-in"), QDir::toNativeSeparators(host.fileName())},
         {tr("IID"), metaData.value(QStringLiteral("IID")).toString()},
         {tr("Class"), metaData.value(QStringLiteral("className")).toString()},
-        {tr("Built for Qt"), QStringLiteral("%1.%2").arg(qtVersion >> 16).arg((qtVersion >> 8) & 0xFF)},
-        {tr("Debug build"), metaData.value(QStringLiteral("debug")).toBool() ? tr("yes") : tr("no")},
+        {tr("Built for Qt"),
+         QStringLiteral("%1.%2").arg(qtVersion >> 16).arg((qtVersion >> 8) & 0xFF)},
+        {tr("Debug build"),
+         metaData.value(QStringLiteral("debug")).toBool() ? tr("yes") : tr("no")},
         {tr("Name"), factory->name()},
         {tr("Version"), factory->version()},
         {tr("File extension"), factory->fileExtension()},
     };
     for (const auto &row : rows)
-        printLine(stdout, QStringLiteral("%1 %2").arg(row.first + QLatin1Char(':'), -15).arg(row.second));
+        printLine(stdout,
+                  QStringLiteral("%1 %2").arg(row.first + QLatin1Char(':'), -15).arg(row.second));
     return 0;
 }
 
@@ -151,33 +158,38 @@ int generate(const QStringList &arguments)
 {
     const QString command = QStringLiteral("generate");
     QCommandLineParser parser;
-    const QCommandLineOption samples(QStringLiteral("samples"), tr("Number of samples (default 1000)."),
-                                     tr("N"), QStringLiteral("1000"));
-    const QCommandLineOption rate(QStringLiteral("rate"), tr("Samples per second (default 100)."), tr("HZ"),
-                                  QStringLiteral("100"));
-    const QCommandLineOption groups(QStringLiteral("groups"),
-                                    tr("Comma-separated sample keys to write, or all (the default)."),
-                                    tr("LIST"), QStringLiteral("all"));
-    const QCommandLineOption seed(QStringLiteral("seed"), tr("Seed of the noise (default 1)."), tr("S"),
-                                  QStringLiteral("1"));
+    const QCommandLineOption samples(QStringLiteral("samples"),
+                                     tr("Number of samples (default 1000)."), tr("N"),
+                                     QStringLiteral("1000"));
+    const QCommandLineOption rate(QStringLiteral("rate"), tr("Samples per second (default 100)."),
+                                  tr("HZ"), QStringLiteral("100"));
+    const QCommandLineOption groups(
+        QStringLiteral("groups"), tr("Comma-separated sample keys to write, or all (the default)."),
+        tr("LIST"), QStringLiteral("all"));
+    const QCommandLineOption seed(QStringLiteral("seed"), tr("Seed of the noise (default 1)."),
+                                  tr("S"), QStringLiteral("1"));
     const QCommandLineOption output({QStringLiteral("o"), QStringLiteral("output")},
-                                    tr("The recording file to write; - writes to standard output."), tr("FILE"));
-    const QCommandLineOption format(QStringLiteral("format"),
-                                    tr("jsonl (the default), or ubx for a receiver log of --samples navigation "
-                                       "epochs at --rate a second."),
-                                    tr("FORMAT"), QStringLiteral("jsonl"));
+                                    tr("The recording file to write; - writes to standard output."),
+                                    tr("FILE"));
+    const QCommandLineOption format(
+        QStringLiteral("format"),
+        tr("jsonl (the default), or ubx for a receiver log of --samples navigation "
+           "epochs at --rate a second."),
+        tr("FORMAT"), QStringLiteral("jsonl"));
     parser.addOptions({samples, rate, groups, seed, output, format});
     int status = 0;
-    if (!parseOptionsOnly(parser, command,
-                          tr("Writes a synthetic recording: the same options give the same bytes. Keys: %1.")
-                          .arg(SampleReader::keys().join(QStringLiteral(", "))),
-                          arguments, &status))
+    if (!parseOptionsOnly(
+            parser, command,
+            tr("Writes a synthetic recording: the same options give the same bytes. Keys: %1.")
+                .arg(SampleReader::keys().join(QStringLiteral(", "))),
+            arguments, &status))
         return status;
     if (!parser.isSet(output))
         return usageError(command, tr("--output is required"));
     const bool ubx = parser.value(format) == QLatin1String("ubx");
     if (!ubx && parser.value(format) != QLatin1String("jsonl"))
-        return usageError(command, tr("--format takes jsonl or ubx, not \"%1\"").arg(parser.value(format)));
+        return usageError(command,
+                          tr("--format takes jsonl or ubx, not \"%1\"").arg(parser.value(format)));
     if (ubx && parser.isSet(groups))
         return usageError(command, tr("--groups applies to JSON Lines recordings only"));
 
@@ -206,7 +218,8 @@ int generate(const QStringList &arguments)
     if (fileName.isEmpty())
         return usageError(command, tr("--output takes a file name, or - for standard output"));
     OutputFile file(fileName);
-    const QString shownName = fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
+    const QString shownName =
+        fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
     if (!file.device()->open(QIODevice::WriteOnly)) {
         printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
         return 1;
@@ -231,14 +244,15 @@ int convert(const QStringList &arguments)
 {
     const QString command = QStringLiteral("convert");
     QCommandLineParser parser;
-    const QCommandLineOption output({QStringLiteral("o"), QStringLiteral("output")},
-                                    tr("The JSON Lines recording to write; - writes to standard output."),
-                                    tr("FILE"));
+    const QCommandLineOption output(
+        {QStringLiteral("o"), QStringLiteral("output")},
+        tr("The JSON Lines recording to write; - writes to standard output."), tr("FILE"));
     parser.addOption(output);
     parser.addPositionalArgument(QStringLiteral("LOG"), tr("The UBX receiver log to convert."));
     int status = 0;
     if (!parse(parser, command,
-               tr("Writes a UBX receiver log as a recording in the JSON Lines format, which exports to the same "
+               tr("Writes a UBX receiver log as a recording in the JSON Lines format, which "
+                  "exports to the same "
                   "bytes as the log."),
                arguments, &status))
         return status;
@@ -261,7 +275,8 @@ int convert(const QStringList &arguments)
     if (fileName.isEmpty())
         return usageError(command, tr("--output takes a file name, or - for standard output"));
     OutputFile file(fileName);
-    const QString shownName = fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
+    const QString shownName =
+        fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
     if (!file.device()->open(QIODevice::WriteOnly)) {
         printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
         return 1;

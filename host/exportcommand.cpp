@@ -47,7 +47,8 @@ int editDistance(const QString &a, const QString &b)
         for (int j = 1; j <= b.size(); ++j) {
             const int above = row[std::size_t(j)];
             const bool same = a.at(i - 1).toCaseFolded() == b.at(j - 1).toCaseFolded();
-            row[std::size_t(j)] = std::min({above + 1, row[std::size_t(j - 1)] + 1, diagonal + (same ? 0 : 1)});
+            row[std::size_t(j)] =
+                std::min({above + 1, row[std::size_t(j - 1)] + 1, diagonal + (same ? 0 : 1)});
             diagonal = above;
         }
     }
@@ -88,15 +89,17 @@ QString oddValue(const QString &key, const QVariant &value)
             if (text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0)
                 return QString();
         }
-        return tr("not one of Euler, Matrix, Quaternion and None: the plug-in writes no orientation columns");
+        return tr("not one of Euler, Matrix, Quaternion and None: the plug-in writes no "
+                  "orientation columns");
     }
     if (key == QLatin1String("highPrecision")) {
         for (const char *word : {"true", "false", "1", "0"}) {
             if (text == QLatin1String(word))
                 return QString();
         }
-        return value.toBool() ? tr("not one of true, false, 1 and 0: the plug-in reads it as true")
-                              : tr("not one of true, false, 1 and 0: the plug-in reads it as false");
+        return value.toBool()
+            ? tr("not one of true, false, 1 and 0: the plug-in reads it as true")
+            : tr("not one of true, false, 1 and 0: the plug-in reads it as false");
     }
     return QString();
 }
@@ -114,57 +117,72 @@ int exportRecordings(const QStringList &arguments)
     QCommandLineParser parser;
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
-    const QCommandLineOption set(QStringLiteral("set"),
-                                 tr("Change one setting for this run only; may be given again. An unknown "
-                                    "key is an error."),
-                                 tr("KEY=VALUE"));
-    const QCommandLineOption strict(QStringLiteral("strict"),
-                                    tr("Refuse setting values that the options page cannot make, instead of "
-                                       "warning about them."));
-    const QCommandLineOption output({QStringLiteral("o"), QStringLiteral("output")},
-                                    tr("Write exactly this file (one recording only); - writes to standard "
-                                       "output."),
-                                    tr("FILE"));
-    const QCommandLineOption outputDir(QStringLiteral("output-dir"),
-                                       tr("Write the files into this folder, made if need be, instead of beside "
-                                          "the recordings."),
-                                       tr("DIR"));
-    const QCommandLineOption skipBadLines(QStringLiteral("skip-bad-lines"),
-                                          tr("Export the good samples of a damaged recording: warn about each "
-                                             "bad line and go on."));
-    const QCommandLineOption groups(QStringLiteral("groups"),
-                                    tr("The data groups to export, comma-separated, as the options page names "
-                                       "them (such as \"packet counter,rate of turn,quaternion\"), or all or "
-                                       "none; --set goes on from there."),
-                                    tr("LIST"));
-    const QCommandLineOption from(QStringLiteral("from"),
-                                  tr("Export from this sample on: an index (0 is the first sample) or seconds "
-                                     "from the start such as 12.5s."),
-                                  tr("WHERE"));
-    const QCommandLineOption to(QStringLiteral("to"),
-                                tr("Export up to this sample, which is not exported itself: an index or "
-                                   "seconds from the start."),
-                                tr("WHERE"));
-    const QCommandLineOption every(QStringLiteral("every"), tr("Export every N-th of these samples."), tr("N"));
-    const QCommandLineOption jobs(QStringLiteral("jobs"),
-                                  tr("Export up to N recordings at a time, each in a process of its own; the "
-                                     "files and messages are those of one export after another."),
-                                  tr("N"));
-    const QCommandLineOption progress(QStringLiteral("progress"),
-                                      tr("Show progress even when standard error is not a terminal."));
+    const QCommandLineOption set(
+        QStringLiteral("set"),
+        tr("Change one setting for this run only; may be given again. An unknown "
+           "key is an error."),
+        tr("KEY=VALUE"));
+    const QCommandLineOption strict(
+        QStringLiteral("strict"),
+        tr("Refuse setting values that the options page cannot make, instead of "
+           "warning about them."));
+    const QCommandLineOption output(
+        {QStringLiteral("o"), QStringLiteral("output")},
+        tr("Write exactly this file (one recording only); - writes to standard "
+           "output."),
+        tr("FILE"));
+    const QCommandLineOption outputDir(
+        QStringLiteral("output-dir"),
+        tr("Write the files into this folder, made if need be, instead of beside "
+           "the recordings."),
+        tr("DIR"));
+    const QCommandLineOption skipBadLines(
+        QStringLiteral("skip-bad-lines"),
+        tr("Export the good samples of a damaged recording: warn about each "
+           "bad line and go on."));
+    const QCommandLineOption groups(
+        QStringLiteral("groups"),
+        tr("The data groups to export, comma-separated, as the options page names "
+           "them (such as \"packet counter,rate of turn,quaternion\"), or all or "
+           "none; --set goes on from there."),
+        tr("LIST"));
+    const QCommandLineOption from(
+        QStringLiteral("from"),
+        tr("Export from this sample on: an index (0 is the first sample) or seconds "
+           "from the start such as 12.5s."),
+        tr("WHERE"));
+    const QCommandLineOption to(
+        QStringLiteral("to"),
+        tr("Export up to this sample, which is not exported itself: an index or "
+           "seconds from the start."),
+        tr("WHERE"));
+    const QCommandLineOption every(QStringLiteral("every"),
+                                   tr("Export every N-th of these samples."), tr("N"));
+    const QCommandLineOption jobs(
+        QStringLiteral("jobs"),
+        tr("Export up to N recordings at a time, each in a process of its own; the "
+           "files and messages are those of one export after another."),
+        tr("N"));
+    const QCommandLineOption progress(
+        QStringLiteral("progress"),
+        tr("Show progress even when standard error is not a terminal."));
     const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")},
                                    tr("Show no progress, and do not name the files written."));
-    parser.addOptions({plugin, settings, set, strict, groups, from, to, every, output, outputDir, skipBadLines,
-                       jobs, progress, quiet});
-    parser.addPositionalArgument(QStringLiteral("RECORDING"),
-                                 tr("Recordings to export (JSON Lines or UBX logs); - reads one from standard "
-                                    "input."),
-                                 QStringLiteral("RECORDING..."));
+    parser.addOptions({plugin, settings, set, strict, groups, from, to, every, output, outputDir,
+                       skipBadLines, jobs, progress, quiet});
+    parser.addPositionalArgument(
+        QStringLiteral("RECORDING"),
+        tr("Recordings to export (JSON Lines or UBX logs); - reads one from standard "
+           "input."),
+        QStringLiteral("RECORDING..."));
     int status = 0;
     if (!parse(parser, command,
-               tr("Exports recordings as delimited text, one file per recording. The output file is named "
-                  "by the settings outputFileFormat and outputFileExtension unless --output is given.\n"
-                  "Exit status: 0 when every recording was exported, 1 when one failed, 2 for a usage error "
+               tr("Exports recordings as delimited text, one file per recording. The output file "
+                  "is named "
+                  "by the settings outputFileFormat and outputFileExtension unless --output is "
+                  "given.\n"
+                  "Exit status: 0 when every recording was exported, 1 when one failed, 2 for a "
+                  "usage error "
                   "(an unknown option or setting key, a value a setting cannot take)."),
                arguments, &status))
         return status;
@@ -183,16 +201,19 @@ int exportRecordings(const QStringList &arguments)
     if (parser.isSet(outputDir) && parser.value(outputDir).isEmpty())
         return usageError(command, tr("--output-dir takes a folder name"));
     if (parser.isSet(output) && recordings.size() > 1)
-        return usageError(command, tr("--output takes one recording only; use --output-dir for several"));
+        return usageError(command,
+                          tr("--output takes one recording only; use --output-dir for several"));
     if (parser.isSet(progress) && parser.isSet(quiet))
         return usageError(command, tr("--progress and --quiet exclude each other"));
     SampleSelection selection;
     QString problem;
-    if (parser.isSet(from) && !SampleSelection::parseBound(parser.value(from), &selection.from, &problem))
+    if (parser.isSet(from)
+        && !SampleSelection::parseBound(parser.value(from), &selection.from, &problem))
         return usageError(command, QStringLiteral("--from ") + problem);
     if (parser.isSet(to) && !SampleSelection::parseBound(parser.value(to), &selection.to, &problem))
         return usageError(command, QStringLiteral("--to ") + problem);
-    if (selection.from.kind == selection.to.kind && selection.to.kind != SampleSelection::Bound::Kind::None
+    if (selection.from.kind == selection.to.kind
+        && selection.to.kind != SampleSelection::Bound::Kind::None
         && selection.from.value >= selection.to.value)
         return usageError(command, tr("--from must come before --to"));
     bool ok = true;
@@ -207,7 +228,8 @@ int exportRecordings(const QStringList &arguments)
         if (!ok || jobCount < 1)
             return usageError(command, tr("--jobs takes a whole number of 1 or more"));
         if (jobCount > 1 && recordings.contains(QStringLiteral("-")))
-            return usageError(command, tr("--jobs cannot share standard input (-) between processes"));
+            return usageError(command,
+                              tr("--jobs cannot share standard input (-) between processes"));
     }
     QList<QPair<QString, QString>> changes;
     for (const QString &change : parser.values(set)) {
@@ -232,19 +254,23 @@ int exportRecordings(const QStringList &arguments)
     QSet<QString> changed;
     for (const auto &change : qAsConst(changes)) {
         if (!knownKeys.contains(change.first)) {
-            return usageError(command, tr("unknown setting \"%1\"; did you mean \"%2\"?")
-                                           .arg(change.first, nearest(change.first, knownKeys)));
+            return usageError(command,
+                              tr("unknown setting \"%1\"; did you mean \"%2\"?")
+                                  .arg(change.first, nearest(change.first, knownKeys)));
         }
         QVariant value;
         if (!store->valueFromText(change.first, change.second, &value))
-            return usageError(command, tr("%1 takes true, false, 1 or 0, not \"%2\"").arg(change.first, change.second));
+            return usageError(
+                command,
+                tr("%1 takes true, false, 1 or 0, not \"%2\"").arg(change.first, change.second));
         const QString odd = oddValue(change.first, value);
         if (!odd.isEmpty())
             warnings.append(tr("--set %1=%2: %3").arg(change.first, change.second, odd));
         store->setSetting(change.first, value);
         changed.insert(change.first);
     }
-    for (const QString &key : {QStringLiteral("exportOrientation"), QStringLiteral("highPrecision")}) {
+    for (const QString &key :
+         {QStringLiteral("exportOrientation"), QStringLiteral("highPrecision")}) {
         if (changed.contains(key) || !store->hasStoredSetting(key))
             continue;
         const QVariant value = store->setting(key);
@@ -259,7 +285,8 @@ int exportRecordings(const QStringList &arguments)
     }
 
     if (parser.isSet(outputDir) && !QDir().mkpath(localFilePath(parser.value(outputDir)))) {
-        printError(tr("%1: the folder cannot be made: %2").arg(parser.value(outputDir), reasonText(errno)));
+        printError(tr("%1: the folder cannot be made: %2")
+                       .arg(parser.value(outputDir), reasonText(errno)));
         return 1;
     }
     QSet<QString> recordingFiles;
@@ -269,28 +296,33 @@ int exportRecordings(const QStringList &arguments)
             recordingFiles.insert(info.canonicalFilePath());
     }
 
-    const bool showProgress = parser.isSet(progress) || (!parser.isSet(quiet) && ::isatty(STDERR_FILENO));
+    const bool showProgress =
+        parser.isSet(progress) || (!parser.isSet(quiet) && ::isatty(STDERR_FILENO));
     ProgressBar bar(stderr);
     const OutputNamer namer(store->setting(QStringLiteral("outputFileFormat")).toString(),
-                            factory->fileExtension(), parser.value(outputDir), QDateTime::currentDateTime());
-    QHash<QString, QString> written;  // output file -> recording
+                            factory->fileExtension(), parser.value(outputDir),
+                            QDateTime::currentDateTime());
+    QHash<QString, QString> written; // output file -> recording
     const auto outputName = [&](int i, const QVariantMap &properties, QString *problem) {
         const QString &recording = recordings.at(i);
         if (parser.isSet(output) && parser.value(output) == OutputFile::standardOutputName())
             return OutputFile::standardOutputName();
-        QString file = parser.isSet(output) ? QFileInfo(localFilePath(parser.value(output))).absoluteFilePath()
-                                            : namer.fileName(recording, i + 1, properties, problem);
+        QString file = parser.isSet(output)
+            ? QFileInfo(localFilePath(parser.value(output))).absoluteFilePath()
+            : namer.fileName(recording, i + 1, properties, problem);
         if (file.isEmpty())
             return QString();
         if (written.contains(file)) {
-            *problem = tr("%1: the output file %2 was written for %3 already").arg(recording, file, written.value(file));
+            *problem = tr("%1: the output file %2 was written for %3 already")
+                           .arg(recording, file, written.value(file));
             return QString();
         }
         // A later recording of the batch must still be there when its turn comes.
         const QFileInfo target(file);
         if (target.exists() && recordingFiles.contains(target.canonicalFilePath())
             && target.canonicalFilePath() != QFileInfo(recording).canonicalFilePath()) {
-            *problem = tr("%1: the output file %2 would replace a recording of this run").arg(recording, file);
+            *problem = tr("%1: the output file %2 would replace a recording of this run")
+                           .arg(recording, file);
             return QString();
         }
         written.insert(file, recording);
@@ -318,7 +350,8 @@ int exportRecordings(const QStringList &arguments)
         };
         const bool done = job.run(recording, name, followReading);
         bar.clear();
-        const QString shownName = recording == QLatin1String("-") ? ExportJob::standardInputName() : recording;
+        const QString shownName =
+            recording == QLatin1String("-") ? ExportJob::standardInputName() : recording;
         if (job.linesSkipped() > 0) {
             printError(tr("%1: samples written: %2, bad lines skipped: %3")
                            .arg(shownName)
@@ -345,14 +378,17 @@ int exportRecordings(const QStringList &arguments)
         for (int i = 0; i < recordings.size(); ++i) {
             RecordingInput input;
             QString nameProblem;
-            const QString name = input.open(recordings.at(i)) ? outputName(i, input.properties(), &nameProblem)
-                                                               : QString();
+            const QString name = input.open(recordings.at(i))
+                ? outputName(i, input.properties(), &nameProblem)
+                : QString();
             givenNames.append({name, nameProblem});
-            sizes.append(QFileInfo(recordings.at(i)).isFile() ? QFileInfo(recordings.at(i)).size() : 0);
+            sizes.append(QFileInfo(recordings.at(i)).isFile() ? QFileInfo(recordings.at(i)).size()
+                                                              : 0);
         }
         const QString label = tr("%1 recordings").arg(recordings.size());
         return ParallelExports::run(
-            sizes, jobCount, [&exportOne](int i, const ParallelExports::TaskProgress &report) {
+            sizes, jobCount,
+            [&exportOne](int i, const ParallelExports::TaskProgress &report) {
                 return exportOne(i, [&report](qint64 position, qint64) { report(position); });
             },
             [&](qint64 done, qint64 total) {
@@ -367,8 +403,9 @@ int exportRecordings(const QStringList &arguments)
     }
 
     for (int i = 0; i < recordings.size(); ++i) {
-        const QString label = recordings.at(i) == QLatin1String("-") ? ExportJob::standardInputName()
-                                                                     : QFileInfo(recordings.at(i)).fileName();
+        const QString label = recordings.at(i) == QLatin1String("-")
+            ? ExportJob::standardInputName()
+            : QFileInfo(recordings.at(i)).fileName();
         const auto followReading = [&](qint64 position, qint64 size) {
             if (showProgress)
                 bar.update(label, position, size);

@@ -16,8 +16,7 @@
 
 ExportJob::ExportJob(AbstractExporterFactory *factory)
     : factory(factory)
-{
-}
+{ }
 
 void ExportJob::setSkipBadLines(bool skip, const WarningHandler &handler)
 {
@@ -36,7 +35,8 @@ void ExportJob::setSelection(const SampleSelection &samples)
     selection = samples;
 }
 
-bool ExportJob::run(const QString &recording, const OutputName &outputName, const Progress &progress)
+bool ExportJob::run(const QString &recording, const OutputName &outputName,
+                    const Progress &progress)
 {
     error.clear();
     output.clear();
@@ -49,11 +49,12 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, cons
     const bool fromStandardInput = recording == QLatin1String("-");
     const bool opened = fromStandardInput
         ? standardInput.open(STDIN_FILENO, QIODevice::ReadOnly, QFileDevice::DontCloseHandle)
-              && reader.open(&standardInput, standardInputName())
+            && reader.open(&standardInput, standardInputName())
         : reader.open(recording);
     if (!opened) {
         if (skipBadLines && reader.hasBadLine())
-            return fail(tr("%1 (a recording cannot be salvaged without its first line, the recording object)")
+            return fail(tr("%1 (a recording cannot be salvaged without its first line, the "
+                           "recording object)")
                             .arg(reader.errorString()));
         return fail(reader.errorString());
     }
@@ -64,7 +65,8 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, cons
         return fail(problem);
     if (!fromStandardInput && output != OutputFile::standardOutputName()) {
         const QFileInfo target(output);
-        if (target.exists() && target.canonicalFilePath() == QFileInfo(recording).canonicalFilePath())
+        if (target.exists()
+            && target.canonicalFilePath() == QFileInfo(recording).canonicalFilePath())
             return fail(tr("%1: the output file would replace the recording itself").arg(output));
     }
 
@@ -91,7 +93,7 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, cons
                         .arg(fromStandardInput ? standardInputName() : recording));
     }
     const bool everything = selection.isEverything();
-    qint64 index = 0;  // of the sample read last
+    qint64 index = 0; // of the sample read last
     for (;; ++index) {
         if (!everything && selection.isPastEnd(index, rate))
             break;
@@ -104,7 +106,7 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, cons
             const QString message = reader.errorString();
             reader.skipBadLine();
             ++skipped;
-            --index;  // a bad line is not a sample
+            --index; // a bad line is not a sample
             warning(tr("%1 (skipped)").arg(message));
             continue;
         } else {
@@ -119,7 +121,8 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName, cons
 
     if (reader.hasError()) {
         if (reader.hasBadLine())
-            return fail(tr("%1 (--skip-bad-lines exports the other samples)").arg(reader.errorString()));
+            return fail(
+                tr("%1 (--skip-bad-lines exports the other samples)").arg(reader.errorString()));
         return fail(reader.errorString());
     }
     if (!file.commit()) {

@@ -97,8 +97,10 @@ bool GroupSelection::apply(const QString &list, SettingsSynchronizer *store, QSt
         }
         for (const Orientation &format : orientations) {
             // "Euler" alone names Euler angles too, as the setting does
-            if (wanted == folded(QLatin1String(format.label)) || wanted == folded(QLatin1String(format.value))) {
-                if (orientation != QLatin1String("None") && orientation != QLatin1String(format.value)) {
+            if (wanted == folded(QLatin1String(format.label))
+                || wanted == folded(QLatin1String(format.value))) {
+                if (orientation != QLatin1String("None")
+                    && orientation != QLatin1String(format.value)) {
                     *problem = tr("--groups names two orientations; the file holds one");
                     return false;
                 }

@@ -33,6 +33,7 @@ public:
     /** The names a list may hold. */
     static QStringList names();
 
-    /** Applies @p list to @p store; false, with @p problem set, for a list that names no known group. */
+    /** Applies @p list to @p store; false, with @p problem set, for a list that names no known
+     * group. */
     static bool apply(const QString &list, SettingsSynchronizer *store, QString *problem);
 };

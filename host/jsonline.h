@@ -56,10 +56,12 @@ public:
         endObject();
     }
 
-    template <typename Record, std::size_t count, typename Entry, std::size_t entryCount, std::size_t capacity>
-    void listRecord(const RecordFields::Field<Record> (&table)[count], const Record &value, std::string_view listName,
-                    const RecordFields::Field<Entry> (&entryTable)[entryCount], const Entry (&entries)[capacity],
-                    int used)
+    template <typename Record, std::size_t count, typename Entry, std::size_t entryCount,
+              std::size_t capacity>
+    void listRecord(const RecordFields::Field<Record> (&table)[count], const Record &value,
+                    std::string_view listName,
+                    const RecordFields::Field<Entry> (&entryTable)[entryCount],
+                    const Entry (&entries)[capacity], int used)
     {
         beginObject();
         fields(table, value);

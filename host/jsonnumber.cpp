@@ -94,7 +94,8 @@ double toDouble(std::string_view text)
                                    : std::numeric_limits<double>::infinity();
     }
     double value = 0.0;
-    if (std::from_chars(text.data(), text.data() + text.size(), value).ec == std::errc::result_out_of_range) {
+    if (std::from_chars(text.data(), text.data() + text.size(), value).ec
+        == std::errc::result_out_of_range) {
         value = belowOne(text) ? 0.0 : std::numeric_limits<double>::infinity();
         if (text.front() == '-')
             value = -value;

@@ -18,9 +18,9 @@ namespace JsonNumber {
 struct Integer
 {
     enum class Kind {
-        Signed,    ///< fits in 64 bits signed: `value`
-        Unsigned,  ///< beyond that, within 64 bits unsigned: `unsignedValue`
-        Other      ///< not an integer literal, or beyond 64 bits
+        Signed, ///< fits in 64 bits signed: `value`
+        Unsigned, ///< beyond that, within 64 bits unsigned: `unsignedValue`
+        Other ///< not an integer literal, or beyond 64 bits
     };
 
     Kind kind = Kind::Other;

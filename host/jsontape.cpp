@@ -10,8 +10,8 @@ namespace {
 // In situ: strings are unescaped where they stand and numbers are handed
 // over as their text, so that nothing is copied and no number is rounded
 // by the parser.
-constexpr unsigned fastFlags =
-    rapidjson::kParseInsituFlag | rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseNanAndInfFlag;
+constexpr unsigned fastFlags = rapidjson::kParseInsituFlag | rapidjson::kParseNumbersAsStringsFlag
+    | rapidjson::kParseNanAndInfFlag;
 // Checking the encoding costs a look at every byte of every string; a text
 // of ASCII alone has nothing to check, and both parses agree on it.
 constexpr unsigned validatingFlags = fastFlags | rapidjson::kParseValidateEncodingFlag;
@@ -42,12 +42,17 @@ bool fail(QString *error, const QString &what)
 class TapeBuilder : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, TapeBuilder>
 {
 public:
-    explicit TapeBuilder(std::vector<JsonTape::Token> &tokens) : tokens(tokens) {}
+    explicit TapeBuilder(std::vector<JsonTape::Token> &tokens)
+        : tokens(tokens)
+    { }
 
     bool tooDeep() const { return exceeded; }
 
     bool Null() { return add(JsonTape::Kind::Null, nullptr, 0); }
-    bool Bool(bool value) { return add(value ? JsonTape::Kind::True : JsonTape::Kind::False, nullptr, 0); }
+    bool Bool(bool value)
+    {
+        return add(value ? JsonTape::Kind::True : JsonTape::Kind::False, nullptr, 0);
+    }
     bool RawNumber(const char *text, rapidjson::SizeType length, bool)
     {
         return add(JsonTape::Kind::Number, text, length);
@@ -56,7 +61,10 @@ public:
     {
         return add(JsonTape::Kind::String, text, length);
     }
-    bool Key(const char *text, rapidjson::SizeType length, bool) { return add(JsonTape::Kind::Key, text, length); }
+    bool Key(const char *text, rapidjson::SizeType length, bool)
+    {
+        return add(JsonTape::Kind::Key, text, length);
+    }
     bool StartObject() { return open(JsonTape::Kind::Object); }
     bool EndObject(rapidjson::SizeType count) { return close(count); }
     bool StartArray() { return open(JsonTape::Kind::List); }
@@ -96,9 +104,12 @@ private:
 bool JsonTape::parse(std::string &text, QString *error)
 {
     tokens.clear();
-    // memchr looks for the terminator; it needs none. NOLINTNEXTLINE(bugprone-not-null-terminated-result)
+    // memchr looks for the terminator; it needs none.
+    // NOLINTNEXTLINE(bugprone-not-null-terminated-result)
     if (const void *nul = std::memchr(text.data(), '\0', text.size()))
-        return fail(error, tr("NUL byte at column %1").arg(static_cast<const char *>(nul) - text.data() + 1));
+        return fail(
+            error,
+            tr("NUL byte at column %1").arg(static_cast<const char *>(nul) - text.data() + 1));
     const bool ascii = isAscii(text.data(), text.size());
     text.append(continuationBytes, '\0');
 
@@ -112,8 +123,10 @@ bool JsonTape::parse(std::string &text, QString *error)
     if (builder.tooDeep())
         return fail(error, tr("lists and objects nested deeper than %1 levels").arg(maxNesting));
     if (reader.HasParseError())
-        return fail(error, tr("malformed JSON at column %1: %2")
-                               .arg(reader.GetErrorOffset() + 1)
-                               .arg(QString::fromLatin1(rapidjson::GetParseError_En(reader.GetParseErrorCode()))));
+        return fail(
+            error,
+            tr("malformed JSON at column %1: %2")
+                .arg(reader.GetErrorOffset() + 1)
+                .arg(QString::fromLatin1(rapidjson::GetParseError_En(reader.GetParseErrorCode()))));
     return true;
 }

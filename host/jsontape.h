@@ -65,7 +65,9 @@ private:
 class JsonTape::Value
 {
 public:
-    explicit Value(const Token *token) : token(token) {}
+    explicit Value(const Token *token)
+        : token(token)
+    { }
 
     Kind kind() const { return token->kind; }
     bool isNull() const { return token->kind == Kind::Null; }
@@ -105,7 +107,9 @@ public:
     class Iterator
     {
     public:
-        explicit Iterator(const Token *token) : token(token) {}
+        explicit Iterator(const Token *token)
+            : token(token)
+        { }
         Value operator*() const { return Value(token); }
         Iterator &operator++()
         {
@@ -118,7 +122,9 @@ public:
         const Token *token;
     };
 
-    explicit Entries(const Token *list) : list(list) {}
+    explicit Entries(const Token *list)
+        : list(list)
+    { }
     Iterator begin() const { return Iterator(list + 1); }
     Iterator end() const { return Iterator(list + list->span); }
 
@@ -133,7 +139,9 @@ public:
     class Iterator
     {
     public:
-        explicit Iterator(const Token *key) : key(key) {}
+        explicit Iterator(const Token *key)
+            : key(key)
+        { }
         Member operator*() const { return {{key->text, key->size}, Value(key + 1)}; }
         Iterator &operator++()
         {
@@ -146,7 +154,9 @@ public:
         const Token *key;
     };
 
-    explicit Members(const Token *object) : object(object) {}
+    explicit Members(const Token *object)
+        : object(object)
+    { }
     Iterator begin() const { return Iterator(object + 1); }
     Iterator end() const { return Iterator(object + object->span); }
 

@@ -25,6 +25,7 @@ struct KeyPath
         QString own = key ? QString::fromUtf8(key) : QStringLiteral("[%1]").arg(index);
         if (!parent)
             return own;
-        return key ? QString(parent->text() + QLatin1Char('.') + own) : QString(parent->text() + own);
+        return key ? QString(parent->text() + QLatin1Char('.') + own)
+                   : QString(parent->text() + own);
     }
 };

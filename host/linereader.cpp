@@ -15,8 +15,7 @@ static_assert(blockSize <= LineReader::maxLineLength);
 LineReader::LineReader(QIODevice *device)
     : device(device)
     , block(blockSize + padding)
-{
-}
+{ }
 
 LineReader::Status LineReader::next()
 {

@@ -33,10 +33,10 @@ public:
     static constexpr std::size_t padding = 64;
 
     enum class Status {
-        Line,     ///< a line was read: line() holds it
-        End,      ///< the device has no more
-        TooLong,  ///< the line is longer than maxLineLength; the next call goes on after it
-        Failed    ///< the device failed; errorString() says why
+        Line, ///< a line was read: line() holds it
+        End, ///< the device has no more
+        TooLong, ///< the line is longer than maxLineLength; the next call goes on after it
+        Failed ///< the device failed; errorString() says why
     };
 
     /** Reads from @p device, which must be open and must outlive the reader. */

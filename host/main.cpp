@@ -14,22 +14,23 @@
 
 namespace {
 
-const char overview[] = QT_TRANSLATE_NOOP("main",
-    "Usage: asciiexport COMMAND [options]\n"
-    "\n"
-    "Exports motion-tracker recordings as delimited text through the ASCII\n"
-    "exporter plug-in, and edits its settings.\n"
-    "\n"
-    "Commands:\n"
-    "  export     export recordings, one text file each\n"
-    "  settings   list every setting: value, default, description\n"
-    "  options    edit the settings in the settings dialog\n"
-    "  info       show the plug-in's metadata, name, version and extension\n"
-    "  generate   write a synthetic recording\n"
-    "  convert    write a UBX receiver log as a JSON Lines recording\n"
-    "\n"
-    "'asciiexport COMMAND --help' tells more about each command; 'asciiexport\n"
-    "--version' shows the versions of the program and the plug-in.\n");
+const char overview[] =
+    QT_TRANSLATE_NOOP("main",
+                      "Usage: asciiexport COMMAND [options]\n"
+                      "\n"
+                      "Exports motion-tracker recordings as delimited text through the ASCII\n"
+                      "exporter plug-in, and edits its settings.\n"
+                      "\n"
+                      "Commands:\n"
+                      "  export     export recordings, one text file each\n"
+                      "  settings   list every setting: value, default, description\n"
+                      "  options    edit the settings in the settings dialog\n"
+                      "  info       show the plug-in's metadata, name, version and extension\n"
+                      "  generate   write a synthetic recording\n"
+                      "  convert    write a UBX receiver log as a JSON Lines recording\n"
+                      "\n"
+                      "'asciiexport COMMAND --help' tells more about each command; 'asciiexport\n"
+                      "--version' shows the versions of the program and the plug-in.\n");
 
 } // namespace
 
@@ -42,14 +43,15 @@ int main(int argc, char *argv[])
     bool help = false;
     for (int i = 2; i < argc; ++i)
         help = help || qstrcmp(argv[i], "-h") == 0 || qstrcmp(argv[i], "--help") == 0
-               || qstrcmp(argv[i], "--version") == 0;
+            || qstrcmp(argv[i], "--version") == 0;
     // Only the dialog needs a display, not its help or versions.
     std::unique_ptr<QCoreApplication> application;
     if (command == QLatin1String("options") && !help) {
         if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
             && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
             std::fputs("asciiexport options: no display to show the dialog on "
-                       "(set DISPLAY, or QT_QPA_PLATFORM=offscreen)\n", stderr);
+                       "(set DISPLAY, or QT_QPA_PLATFORM=offscreen)\n",
+                       stderr);
             return 1;
         }
         application = std::make_unique<QApplication>(argc, argv);
@@ -76,18 +78,23 @@ int main(int argc, char *argv[])
         return Commands::generate(arguments);
     if (command == QLatin1String("convert"))
         return Commands::convert(arguments);
-    if (command == QLatin1String("-h") || command == QLatin1String("--help") || command == QLatin1String("help")) {
+    if (command == QLatin1String("-h") || command == QLatin1String("--help")
+        || command == QLatin1String("help")) {
         std::fputs(QCoreApplication::translate("main", overview).toLocal8Bit().constData(), stdout);
         return 0;
     }
     if (command == QLatin1String("--version"))
         return printVersion(PluginHost::defaultPluginPath());
     if (command.isEmpty())
-        std::fprintf(stderr, "asciiexport: %s\n",
-                     QCoreApplication::translate("main", "no command given").toLocal8Bit().constData());
+        std::fprintf(
+            stderr, "asciiexport: %s\n",
+            QCoreApplication::translate("main", "no command given").toLocal8Bit().constData());
     else
         std::fprintf(stderr, "asciiexport: %s\n",
-                     QCoreApplication::translate("main", "unknown command \"%1\"").arg(command).toLocal8Bit().constData());
+                     QCoreApplication::translate("main", "unknown command \"%1\"")
+                         .arg(command)
+                         .toLocal8Bit()
+                         .constData());
     std::fputs(QCoreApplication::translate("main", overview).toLocal8Bit().constData(), stderr);
     return 2;
 }

@@ -39,7 +39,8 @@ bool OnDemandFieldReader::dateTime(Value &value, const KeyPath &, QDateTime *out
     std::string_view text;
     if (value.get_string().get(text))
         return false;
-    *out = QDateTime::fromString(QString::fromUtf8(text.data(), int(text.size())), Qt::ISODateWithMs);
+    *out =
+        QDateTime::fromString(QString::fromUtf8(text.data(), int(text.size())), Qt::ISODateWithMs);
     return out->isValid();
 }
 
@@ -58,9 +59,11 @@ bool OnDemandFieldReader::check(Value &value)
         return literal(value, &number);
     switch (type) {
     case simdjson::ondemand::json_type::object:
-        return object(value, KeyPath::top(""), [this](Key key, Value &member) { return unknown(key, member); });
+        return object(value, KeyPath::top(""),
+                      [this](Key key, Value &member) { return unknown(key, member); });
     case simdjson::ondemand::json_type::array:
-        return list(value, KeyPath::top(""), [] {}, [this](Value &entry, int) { return check(entry); });
+        return list(
+            value, KeyPath::top(""), [] {}, [this](Value &entry, int) { return check(entry); });
     case simdjson::ondemand::json_type::number:
         return this->number(value, KeyPath::top(""), &number);
     case simdjson::ondemand::json_type::string: {

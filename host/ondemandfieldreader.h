@@ -76,9 +76,9 @@ public:
 
     bool numbers(Value &value, const KeyPath &path, int count, double *out)
     {
-        return list(value, path, count, [] {}, [&](Value &entry, int index) {
-            return number(entry, path, out + index);
-        });
+        return list(
+            value, path, count, [] {},
+            [&](Value &entry, int index) { return number(entry, path, out + index); });
     }
 
     bool dateTime(Value &value, const KeyPath &path, QDateTime *out);
@@ -103,9 +103,9 @@ public:
     bool list(Value &value, const KeyPath &path, int count, Describe describe, Read read)
     {
         int entries = 0;
-        return list(value, path, describe, [&](Value &item, int index) {
-            return ++entries <= count && read(item, index);
-        }) && entries == count;
+        return list(value, path, describe,
+                    [&](Value &item, int index) { return ++entries <= count && read(item, index); })
+            && entries == count;
     }
 
     template <typename Read>
@@ -124,7 +124,8 @@ public:
         return leave();
     }
 
-    /** A member whose key the reader does not know: checked as the tape's parser would, then ignored. */
+    /** A member whose key the reader does not know: checked as the tape's parser would, then
+     * ignored. */
     bool unknown(Key key, Value &value);
 
     bool duplicate(const KeyPath &) { return false; }

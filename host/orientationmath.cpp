@@ -32,11 +32,12 @@ KvEulerAngles eulerFromQuaternion(const KvQuaternion &q)
     const Components c = normalized(q);
     KvEulerAngles angles;
     angles.roll = std::atan2(2.0 * (c.w * c.x + c.y * c.z), 1.0 - 2.0 * (c.x * c.x + c.y * c.y))
-            * degreesPerRadian;
+        * degreesPerRadian;
     // Rounding can push the sine just past 1 at +-90 degrees of pitch.
-    angles.pitch = std::asin(std::clamp(2.0 * (c.w * c.y - c.z * c.x), -1.0, 1.0)) * degreesPerRadian;
+    angles.pitch =
+        std::asin(std::clamp(2.0 * (c.w * c.y - c.z * c.x), -1.0, 1.0)) * degreesPerRadian;
     angles.yaw = std::atan2(2.0 * (c.w * c.z + c.x * c.y), 1.0 - 2.0 * (c.y * c.y + c.z * c.z))
-            * degreesPerRadian;
+        * degreesPerRadian;
     return angles;
 }
 
@@ -44,9 +45,11 @@ KvMatrix matrixFromQuaternion(const KvQuaternion &q)
 {
     const Components c = normalized(q);
     const double rowMajor[9] = {
-        1.0 - 2.0 * (c.y * c.y + c.z * c.z), 2.0 * (c.x * c.y - c.w * c.z), 2.0 * (c.x * c.z + c.w * c.y),
-        2.0 * (c.x * c.y + c.w * c.z), 1.0 - 2.0 * (c.x * c.x + c.z * c.z), 2.0 * (c.y * c.z - c.w * c.x),
-        2.0 * (c.x * c.z - c.w * c.y), 2.0 * (c.y * c.z + c.w * c.x), 1.0 - 2.0 * (c.x * c.x + c.y * c.y),
+        1.0 - 2.0 * (c.y * c.y + c.z * c.z), 2.0 * (c.x * c.y - c.w * c.z),
+        2.0 * (c.x * c.z + c.w * c.y),       2.0 * (c.x * c.y + c.w * c.z),
+        1.0 - 2.0 * (c.x * c.x + c.z * c.z), 2.0 * (c.y * c.z - c.w * c.x),
+        2.0 * (c.x * c.z - c.w * c.y),       2.0 * (c.y * c.z + c.w * c.x),
+        1.0 - 2.0 * (c.x * c.x + c.y * c.y),
     };
     return KvMatrix(rowMajor);
 }

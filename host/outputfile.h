@@ -44,7 +44,8 @@ public:
 
 private:
     class Device;
-    template <class File> class Checked;
+    template <class File>
+    class Checked;
 
     QString fileName;
     std::unique_ptr<QFileDevice> file;

@@ -22,22 +22,24 @@ OutputNamer::OutputNamer(const QString &pattern, const QString &extension, const
     , extension(extension)
     , outputDir(localFilePath(outputDir))
     , now(now)
-{
-}
+{ }
 
-QString OutputNamer::fileName(const QString &recording, int sequenceNumber, const QVariantMap &properties,
-                              QString *problem) const
+QString OutputNamer::fileName(const QString &recording, int sequenceNumber,
+                              const QVariantMap &properties, QString *problem) const
 {
     const bool standardInput = recording == QLatin1String("-");
     const QFileInfo input(localFilePath(recording));
     const auto property = [&properties](const char *key) {
-        return properties.value(QLatin1String(key)).toString()
+        return properties.value(QLatin1String(key))
+            .toString()
             .replace(QLatin1Char('/'), QLatin1Char('_'))
             .replace(QChar(QChar::Null), QLatin1Char('_'));
     };
     const FileNamePatternReplacer replacer(QMap<QString, QVariant>{
-        {QStringLiteral("<inputfile>"), standardInput ? QStringLiteral("stdin") : input.completeBaseName()},
-        {QStringLiteral("<seqnr>"), QStringLiteral("%1").arg(sequenceNumber, 3, 10, QLatin1Char('0'))},
+        {QStringLiteral("<inputfile>"),
+         standardInput ? QStringLiteral("stdin") : input.completeBaseName()},
+        {QStringLiteral("<seqnr>"),
+         QStringLiteral("%1").arg(sequenceNumber, 3, 10, QLatin1Char('0'))},
         {QStringLiteral("<date>"), now.toString(QStringLiteral("yyyy-MM-dd"))},
         {QStringLiteral("<time>"), now.toString(QStringLiteral("HH'h'mm"))},
         {QStringLiteral("<deviceid>"), property("DeviceId")},
@@ -53,12 +55,14 @@ QString OutputNamer::fileName(const QString &recording, int sequenceNumber, cons
         const QString piece = replacer.parse(pieces.at(i));
         const bool last = i == pieces.size() - 1;
         if (last ? isNoName(piece) : isNoName(piece) && piece != pieces.at(i)) {
-            *problem = last ? tr("%1: the output file name pattern \"%2\" gives the file name \"%3\" for this "
-                                 "recording, which names no file")
-                                  .arg(recording, pattern, piece + QLatin1Char('.') + extension)
-                            : tr("%1: the output file name pattern \"%2\" gives the folder name \"%3\" for this "
-                                 "recording; a recording's properties may not remove or climb a folder level")
-                                  .arg(recording, pattern, piece);
+            *problem = last
+                ? tr("%1: the output file name pattern \"%2\" gives the file name \"%3\" for this "
+                     "recording, which names no file")
+                      .arg(recording, pattern, piece + QLatin1Char('.') + extension)
+                : tr("%1: the output file name pattern \"%2\" gives the folder name \"%3\" for "
+                     "this "
+                     "recording; a recording's properties may not remove or climb a folder level")
+                      .arg(recording, pattern, piece);
             return QString();
         }
         expanded.append(piece);
@@ -67,5 +71,6 @@ QString OutputNamer::fileName(const QString &recording, int sequenceNumber, cons
     const QDir folder = !outputDir.isEmpty() ? QDir(outputDir)
         : standardInput                      ? QDir::current()
                                              : input.absoluteDir();
-    return QDir::cleanPath(folder.absoluteFilePath(localFilePath(baseName + QLatin1Char('.') + extension)));
+    return QDir::cleanPath(
+        folder.absoluteFilePath(localFilePath(baseName + QLatin1Char('.') + extension)));
 }

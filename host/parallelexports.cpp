@@ -17,8 +17,8 @@ namespace {
 struct Child
 {
     pid_t pid = -1;
-    int messages = -1;  // the child's standard error
-    int progress = -1;  // positions, one a line
+    int messages = -1; // the child's standard error
+    int progress = -1; // positions, one a line
     QByteArray text;
     QByteArray partialLine;
     qint64 position = 0;
@@ -65,7 +65,8 @@ bool start(Child &child, int index, const ParallelExports::Task &task)
             if (sent >= 0 && position - sent < (1 << 20))
                 return;
             char line[32];
-            const int length = std::snprintf(line, sizeof line, "%lld\n", static_cast<long long>(position));
+            const int length =
+                std::snprintf(line, sizeof line, "%lld\n", static_cast<long long>(position));
             writeAll(progressOut, line, std::size_t(length));
             sent = position;
         });
@@ -102,8 +103,8 @@ bool readInto(int descriptor, QByteArray *bytes)
 
 } // namespace
 
-int ParallelExports::run(const QVector<qint64> &sizes, int jobs, const Task &task, const Progress &progress,
-                         const Output &output)
+int ParallelExports::run(const QVector<qint64> &sizes, int jobs, const Task &task,
+                         const Progress &progress, const Output &output)
 {
     const int count = sizes.size();
     std::vector<Child> children(static_cast<std::size_t>(count));
@@ -122,7 +123,8 @@ int ParallelExports::run(const QVector<qint64> &sizes, int jobs, const Task &tas
             if (start(child, started, task)) {
                 ++running;
             } else {
-                child.text = QByteArray("asciiexport: cannot start an export process: ") + std::strerror(errno) + '\n';
+                child.text = QByteArray("asciiexport: cannot start an export process: ")
+                    + std::strerror(errno) + '\n';
                 child.status = 1;
                 child.finished = true;
             }
@@ -139,7 +141,8 @@ int ParallelExports::run(const QVector<qint64> &sizes, int jobs, const Task &tas
                 }
             }
         }
-        if (!watched.empty() && ::poll(watched.data(), nfds_t(watched.size()), -1) < 0 && errno != EINTR)
+        if (!watched.empty() && ::poll(watched.data(), nfds_t(watched.size()), -1) < 0
+            && errno != EINTR)
             break;
         for (std::size_t i = 0; i < watched.size(); ++i) {
             if (watched[i].revents == 0)
@@ -162,8 +165,7 @@ int ParallelExports::run(const QVector<qint64> &sizes, int jobs, const Task &tas
             }
             if (child.messages < 0 && child.progress < 0 && !child.finished) {
                 int wait = 0;
-                while (::waitpid(child.pid, &wait, 0) < 0 && errno == EINTR) {
-                }
+                while (::waitpid(child.pid, &wait, 0) < 0 && errno == EINTR) { }
                 child.status = WIFEXITED(wait) ? WEXITSTATUS(wait) : 1;
                 child.finished = true;
                 finishedBytes += sizes.at(int(&child - children.data()));

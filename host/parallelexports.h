@@ -18,7 +18,8 @@ class ParallelExports
 public:
     /** Reports how far the reading of the running export has come, in bytes. */
     using TaskProgress = std::function<void(qint64 position)>;
-    /** Exports recording @p index, says what it has to say on standard error, and gives the exit status. */
+    /** Exports recording @p index, says what it has to say on standard error, and gives the exit
+     * status. */
     using Task = std::function<int(int index, const TaskProgress &progress)>;
     /** How many bytes of all recordings were read, of how many. */
     using Progress = std::function<void(qint64 done, qint64 total)>;
@@ -30,6 +31,6 @@ public:
      * recording's size in bytes (0 when not known). Returns the highest exit
      * status of the tasks.
      */
-    static int run(const QVector<qint64> &sizes, int jobs, const Task &task, const Progress &progress,
-                   const Output &output);
+    static int run(const QVector<qint64> &sizes, int jobs, const Task &task,
+                   const Progress &progress, const Output &output);
 };

@@ -25,15 +25,16 @@ QString PluginHost::defaultPluginPath()
     // An installed program has its plug-in under lib/, a built one beside
     // its bin/ folder; the installed place is named when neither is there.
     const QDir programDir(QCoreApplication::applicationDirPath());
-    const QFileInfo installed(programDir, QStringLiteral(INSTALLED_PLUGIN_DIR) + QLatin1String(pluginFileName));
-    const QFileInfo built(programDir, QStringLiteral(BUILD_PLUGIN_DIR) + QLatin1String(pluginFileName));
+    const QFileInfo installed(programDir,
+                              QStringLiteral(INSTALLED_PLUGIN_DIR) + QLatin1String(pluginFileName));
+    const QFileInfo built(programDir,
+                          QStringLiteral(BUILD_PLUGIN_DIR) + QLatin1String(pluginFileName));
     return QFileInfo(!installed.exists() && built.exists() ? built : installed).absoluteFilePath();
 }
 
 PluginHost::PluginHost(const QString &fileName)
     : requested(QFileInfo(fileName).absoluteFilePath())
-{
-}
+{ }
 
 // The factory belongs to the loader, which keeps the module loaded for the
 // rest of the process: objects the plug-in made may still be around.
@@ -43,15 +44,18 @@ bool PluginHost::load()
 {
     const QFileInfo file(requested);
     if (!file.exists()) {
-        error = QCoreApplication::translate("PluginHost", "%1: no such plug-in file").arg(file.filePath());
+        error = QCoreApplication::translate("PluginHost", "%1: no such plug-in file")
+                    .arg(file.filePath());
         return false;
     }
     if (file.isDir()) {
-        error = QCoreApplication::translate("PluginHost", "%1: is a folder, not a plug-in file").arg(file.filePath());
+        error = QCoreApplication::translate("PluginHost", "%1: is a folder, not a plug-in file")
+                    .arg(file.filePath());
         return false;
     }
     if (!file.isReadable()) {
-        error = QCoreApplication::translate("PluginHost", "%1: not a readable file").arg(file.filePath());
+        error = QCoreApplication::translate("PluginHost", "%1: not a readable file")
+                    .arg(file.filePath());
         return false;
     }
     loader.setFileName(requested);
@@ -63,7 +67,8 @@ bool PluginHost::load()
     QObject *root = loader.instance();
     exporterFactory = qobject_cast<AbstractExporterFactory *>(root);
     if (!exporterFactory) {
-        error = QCoreApplication::translate("PluginHost", "%1: not an exporter plug-in (it does not provide %2)")
+        error = QCoreApplication::translate("PluginHost",
+                                            "%1: not an exporter plug-in (it does not provide %2)")
                     .arg(file.filePath(), QStringLiteral(AbstractExporterFactory_iid));
         return false;
     }

@@ -37,7 +37,7 @@ public:
     QString fileName() const;
 
 private:
-    QString requested;  // as given: the loader forgets a name it cannot use
+    QString requested; // as given: the loader forgets a name it cannot use
     QPluginLoader loader;
     AbstractExporterFactory *exporterFactory = nullptr;
     QString error;

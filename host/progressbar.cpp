@@ -10,8 +10,7 @@ constexpr qint64 redrawMilliseconds = 100;
 
 ProgressBar::ProgressBar(std::FILE *stream)
     : stream(stream)
-{
-}
+{ }
 
 void ProgressBar::update(const QString &label, qint64 done, qint64 total)
 {
@@ -28,10 +27,11 @@ void ProgressBar::draw(const QString &label, qint64 done, qint64 total)
     QString name = label;
     if (name.size() > labelWidth)
         name = QStringLiteral("...") + name.right(labelWidth - 3);
-    const QString line = QStringLiteral("\r[%1%2] %3% %4")
-                             .arg(QString(filled, QLatin1Char('#')), QString(barWidth - filled, QLatin1Char(' ')))
-                             .arg(percent, 3)
-                             .arg(name, -labelWidth);
+    const QString line =
+        QStringLiteral("\r[%1%2] %3% %4")
+            .arg(QString(filled, QLatin1Char('#')), QString(barWidth - filled, QLatin1Char(' ')))
+            .arg(percent, 3)
+            .arg(name, -labelWidth);
     std::fputs(line.toLocal8Bit().constData(), stream);
     std::fflush(stream);
     shown = true;

@@ -13,7 +13,9 @@
 class Random
 {
 public:
-    explicit Random(quint64 seed) : state(seed) {}
+    explicit Random(quint64 seed)
+        : state(seed)
+    { }
 
     quint64 next()
     {
@@ -28,7 +30,10 @@ public:
     /** Uniform in [@p low, @p high). */
     double uniform(double low, double high) { return low + (high - low) * uniform(); }
     /** Uniform integer in [@p low, @p high]. */
-    qint64 integer(qint64 low, qint64 high) { return low + qint64(next() % quint64(high - low + 1)); }
+    qint64 integer(qint64 low, qint64 high)
+    {
+        return low + qint64(next() % quint64(high - low + 1));
+    }
     /** Uniform integer in [0, @p count). */
     int below(int count) { return int(next() % quint64(count)); }
 

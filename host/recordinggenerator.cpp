@@ -20,7 +20,7 @@ constexpr double recordingReceiverRate = 4.0;
 bool writeFailed(QIODevice *out, QString *error)
 {
     *error = QCoreApplication::translate("RecordingGenerator", "cannot write the recording: %1")
-                     .arg(out->errorString());
+                 .arg(out->errorString());
     return false;
 }
 
@@ -35,11 +35,13 @@ bool writeLine(QIODevice *out, const std::string &text, QString *error)
 bool checkOptions(const GeneratorOptions &options, QString *error)
 {
     if (options.samples < 0) {
-        *error = QCoreApplication::translate("RecordingGenerator", "the number of samples must not be negative");
+        *error = QCoreApplication::translate("RecordingGenerator",
+                                             "the number of samples must not be negative");
         return false;
     }
     if (!(options.rate > 0.0 && options.rate <= 10000.0)) {
-        *error = QCoreApplication::translate("RecordingGenerator", "the rate must be above 0 and at most 10000 Hz");
+        *error = QCoreApplication::translate("RecordingGenerator",
+                                             "the rate must be above 0 and at most 10000 Hz");
         return false;
     }
     return true;
@@ -54,10 +56,11 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
     std::vector<bool> wanted(sampleWriterCount, options.keys.isEmpty());
     for (const QString &key : options.keys) {
         const SampleWriter *end = sampleWriters + sampleWriterCount;
-        const SampleWriter *writer = std::find_if(sampleWriters, end,
-                                                  [&](const SampleWriter &w) { return key == QLatin1String(w.key); });
+        const SampleWriter *writer = std::find_if(
+            sampleWriters, end, [&](const SampleWriter &w) { return key == QLatin1String(w.key); });
         if (writer == end) {
-            *error = QCoreApplication::translate("RecordingGenerator", "unknown sample key \"%1\"").arg(key);
+            *error = QCoreApplication::translate("RecordingGenerator", "unknown sample key \"%1\"")
+                         .arg(key);
             return false;
         }
         wanted[std::size_t(writer - sampleWriters)] = true;
@@ -90,7 +93,8 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
     return true;
 }
 
-bool generateReceiverEpochs(const GeneratorOptions &options, const std::function<bool(const RecordingSample &)> &write,
+bool generateReceiverEpochs(const GeneratorOptions &options,
+                            const std::function<bool(const RecordingSample &)> &write,
                             QString *error)
 {
     if (!checkOptions(options, error))
@@ -111,4 +115,3 @@ bool generateReceiverEpochs(const GeneratorOptions &options, const std::function
     }
     return true;
 }
-

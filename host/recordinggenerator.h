@@ -42,5 +42,6 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
  * Returns false and sets @p error when an option is out of range; false
  * without an error when @p write stopped it.
  */
-bool generateReceiverEpochs(const GeneratorOptions &options, const std::function<bool(const RecordingSample &)> &write,
+bool generateReceiverEpochs(const GeneratorOptions &options,
+                            const std::function<bool(const RecordingSample &)> &write,
                             QString *error);

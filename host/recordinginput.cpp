@@ -10,8 +10,9 @@ namespace {
 bool startsJsonLines(const QByteArray &head)
 {
     int start = head.startsWith("\xEF\xBB\xBF") ? 3 : 0;
-    while (start < head.size() && (head[start] == ' ' || head[start] == '\t' || head[start] == '\r'
-                                   || head[start] == '\n'))
+    while (start < head.size()
+           && (head[start] == ' ' || head[start] == '\t' || head[start] == '\r'
+               || head[start] == '\n'))
         ++start;
     return start < head.size() && head[start] == '{';
 }

@@ -1,7 +1,7 @@
 #include "recordingreader.h"
 
-#include "tapefieldreader.h"
 #include "jsonnumber.h"
+#include "tapefieldreader.h"
 
 #include <QFileInfo>
 
@@ -152,7 +152,8 @@ bool RecordingReader::parseLine()
     if (!tape.parse(line, &what))
         return fail(what);
     if (!tape.root().isObject())
-        return fail(tr("expected a JSON object, got %1").arg(TapeFieldReader::typeName(tape.root())));
+        return fail(
+            tr("expected a JSON object, got %1").arg(TapeFieldReader::typeName(tape.root())));
     return true;
 }
 
@@ -161,7 +162,9 @@ bool RecordingReader::readRecordingObject()
     if (!nextContentLine()) {
         if (error.isEmpty()) {
             // Name the line where the object was looked for.
-            error = tr("%1:%2: %3").arg(fileName).arg(lines->lineNumber() + 1)
+            error = tr("%1:%2: %3")
+                        .arg(fileName)
+                        .arg(lines->lineNumber() + 1)
                         .arg(tr("the file holds no recording object"));
         }
         return false;
@@ -198,9 +201,11 @@ bool RecordingReader::readRecordingObject()
                 case JsonTape::Kind::String:
                 case JsonTape::Kind::Key:
                     // A line break would end the header line the text is shown in.
-                    if (value.text().find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos)
-                        return fail(tr("\"properties.%1\": the text holds a line break or a NUL character")
-                                        .arg(key));
+                    if (value.text().find_first_of(std::string_view("\r\n\0", 3))
+                        != std::string_view::npos)
+                        return fail(
+                            tr("\"properties.%1\": the text holds a line break or a NUL character")
+                                .arg(key));
                     recordingProperties.insert(key, fromUtf8(value.text()));
                     break;
                 case JsonTape::Kind::Number: {
@@ -213,7 +218,8 @@ bool RecordingReader::readRecordingObject()
                 }
                 case JsonTape::Kind::List:
                 case JsonTape::Kind::Object:
-                    return fail(tr("\"properties.%1\": expected a string, a number, a boolean or null, got %2")
+                    return fail(tr("\"properties.%1\": expected a string, a number, a boolean or "
+                                   "null, got %2")
                                     .arg(key, TapeFieldReader::typeName(value)));
                 }
             }

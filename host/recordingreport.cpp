@@ -19,7 +19,8 @@ QString countRow(const QString &label, qint64 count)
 
 } // namespace
 
-bool RecordingReport::describe(RecordingInput &input, const QString &name, QStringList *lines, QString *error)
+bool RecordingReport::describe(RecordingInput &input, const QString &name, QStringList *lines,
+                               QString *error)
 {
     qint64 samples = 0;
     while (input.readNext())
@@ -44,9 +45,12 @@ bool RecordingReport::describe(RecordingInput &input, const QString &name, QStri
         for (auto message = log.messages.cbegin(); message != log.messages.cend(); ++message) {
             const quint16 key = message.key();
             const bool read = key == UbxMessages::navSol || key == UbxMessages::navDop
-                || key == UbxMessages::navTimeUtc || key == UbxMessages::navSvInfo || key == UbxMessages::navPvt
-                || key == UbxMessages::navSat || key == UbxMessages::monVer;
-            const QString text = QStringLiteral("  %1 %2").arg(UbxMessages::messageName(key), -12).arg(message.value());
+                || key == UbxMessages::navTimeUtc || key == UbxMessages::navSvInfo
+                || key == UbxMessages::navPvt || key == UbxMessages::navSat
+                || key == UbxMessages::monVer;
+            const QString text = QStringLiteral("  %1 %2")
+                                     .arg(UbxMessages::messageName(key), -12)
+                                     .arg(message.value());
             (read ? used : unused).append(text);
         }
         lines->append(tr("Messages used:"));
@@ -56,16 +60,18 @@ bool RecordingReport::describe(RecordingInput &input, const QString &name, QStri
         lines->append(countRow(tr("Wrong length"), log.wrongLengths));
         lines->append(countRow(tr("Repeated"), log.repeated));
         if (log.epochs > 0) {
-            lines->append(row(tr("Epochs"), tr("%1 (iTOW %2 to %3 ms)")
-                                                .arg(log.epochs)
-                                                .arg(log.firstTimeOfWeek)
-                                                .arg(log.lastTimeOfWeek)));
+            lines->append(row(tr("Epochs"),
+                              tr("%1 (iTOW %2 to %3 ms)")
+                                  .arg(log.epochs)
+                                  .arg(log.firstTimeOfWeek)
+                                  .arg(log.lastTimeOfWeek)));
         } else {
             lines->append(countRow(tr("Epochs"), 0));
         }
-        lines->append(row(tr("Satellites"), tr("%1 GPS in NAV-SVINFO, %2 GNSS in NAV-SAT")
-                                                .arg(log.gpsSatellites.size())
-                                                .arg(log.gnssSatellites.size())));
+        lines->append(row(tr("Satellites"),
+                          tr("%1 GPS in NAV-SVINFO, %2 GNSS in NAV-SAT")
+                              .arg(log.gpsSatellites.size())
+                              .arg(log.gnssSatellites.size())));
     } else {
         lines->append(countRow(tr("Samples"), samples));
     }

@@ -20,5 +20,6 @@ public:
      * Reads @p input, open and before its first sample, to its end. Returns
      * false with @p error set when it cannot be read.
      */
-    static bool describe(RecordingInput &input, const QString &name, QStringList *lines, QString *error);
+    static bool describe(RecordingInput &input, const QString &name, QStringList *lines,
+                         QString *error);
 };

@@ -16,8 +16,7 @@ constexpr quint32 velocityId = 0xD010;
 
 RecordingSource::RecordingSource(const AbstractRecordingReader *reader)
     : reader(reader)
-{
-}
+{ }
 
 void RecordingSource::setMessageHandler(const MessageHandler &handler)
 {

@@ -55,19 +55,15 @@ template <auto member>
 constexpr Field<typename MemberOf<decltype(member)>::RecordType> field(std::string_view name)
 {
     using Type = typename MemberOf<decltype(member)>::MemberType;
-    return {name, qint64(std::numeric_limits<Type>::min()), qint64(std::numeric_limits<Type>::max()),
-            &storeMember<member>, &loadMember<member>};
+    return {name, qint64(std::numeric_limits<Type>::min()),
+            qint64(std::numeric_limits<Type>::max()), &storeMember<member>, &loadMember<member>};
 }
 
 inline constexpr Field<KvUtcTime> utcTime[] = {
-    field<&KvUtcTime::nano>("nano"),
-    field<&KvUtcTime::year>("year"),
-    field<&KvUtcTime::month>("month"),
-    field<&KvUtcTime::day>("day"),
-    field<&KvUtcTime::hour>("hour"),
-    field<&KvUtcTime::minute>("minute"),
-    field<&KvUtcTime::second>("second"),
-    field<&KvUtcTime::valid>("valid"),
+    field<&KvUtcTime::nano>("nano"),     field<&KvUtcTime::year>("year"),
+    field<&KvUtcTime::month>("month"),   field<&KvUtcTime::day>("day"),
+    field<&KvUtcTime::hour>("hour"),     field<&KvUtcTime::minute>("minute"),
+    field<&KvUtcTime::second>("second"), field<&KvUtcTime::valid>("valid"),
 };
 
 inline constexpr Field<KvTriggerIndication> trigger[] = {
@@ -78,45 +74,28 @@ inline constexpr Field<KvTriggerIndication> trigger[] = {
 };
 
 inline constexpr Field<KvGpsSolution> gpsSolution[] = {
-    field<&KvGpsSolution::iTOW>("iTOW"),
-    field<&KvGpsSolution::fTOW>("fTOW"),
-    field<&KvGpsSolution::week>("week"),
-    field<&KvGpsSolution::gpsFix>("gpsFix"),
-    field<&KvGpsSolution::flags>("flags"),
-    field<&KvGpsSolution::ecefX>("ecefX"),
-    field<&KvGpsSolution::ecefY>("ecefY"),
-    field<&KvGpsSolution::ecefZ>("ecefZ"),
-    field<&KvGpsSolution::pAcc>("pAcc"),
-    field<&KvGpsSolution::ecefVX>("ecefVX"),
-    field<&KvGpsSolution::ecefVY>("ecefVY"),
-    field<&KvGpsSolution::ecefVZ>("ecefVZ"),
-    field<&KvGpsSolution::sAcc>("sAcc"),
-    field<&KvGpsSolution::pDOP>("pDOP"),
+    field<&KvGpsSolution::iTOW>("iTOW"),     field<&KvGpsSolution::fTOW>("fTOW"),
+    field<&KvGpsSolution::week>("week"),     field<&KvGpsSolution::gpsFix>("gpsFix"),
+    field<&KvGpsSolution::flags>("flags"),   field<&KvGpsSolution::ecefX>("ecefX"),
+    field<&KvGpsSolution::ecefY>("ecefY"),   field<&KvGpsSolution::ecefZ>("ecefZ"),
+    field<&KvGpsSolution::pAcc>("pAcc"),     field<&KvGpsSolution::ecefVX>("ecefVX"),
+    field<&KvGpsSolution::ecefVY>("ecefVY"), field<&KvGpsSolution::ecefVZ>("ecefVZ"),
+    field<&KvGpsSolution::sAcc>("sAcc"),     field<&KvGpsSolution::pDOP>("pDOP"),
     field<&KvGpsSolution::numSV>("numSV"),
 };
 
 inline constexpr Field<KvGpsDop> gpsDop[] = {
-    field<&KvGpsDop::iTOW>("iTOW"),
-    field<&KvGpsDop::gDOP>("gDOP"),
-    field<&KvGpsDop::pDOP>("pDOP"),
-    field<&KvGpsDop::tDOP>("tDOP"),
-    field<&KvGpsDop::vDOP>("vDOP"),
-    field<&KvGpsDop::hDOP>("hDOP"),
-    field<&KvGpsDop::nDOP>("nDOP"),
-    field<&KvGpsDop::eDOP>("eDOP"),
+    field<&KvGpsDop::iTOW>("iTOW"), field<&KvGpsDop::gDOP>("gDOP"), field<&KvGpsDop::pDOP>("pDOP"),
+    field<&KvGpsDop::tDOP>("tDOP"), field<&KvGpsDop::vDOP>("vDOP"), field<&KvGpsDop::hDOP>("hDOP"),
+    field<&KvGpsDop::nDOP>("nDOP"), field<&KvGpsDop::eDOP>("eDOP"),
 };
 
 inline constexpr Field<KvGpsUtcTime> gpsUtcTime[] = {
-    field<&KvGpsUtcTime::iTOW>("iTOW"),
-    field<&KvGpsUtcTime::tAcc>("tAcc"),
-    field<&KvGpsUtcTime::nano>("nano"),
-    field<&KvGpsUtcTime::year>("year"),
-    field<&KvGpsUtcTime::month>("month"),
-    field<&KvGpsUtcTime::day>("day"),
-    field<&KvGpsUtcTime::hour>("hour"),
-    field<&KvGpsUtcTime::min>("min"),
-    field<&KvGpsUtcTime::sec>("sec"),
-    field<&KvGpsUtcTime::valid>("valid"),
+    field<&KvGpsUtcTime::iTOW>("iTOW"),   field<&KvGpsUtcTime::tAcc>("tAcc"),
+    field<&KvGpsUtcTime::nano>("nano"),   field<&KvGpsUtcTime::year>("year"),
+    field<&KvGpsUtcTime::month>("month"), field<&KvGpsUtcTime::day>("day"),
+    field<&KvGpsUtcTime::hour>("hour"),   field<&KvGpsUtcTime::min>("min"),
+    field<&KvGpsUtcTime::sec>("sec"),     field<&KvGpsUtcTime::valid>("valid"),
 };
 
 inline constexpr Field<KvGpsSatelliteInfo> gpsSatellites[] = {
@@ -130,40 +109,23 @@ inline constexpr Field<KvGpsChannel> gpsChannel[] = {
 };
 
 inline constexpr Field<KvGnssPvt> gnssPvt[] = {
-    field<&KvGnssPvt::iTOW>("iTOW"),
-    field<&KvGnssPvt::year>("year"),
-    field<&KvGnssPvt::month>("month"),
-    field<&KvGnssPvt::day>("day"),
-    field<&KvGnssPvt::hour>("hour"),
-    field<&KvGnssPvt::min>("min"),
-    field<&KvGnssPvt::sec>("sec"),
-    field<&KvGnssPvt::valid>("valid"),
-    field<&KvGnssPvt::tAcc>("tAcc"),
-    field<&KvGnssPvt::nano>("nano"),
-    field<&KvGnssPvt::fixType>("fixType"),
-    field<&KvGnssPvt::flags>("flags"),
-    field<&KvGnssPvt::numSV>("numSV"),
-    field<&KvGnssPvt::lon>("lon"),
-    field<&KvGnssPvt::lat>("lat"),
-    field<&KvGnssPvt::height>("height"),
-    field<&KvGnssPvt::hMSL>("hMSL"),
-    field<&KvGnssPvt::hAcc>("hAcc"),
-    field<&KvGnssPvt::vAcc>("vAcc"),
-    field<&KvGnssPvt::velN>("velN"),
-    field<&KvGnssPvt::velE>("velE"),
-    field<&KvGnssPvt::velD>("velD"),
-    field<&KvGnssPvt::gSpeed>("gSpeed"),
-    field<&KvGnssPvt::headMot>("headMot"),
-    field<&KvGnssPvt::sAcc>("sAcc"),
-    field<&KvGnssPvt::headAcc>("headAcc"),
-    field<&KvGnssPvt::headVeh>("headVeh"),
-    field<&KvGnssPvt::gDOP>("gDOP"),
-    field<&KvGnssPvt::pDOP>("pDOP"),
-    field<&KvGnssPvt::tDOP>("tDOP"),
-    field<&KvGnssPvt::vDOP>("vDOP"),
-    field<&KvGnssPvt::hDOP>("hDOP"),
-    field<&KvGnssPvt::nDOP>("nDOP"),
-    field<&KvGnssPvt::eDOP>("eDOP"),
+    field<&KvGnssPvt::iTOW>("iTOW"),       field<&KvGnssPvt::year>("year"),
+    field<&KvGnssPvt::month>("month"),     field<&KvGnssPvt::day>("day"),
+    field<&KvGnssPvt::hour>("hour"),       field<&KvGnssPvt::min>("min"),
+    field<&KvGnssPvt::sec>("sec"),         field<&KvGnssPvt::valid>("valid"),
+    field<&KvGnssPvt::tAcc>("tAcc"),       field<&KvGnssPvt::nano>("nano"),
+    field<&KvGnssPvt::fixType>("fixType"), field<&KvGnssPvt::flags>("flags"),
+    field<&KvGnssPvt::numSV>("numSV"),     field<&KvGnssPvt::lon>("lon"),
+    field<&KvGnssPvt::lat>("lat"),         field<&KvGnssPvt::height>("height"),
+    field<&KvGnssPvt::hMSL>("hMSL"),       field<&KvGnssPvt::hAcc>("hAcc"),
+    field<&KvGnssPvt::vAcc>("vAcc"),       field<&KvGnssPvt::velN>("velN"),
+    field<&KvGnssPvt::velE>("velE"),       field<&KvGnssPvt::velD>("velD"),
+    field<&KvGnssPvt::gSpeed>("gSpeed"),   field<&KvGnssPvt::headMot>("headMot"),
+    field<&KvGnssPvt::sAcc>("sAcc"),       field<&KvGnssPvt::headAcc>("headAcc"),
+    field<&KvGnssPvt::headVeh>("headVeh"), field<&KvGnssPvt::gDOP>("gDOP"),
+    field<&KvGnssPvt::pDOP>("pDOP"),       field<&KvGnssPvt::tDOP>("tDOP"),
+    field<&KvGnssPvt::vDOP>("vDOP"),       field<&KvGnssPvt::hDOP>("hDOP"),
+    field<&KvGnssPvt::nDOP>("nDOP"),       field<&KvGnssPvt::eDOP>("eDOP"),
 };
 
 inline constexpr Field<KvGnssSatelliteInfo> gnssSatellites[] = {

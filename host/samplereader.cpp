@@ -8,7 +8,8 @@
 #include <string_view>
 #include <type_traits>
 
-static_assert(SampleReader::padding >= simdjson::SIMDJSON_PADDING, "simdjson reads that far beyond a line");
+static_assert(SampleReader::padding >= simdjson::SIMDJSON_PADDING,
+              "simdjson reads that far beyond a line");
 
 namespace {
 
@@ -35,8 +36,9 @@ std::size_t find(const Entry (&table)[count], const typename In::Key &key, std::
 // Reads the integer members named in @p table into @p record. A missing or
 // null member stays 0; members of other names go to @p other.
 template <typename In, typename Record, std::size_t count, typename Other>
-bool readFields(ValueOf<In> &value, const KeyPath &path, const RecordFields::Field<Record> (&table)[count],
-                Record &record, In &in, Other other)
+bool readFields(ValueOf<In> &value, const KeyPath &path,
+                const RecordFields::Field<Record> (&table)[count], Record &record, In &in,
+                Other other)
 {
     bool seen[count] = {};
     std::size_t next = 0;
@@ -61,12 +63,13 @@ bool readFields(ValueOf<In> &value, const KeyPath &path, const RecordFields::Fie
 }
 
 template <typename In, typename Record, std::size_t count>
-bool readFields(ValueOf<In> &value, const KeyPath &path, const RecordFields::Field<Record> (&table)[count],
-                Record &record, In &in)
+bool readFields(ValueOf<In> &value, const KeyPath &path,
+                const RecordFields::Field<Record> (&table)[count], Record &record, In &in)
 {
-    return readFields(value, path, table, record, in, [&in](const typename In::Key &key, ValueOf<In> &member) {
-        return in.unknown(key, member);
-    });
+    return readFields(value, path, table, record, in,
+                      [&in](const typename In::Key &key, ValueOf<In> &member) {
+                          return in.unknown(key, member);
+                      });
 }
 
 const RecordingSample &blankSample()
@@ -95,7 +98,8 @@ struct IntegerKey
     {
         using Type = MemberType<member>;
         qint64 number = 0;
-        if (!in.integer(value, path, std::numeric_limits<Type>::min(), std::numeric_limits<Type>::max(), &number))
+        if (!in.integer(value, path, std::numeric_limits<Type>::min(),
+                        std::numeric_limits<Type>::max(), &number))
             return false;
         sample.*member = Type(number);
         return true;
@@ -138,8 +142,8 @@ struct StatusWordKey
     static bool read(ValueOf<In> &value, const KeyPath &path, S &sample, In &in)
     {
         qint64 number = 0;
-        if (!in.integer(value, path, std::numeric_limits<qint32>::min(), std::numeric_limits<quint32>::max(),
-                        &number))
+        if (!in.integer(value, path, std::numeric_limits<qint32>::min(),
+                        std::numeric_limits<quint32>::max(), &number))
             return false;
         sample.statusWord = qint32(quint32(number));
         return true;
@@ -283,7 +287,8 @@ struct RecordKey
 
 // A satellite record: its integer fields and its list of entries, of which
 // those beyond the record's capacity are checked and then dropped.
-template <auto member, const auto &table, const std::string_view &listName, auto list, const auto &entryTable>
+template <auto member, const auto &table, const std::string_view &listName, auto list,
+          const auto &entryTable>
 struct SatelliteKey
 {
     template <typename In>
@@ -359,12 +364,12 @@ struct SampleKey
 template <typename Reader>
 constexpr SampleKey key(std::string_view name)
 {
-    return {name, &Reader::template read<TapeFieldReader>, &Reader::template read<OnDemandFieldReader>,
-            &Reader::reset};
+    return {name, &Reader::template read<TapeFieldReader>,
+            &Reader::template read<OnDemandFieldReader>, &Reader::reset};
 }
 
-using RecordFields::gpsChannelList;
 using RecordFields::gnssSatelliteList;
+using RecordFields::gpsChannelList;
 
 constexpr SampleKey sampleKeys[] = {
     key<IntegerKey<&S::packetCounter>>("packetCounter"),
@@ -396,11 +401,12 @@ constexpr SampleKey sampleKeys[] = {
     key<RecordKey<&S::gpsSolution, RecordFields::gpsSolution, true>>("gpsSolution"),
     key<RecordKey<&S::gpsDop, RecordFields::gpsDop, true>>("gpsDop"),
     key<RecordKey<&S::gpsUtcTime, RecordFields::gpsUtcTime, true>>("gpsUtcTime"),
-    key<SatelliteKey<&S::gpsSatellites, RecordFields::gpsSatellites, gpsChannelList, &KvGpsSatelliteInfo::channels,
-                     RecordFields::gpsChannel>>("gpsSatellites"),
+    key<SatelliteKey<&S::gpsSatellites, RecordFields::gpsSatellites, gpsChannelList,
+                     &KvGpsSatelliteInfo::channels, RecordFields::gpsChannel>>("gpsSatellites"),
     key<RecordKey<&S::gnssPvt, RecordFields::gnssPvt, true>>("gnssPvt"),
     key<SatelliteKey<&S::gnssSatellites, RecordFields::gnssSatellites, gnssSatelliteList,
-                     &KvGnssSatelliteInfo::satellites, RecordFields::gnssSatellite>>("gnssSatellites"),
+                     &KvGnssSatelliteInfo::satellites, RecordFields::gnssSatellite>>(
+        "gnssSatellites"),
     key<TriggerKey<&S::triggerIn1>>("triggerIn1"),
     key<TriggerKey<&S::triggerIn2>>("triggerIn2"),
 };
@@ -415,34 +421,37 @@ static_assert(sampleKeyCount < 256, "key indexes fit in SampleReader::KeyOrder")
 // member position, the key found there in the line before: recordings keep
 // their keys in one order, so that is nearly always the key found now.
 template <typename In>
-bool readSample(ValueOf<In> &object, S &sample, In &in, quint64 &heldKeys, SampleReader::KeyOrder &expected)
+bool readSample(ValueOf<In> &object, S &sample, In &in, quint64 &heldKeys,
+                SampleReader::KeyOrder &expected)
 {
     quint64 seen = 0;
     quint64 present = 0;
     std::size_t position = 0;
-    const bool read = in.object(object, KeyPath::top(""), [&](const typename In::Key &name, ValueOf<In> &value) {
-        const bool remembered = position < expected.size();
-        const std::size_t index = find<In>(sampleKeys, name, remembered ? expected[position] : sampleKeyCount);
-        if (remembered)
-            expected[position] = quint8(index);
-        ++position;
-        if (index == sampleKeyCount)
-            return in.unknown(name, value);
-        const SampleKey &key = sampleKeys[index];
-        const KeyPath path = KeyPath::top(key.name.data());
-        const quint64 bit = quint64(1) << index;
-        if (seen & bit)
-            return in.duplicate(path);
-        seen |= bit;
-        if (In::isNull(value))
+    const bool read =
+        in.object(object, KeyPath::top(""), [&](const typename In::Key &name, ValueOf<In> &value) {
+            const bool remembered = position < expected.size();
+            const std::size_t index =
+                find<In>(sampleKeys, name, remembered ? expected[position] : sampleKeyCount);
+            if (remembered)
+                expected[position] = quint8(index);
+            ++position;
+            if (index == sampleKeyCount)
+                return in.unknown(name, value);
+            const SampleKey &key = sampleKeys[index];
+            const KeyPath path = KeyPath::top(key.name.data());
+            const quint64 bit = quint64(1) << index;
+            if (seen & bit)
+                return in.duplicate(path);
+            seen |= bit;
+            if (In::isNull(value))
+                return true;
+            // Held from now on, even when the read stops halfway.
+            heldKeys |= bit;
+            if (!key.reader<In>()(value, path, sample, in))
+                return false;
+            present |= bit;
             return true;
-        // Held from now on, even when the read stops halfway.
-        heldKeys |= bit;
-        if (!key.reader<In>()(value, path, sample, in))
-            return false;
-        present |= bit;
-        return true;
-    });
+        });
     if (!read)
         return false;
     for (quint64 stale = heldKeys & ~present; stale; stale &= stale - 1)
@@ -462,8 +471,7 @@ struct SampleReader::OnDemand
 SampleReader::SampleReader()
     : onDemand(std::make_unique<OnDemand>())
     , heldKeys(allKeys)
-{
-}
+{ }
 
 SampleReader::~SampleReader() = default;
 
@@ -479,7 +487,8 @@ bool SampleReader::readFast(const char *text, std::size_t length, RecordingSampl
 {
     simdjson::ondemand::document document;
     simdjson::ondemand::value root;
-    if (onDemand->parser.iterate(text, length, length + padding).get(document) || document.get_value().get(root))
+    if (onDemand->parser.iterate(text, length, length + padding).get(document)
+        || document.get_value().get(root))
         return false;
     onDemand->fields.begin();
     if (!readSample(root, sample, onDemand->fields, heldKeys, keyOrder))

@@ -20,7 +20,8 @@ bool SampleSelection::parseBound(const QString &text, Bound *bound, QString *pro
             return true;
         }
     }
-    *problem = tr("takes a sample index (0 is the first sample) or seconds from the start such as 12.5s, not \"%1\"")
+    *problem = tr("takes a sample index (0 is the first sample) or seconds from the start such as "
+                  "12.5s, not \"%1\"")
                    .arg(text);
     return false;
 }

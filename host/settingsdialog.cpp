@@ -18,8 +18,8 @@ SettingsDialog::SettingsDialog(const QList<AbstractOptionsPage *> &pages, const 
     , save(save)
     , categories(new QTreeWidget(this))
     , stack(new QStackedWidget(this))
-    , buttons(new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Apply
-                                   | QDialogButtonBox::Cancel, this))
+    , buttons(new QDialogButtonBox(
+          QDialogButtonBox::Ok | QDialogButtonBox::Apply | QDialogButtonBox::Cancel, this))
 {
     setWindowTitle(tr("Settings"));
     categories->setObjectName(QStringLiteral("categories"));
@@ -42,9 +42,8 @@ SettingsDialog::SettingsDialog(const QList<AbstractOptionsPage *> &pages, const 
         }
         auto *item = new QTreeWidgetItem(category, {page->pageTitle()});
         item->setData(0, Qt::UserRole, stack->addWidget(page));
-        connect(page, &AbstractOptionsPage::itemChanged, this, [this] {
-            buttons->button(QDialogButtonBox::Apply)->setEnabled(true);
-        });
+        connect(page, &AbstractOptionsPage::itemChanged, this,
+                [this] { buttons->button(QDialogButtonBox::Apply)->setEnabled(true); });
     }
     connect(categories, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem *item) {
         if (item && item->parent())

@@ -19,7 +19,8 @@ QString quoted(const JsonTape::Value &value)
 
 } // namespace
 
-bool TapeFieldReader::integer(const Value &value, const KeyPath &path, qint64 minimum, qint64 maximum, qint64 *out)
+bool TapeFieldReader::integer(const Value &value, const KeyPath &path, qint64 minimum,
+                              qint64 maximum, qint64 *out)
 {
     if (!value.isNumber())
         return wrongType(value, path, tr("an integer"));
@@ -34,7 +35,8 @@ bool TapeFieldReader::integer(const Value &value, const KeyPath &path, qint64 mi
         // any other number that is not an integer literal is no integer.
         const double number = JsonNumber::toDouble(value.text());
         if (!(std::isfinite(number) && std::trunc(number) == number && std::fabs(number) >= 0x1p63))
-            return fail(tr("\"%1\": %2 is not an integer").arg(path.text(), JsonNumber::display(value.text())));
+            return fail(tr("\"%1\": %2 is not an integer")
+                            .arg(path.text(), JsonNumber::display(value.text())));
     }
     return fail(tr("\"%1\": %2 is out of range (%3..%4)")
                     .arg(path.text(), JsonNumber::display(value.text()), QString::number(minimum),
@@ -51,8 +53,9 @@ bool TapeFieldReader::number(const Value &value, const KeyPath &path, double *ou
 
 bool TapeFieldReader::numbers(const Value &value, const KeyPath &path, int count, double *out)
 {
-    return list(value, path, count, [count] { return tr("a list of %1 numbers").arg(count); },
-                [&](Value &entry, int index) { return number(entry, path.entry(index), out + index); });
+    return list(
+        value, path, count, [count] { return tr("a list of %1 numbers").arg(count); },
+        [&](Value &entry, int index) { return number(entry, path.entry(index), out + index); });
 }
 
 bool TapeFieldReader::dateTime(const Value &value, const KeyPath &path, QDateTime *out)
@@ -60,9 +63,11 @@ bool TapeFieldReader::dateTime(const Value &value, const KeyPath &path, QDateTim
     if (!value.isString())
         return wrongType(value, path, tr("a string"));
     const std::string_view bytes = value.text();
-    *out = QDateTime::fromString(QString::fromUtf8(bytes.data(), int(bytes.size())), Qt::ISODateWithMs);
+    *out = QDateTime::fromString(QString::fromUtf8(bytes.data(), int(bytes.size())),
+                                 Qt::ISODateWithMs);
     if (!out->isValid())
-        return fail(tr("\"%1\": %2 is not an ISO 8601 date and time").arg(path.text(), quoted(value)));
+        return fail(
+            tr("\"%1\": %2 is not an ISO 8601 date and time").arg(path.text(), quoted(value)));
     return true;
 }
 

@@ -29,7 +29,8 @@ public:
     static bool isNull(const Value &value) { return value.isNull(); }
 
     /** An integer literal within [@p minimum, @p maximum]. */
-    bool integer(const Value &value, const KeyPath &path, qint64 minimum, qint64 maximum, qint64 *out);
+    bool integer(const Value &value, const KeyPath &path, qint64 minimum, qint64 maximum,
+                 qint64 *out);
     /** Any number, to the nearest double. */
     bool number(const Value &value, const KeyPath &path, double *out);
     /** A list of exactly @p count numbers. */
@@ -59,7 +60,9 @@ public:
     bool list(const Value &value, const KeyPath &path, int count, Describe describe, Read read)
     {
         if (value.isList() && value.size() != std::size_t(count))
-            return fail(tr("\"%1\": expected %2, got %3 entries").arg(path.text(), describe()).arg(value.size()));
+            return fail(tr("\"%1\": expected %2, got %3 entries")
+                            .arg(path.text(), describe())
+                            .arg(value.size()));
         return list(value, path, describe, read);
     }
 
@@ -77,7 +80,8 @@ public:
         return true;
     }
 
-    /** A member whose key the reader does not know: the parser has checked it, and it is ignored. */
+    /** A member whose key the reader does not know: the parser has checked it, and it is ignored.
+     */
     bool unknown(Key, const Value &) { return true; }
 
     bool duplicate(const KeyPath &path);

@@ -32,5 +32,6 @@ void installTranslations()
     installTranslation(QStringLiteral("asciiexport"), folders);
     installTranslation(QStringLiteral("asciiexporter"), folders);
     // Qt's texts, such as those of the command-line parser, where the system has them.
-    installTranslation(QStringLiteral("qtbase"), {QLibraryInfo::location(QLibraryInfo::TranslationsPath)});
+    installTranslation(QStringLiteral("qtbase"),
+                       {QLibraryInfo::location(QLibraryInfo::TranslationsPath)});
 }

@@ -18,8 +18,7 @@ UbxFrameScanner::UbxFrameScanner(QIODevice *device, QIODevice *copy)
     : device(device)
     , copy(copy)
     , buffer(blockSize + largestFrame)
-{
-}
+{ }
 
 UbxFrameScanner::Status UbxFrameScanner::next(Frame *frame)
 {
@@ -33,7 +32,8 @@ UbxFrameScanner::Status UbxFrameScanner::next(Frame *frame)
             refill();
             continue;
         }
-        const auto *sync = static_cast<const uchar *>(std::memchr(buffer.data() + position, sync1, filled - position));
+        const auto *sync = static_cast<const uchar *>(
+            std::memchr(buffer.data() + position, sync1, filled - position));
         if (!sync) {
             position = filled;
             continue;
@@ -48,7 +48,8 @@ UbxFrameScanner::Status UbxFrameScanner::next(Frame *frame)
             ++position;
             continue;
         }
-        const std::size_t length = left >= std::size_t(headerSize) ? std::size_t(sync[4] | sync[5] << 8) : 0;
+        const std::size_t length =
+            left >= std::size_t(headerSize) ? std::size_t(sync[4] | sync[5] << 8) : 0;
         if (left < std::size_t(headerSize) || left < length + frameOverhead) {
             if (!atEnd) {
                 refill();
@@ -59,7 +60,8 @@ UbxFrameScanner::Status UbxFrameScanner::next(Frame *frame)
             continue;
         }
         const quint16 sum = checksum(sync + 2, length + 4);
-        if (sync[headerSize + length] != (sum & 0xFF) || sync[headerSize + length + 1] != (sum >> 8)) {
+        if (sync[headerSize + length] != (sum & 0xFF)
+            || sync[headerSize + length + 1] != (sum >> 8)) {
             ++badChecksumCount;
             ++position;
             continue;
@@ -84,7 +86,8 @@ void UbxFrameScanner::refill()
     position = 0;
     filled = kept;
     while (filled < blockSize && !atEnd) {
-        const qint64 got = device->read(reinterpret_cast<char *>(buffer.data() + filled), qint64(blockSize - filled));
+        const qint64 got = device->read(reinterpret_cast<char *>(buffer.data() + filled),
+                                        qint64(blockSize - filled));
         if (got < 0) {
             error = device->errorString();
             return;
@@ -94,7 +97,8 @@ void UbxFrameScanner::refill()
             atEnd = !device->isSequential() || !device->waitForReadyRead(-1);
             continue;
         }
-        if (copy && copy->write(reinterpret_cast<const char *>(buffer.data() + filled), got) != got) {
+        if (copy
+            && copy->write(reinterpret_cast<const char *>(buffer.data() + filled), got) != got) {
             error = tr("cannot keep a copy of the data: %1").arg(copy->errorString());
             return;
         }

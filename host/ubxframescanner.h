@@ -25,10 +25,10 @@ class UbxFrameScanner
 public:
     struct Frame
     {
-        quint16 key = 0;          ///< class and id, see UbxMessages::messageKey()
+        quint16 key = 0; ///< class and id, see UbxMessages::messageKey()
         const uchar *payload = nullptr;
         int length = 0;
-        qint64 offset = 0;        ///< of the first sync byte in the stream
+        qint64 offset = 0; ///< of the first sync byte in the stream
     };
 
     enum class Status { Frame, End, Failed };

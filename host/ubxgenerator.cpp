@@ -23,15 +23,17 @@ std::string ggaSentence(const KvGnssPvt &pvt)
         const qint64 degrees = magnitude / 10000000;
         const double minutes = double(magnitude % 10000000) * 60.0 / 1e7;
         char text[32];
-        std::snprintf(text, sizeof text, "%0*lld%08.5f", degreeDigits, static_cast<long long>(degrees), minutes);
+        std::snprintf(text, sizeof text, "%0*lld%08.5f", degreeDigits,
+                      static_cast<long long>(degrees), minutes);
         return std::string(text);
     };
     char body[160];
-    std::snprintf(body, sizeof body, "GNGGA,%02d%02d%02d.%02d,%s,%c,%s,%c,%d,%02d,%.2f,%.1f,M,%.1f,M,,",
-                  pvt.hour, pvt.min, pvt.sec, int(pvt.nano > 0 ? pvt.nano / 10000000 : 0),
-                  degreesMinutes(pvt.lat, 2).c_str(), pvt.lat < 0 ? 'S' : 'N', degreesMinutes(pvt.lon, 3).c_str(),
-                  pvt.lon < 0 ? 'W' : 'E', pvt.fixType >= 2 ? 1 : 0, pvt.numSV, pvt.hDOP * 0.01, pvt.hMSL * 0.001,
-                  (pvt.height - pvt.hMSL) * 0.001);
+    std::snprintf(
+        body, sizeof body, "GNGGA,%02d%02d%02d.%02d,%s,%c,%s,%c,%d,%02d,%.2f,%.1f,M,%.1f,M,,",
+        pvt.hour, pvt.min, pvt.sec, int(pvt.nano > 0 ? pvt.nano / 10000000 : 0),
+        degreesMinutes(pvt.lat, 2).c_str(), pvt.lat < 0 ? 'S' : 'N',
+        degreesMinutes(pvt.lon, 3).c_str(), pvt.lon < 0 ? 'W' : 'E', pvt.fixType >= 2 ? 1 : 0,
+        pvt.numSV, pvt.hDOP * 0.01, pvt.hMSL * 0.001, (pvt.height - pvt.hMSL) * 0.001);
     quint8 sum = 0;
     for (const char *c = body; *c; ++c)
         sum ^= quint8(*c);
@@ -57,29 +59,34 @@ bool generateUbxLog(const GeneratorOptions &options, QIODevice *out, QString *er
     std::string block;
     const auto writeBlock = [&] {
         if (out->write(block.data(), qint64(block.size())) != qint64(block.size())) {
-            *error = QCoreApplication::translate("RecordingGenerator", "cannot write the recording: %1")
-                         .arg(out->errorString());
+            *error =
+                QCoreApplication::translate("RecordingGenerator", "cannot write the recording: %1")
+                    .arg(out->errorString());
             return false;
         }
         block.clear();
         return true;
     };
 
-    UbxMessages::appendFrame(block, UbxMessages::monVer,
-                             UbxMessages::monVerPayload(QStringLiteral("1.2.3"), QStringLiteral("00080000")));
+    UbxMessages::appendFrame(
+        block, UbxMessages::monVer,
+        UbxMessages::monVerPayload(QStringLiteral("1.2.3"), QStringLiteral("00080000")));
     constexpr std::size_t blockSize = 1 << 20;
-    const bool generated = generateReceiverEpochs(options, [&](const RecordingSample &epoch) {
-        using namespace UbxMessages;
-        appendFrame(block, navSol, navSolPayload(epoch.gpsSolution));
-        appendFrame(block, navPvt, navPvtPayload(epoch.gnssPvt));
-        appendFrame(block, navStatus, navStatusPayload(epoch.gnssPvt));
-        appendFrame(block, navDop, navDopPayload(epoch.gpsDop));
-        appendFrame(block, navTimeUtc, navTimeUtcPayload(epoch.gpsUtcTime));
-        appendFrame(block, navSvInfo, navSvInfoPayload(epoch.gpsSatellites));
-        appendFrame(block, navSat, navSatPayload(epoch.gnssSatellites));
-        block += ggaSentence(epoch.gnssPvt);
-        return block.size() < blockSize || writeBlock();
-    }, error);
+    const bool generated = generateReceiverEpochs(
+        options,
+        [&](const RecordingSample &epoch) {
+            using namespace UbxMessages;
+            appendFrame(block, navSol, navSolPayload(epoch.gpsSolution));
+            appendFrame(block, navPvt, navPvtPayload(epoch.gnssPvt));
+            appendFrame(block, navStatus, navStatusPayload(epoch.gnssPvt));
+            appendFrame(block, navDop, navDopPayload(epoch.gpsDop));
+            appendFrame(block, navTimeUtc, navTimeUtcPayload(epoch.gpsUtcTime));
+            appendFrame(block, navSvInfo, navSvInfoPayload(epoch.gpsSatellites));
+            appendFrame(block, navSat, navSatPayload(epoch.gnssSatellites));
+            block += ggaSentence(epoch.gnssPvt);
+            return block.size() < blockSize || writeBlock();
+        },
+        error);
     if (!generated || !writeBlock())
         return false;
     // A file holds the last bytes in its buffer: a full disk shows only here.

@@ -24,7 +24,8 @@ template <auto member>
 constexpr Place<typename RecordFields::MemberOf<decltype(member)>::RecordType> at(int offset)
 {
     using Type = typename RecordFields::MemberOf<decltype(member)>::MemberType;
-    return {offset, int(sizeof(Type)), &RecordFields::storeMember<member>, &RecordFields::loadMember<member>};
+    return {offset, int(sizeof(Type)), &RecordFields::storeMember<member>,
+            &RecordFields::loadMember<member>};
 }
 
 constexpr Place<KvGpsSolution> navSolLayout[] = {
@@ -37,15 +38,16 @@ constexpr Place<KvGpsSolution> navSolLayout[] = {
 constexpr int navSolLength = 52;
 
 constexpr Place<KvGpsDop> navDopLayout[] = {
-    at<&KvGpsDop::iTOW>(0),  at<&KvGpsDop::gDOP>(4),  at<&KvGpsDop::pDOP>(6),  at<&KvGpsDop::tDOP>(8),
-    at<&KvGpsDop::vDOP>(10), at<&KvGpsDop::hDOP>(12), at<&KvGpsDop::nDOP>(14), at<&KvGpsDop::eDOP>(16),
+    at<&KvGpsDop::iTOW>(0),  at<&KvGpsDop::gDOP>(4),  at<&KvGpsDop::pDOP>(6),
+    at<&KvGpsDop::tDOP>(8),  at<&KvGpsDop::vDOP>(10), at<&KvGpsDop::hDOP>(12),
+    at<&KvGpsDop::nDOP>(14), at<&KvGpsDop::eDOP>(16),
 };
 constexpr int navDopLength = 18;
 
 constexpr Place<KvGpsUtcTime> navTimeUtcLayout[] = {
-    at<&KvGpsUtcTime::iTOW>(0),  at<&KvGpsUtcTime::tAcc>(4),  at<&KvGpsUtcTime::nano>(8),
-    at<&KvGpsUtcTime::year>(12), at<&KvGpsUtcTime::month>(14), at<&KvGpsUtcTime::day>(15),
-    at<&KvGpsUtcTime::hour>(16), at<&KvGpsUtcTime::min>(17),  at<&KvGpsUtcTime::sec>(18),
+    at<&KvGpsUtcTime::iTOW>(0),   at<&KvGpsUtcTime::tAcc>(4),   at<&KvGpsUtcTime::nano>(8),
+    at<&KvGpsUtcTime::year>(12),  at<&KvGpsUtcTime::month>(14), at<&KvGpsUtcTime::day>(15),
+    at<&KvGpsUtcTime::hour>(16),  at<&KvGpsUtcTime::min>(17),   at<&KvGpsUtcTime::sec>(18),
     at<&KvGpsUtcTime::valid>(19),
 };
 constexpr int navTimeUtcLength = 20;
@@ -53,32 +55,37 @@ constexpr int navTimeUtcLength = 20;
 // The fields up to pDOP are common to both lengths; headVeh comes only in
 // the longer one.
 constexpr Place<KvGnssPvt> navPvtLayout[] = {
-    at<&KvGnssPvt::iTOW>(0),     at<&KvGnssPvt::year>(4),     at<&KvGnssPvt::month>(6),
-    at<&KvGnssPvt::day>(7),      at<&KvGnssPvt::hour>(8),     at<&KvGnssPvt::min>(9),
-    at<&KvGnssPvt::sec>(10),     at<&KvGnssPvt::valid>(11),   at<&KvGnssPvt::tAcc>(12),
-    at<&KvGnssPvt::nano>(16),    at<&KvGnssPvt::fixType>(20), at<&KvGnssPvt::flags>(21),
-    at<&KvGnssPvt::numSV>(23),   at<&KvGnssPvt::lon>(24),     at<&KvGnssPvt::lat>(28),
-    at<&KvGnssPvt::height>(32),  at<&KvGnssPvt::hMSL>(36),    at<&KvGnssPvt::hAcc>(40),
-    at<&KvGnssPvt::vAcc>(44),    at<&KvGnssPvt::velN>(48),    at<&KvGnssPvt::velE>(52),
-    at<&KvGnssPvt::velD>(56),    at<&KvGnssPvt::gSpeed>(60),  at<&KvGnssPvt::headMot>(64),
-    at<&KvGnssPvt::sAcc>(68),    at<&KvGnssPvt::headAcc>(72),
+    at<&KvGnssPvt::iTOW>(0),    at<&KvGnssPvt::year>(4),     at<&KvGnssPvt::month>(6),
+    at<&KvGnssPvt::day>(7),     at<&KvGnssPvt::hour>(8),     at<&KvGnssPvt::min>(9),
+    at<&KvGnssPvt::sec>(10),    at<&KvGnssPvt::valid>(11),   at<&KvGnssPvt::tAcc>(12),
+    at<&KvGnssPvt::nano>(16),   at<&KvGnssPvt::fixType>(20), at<&KvGnssPvt::flags>(21),
+    at<&KvGnssPvt::numSV>(23),  at<&KvGnssPvt::lon>(24),     at<&KvGnssPvt::lat>(28),
+    at<&KvGnssPvt::height>(32), at<&KvGnssPvt::hMSL>(36),    at<&KvGnssPvt::hAcc>(40),
+    at<&KvGnssPvt::vAcc>(44),   at<&KvGnssPvt::velN>(48),    at<&KvGnssPvt::velE>(52),
+    at<&KvGnssPvt::velD>(56),   at<&KvGnssPvt::gSpeed>(60),  at<&KvGnssPvt::headMot>(64),
+    at<&KvGnssPvt::sAcc>(68),   at<&KvGnssPvt::headAcc>(72),
 };
 constexpr Place<KvGnssPvt> navPvtHeadVeh = at<&KvGnssPvt::headVeh>(84);
 
 // NAV-SVINFO: iTOW, numCh, then 12 bytes a channel.
 constexpr Place<KvGpsSatelliteInfo> navSvInfoLayout[] = {
-    at<&KvGpsSatelliteInfo::iTOW>(0), at<&KvGpsSatelliteInfo::numCh>(4),
+    at<&KvGpsSatelliteInfo::iTOW>(0),
+    at<&KvGpsSatelliteInfo::numCh>(4),
 };
 constexpr Place<KvGpsChannel> svInfoChannelLayout[] = {
-    at<&KvGpsChannel::svid>(1), at<&KvGpsChannel::quality>(3),
+    at<&KvGpsChannel::svid>(1),
+    at<&KvGpsChannel::quality>(3),
 };
 
 // NAV-SAT: iTOW, version, numSvs, then 12 bytes a satellite.
 constexpr Place<KvGnssSatelliteInfo> navSatLayout[] = {
-    at<&KvGnssSatelliteInfo::iTOW>(0), at<&KvGnssSatelliteInfo::numSvs>(5),
+    at<&KvGnssSatelliteInfo::iTOW>(0),
+    at<&KvGnssSatelliteInfo::numSvs>(5),
 };
 constexpr Place<KvGnssSatellite> navSatSatelliteLayout[] = {
-    at<&KvGnssSatellite::gnssId>(0), at<&KvGnssSatellite::svId>(1), at<&KvGnssSatellite::cno>(2),
+    at<&KvGnssSatellite::gnssId>(0),
+    at<&KvGnssSatellite::svId>(1),
+    at<&KvGnssSatellite::cno>(2),
     at<&KvGnssSatellite::flags>(8),
 };
 constexpr int satelliteBlockStart = 8;
@@ -131,7 +138,8 @@ bool blocksFit(int length, int countOffset, const uchar *payload)
 
 // Reads the blocks of a satellite list; @p used of the message's blocks fit the record.
 template <typename Entry, std::size_t count, std::size_t capacity>
-void readBlocks(const uchar *payload, int blocks, const Place<Entry> (&layout)[count], Entry (&entries)[capacity])
+void readBlocks(const uchar *payload, int blocks, const Place<Entry> (&layout)[count],
+                Entry (&entries)[capacity])
 {
     const int used = std::min(blocks, int(capacity));
     for (int i = 0; i < used; ++i) {
@@ -148,7 +156,8 @@ std::string listPayload(int countOffset, int blocks, const Place<Entry> (&layout
     std::string payload(std::size_t(satelliteBlockStart + satelliteBlockSize * used), '\0');
     payload[std::size_t(countOffset)] = char(used);
     for (int i = 0; i < used; ++i)
-        writePlaces(bytesOf(payload) + satelliteBlockStart + satelliteBlockSize * i, layout, entries[i]);
+        writePlaces(bytesOf(payload) + satelliteBlockStart + satelliteBlockSize * i, layout,
+                    entries[i]);
     return payload;
 }
 
@@ -172,8 +181,9 @@ QString messageName(quint16 key)
     case monVer:
         return QStringLiteral("MON-VER");
     default:
-        return QStringLiteral("0x%1 0x%2").arg(key >> 8, 2, 16, QLatin1Char('0')).arg(key & 0xFF, 2, 16,
-                                                                                       QLatin1Char('0'));
+        return QStringLiteral("0x%1 0x%2")
+            .arg(key >> 8, 2, 16, QLatin1Char('0'))
+            .arg(key & 0xFF, 2, 16, QLatin1Char('0'));
     }
 }
 
@@ -276,7 +286,8 @@ bool readMonVer(const uchar *payload, int length, QString *softwareVersion)
     if (!hasValidLength(monVer, payload, length))
         return false;
     const auto *text = reinterpret_cast<const char *>(payload);
-    *softwareVersion = QString::fromLatin1(text, int(std::find(text, text + monVerSoftwareSize, '\0') - text));
+    *softwareVersion =
+        QString::fromLatin1(text, int(std::find(text, text + monVerSoftwareSize, '\0') - text));
     return true;
 }
 
@@ -290,7 +301,8 @@ void appendFrame(std::string &out, quint16 key, const std::string &payload)
     out += char(payload.size() & 0xFF);
     out += char(payload.size() >> 8);
     out += payload;
-    const quint16 sum = checksum(reinterpret_cast<const uchar *>(out.data()) + start + 2, out.size() - start - 2);
+    const quint16 sum =
+        checksum(reinterpret_cast<const uchar *>(out.data()) + start + 2, out.size() - start - 2);
     out += char(sum & 0xFF);
     out += char(sum >> 8);
 }
@@ -330,7 +342,8 @@ std::string navPvtPayload(const KvGnssPvt &record)
 {
     std::string payload(navPvtLength, '\0');
     writePlaces(bytesOf(payload), navPvtLayout, record);
-    storeBytes(bytesOf(payload) + navPvtHeadVeh.offset, navPvtHeadVeh.size, navPvtHeadVeh.load(record));
+    storeBytes(bytesOf(payload) + navPvtHeadVeh.offset, navPvtHeadVeh.size,
+               navPvtHeadVeh.load(record));
     // NAV-PVT carries its own position dilution.
     storeBytes(bytesOf(payload) + 76, 2, record.pDOP);
     return payload;

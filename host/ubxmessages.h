@@ -42,7 +42,8 @@ constexpr quint16 navPvt = messageKey(0x01, 0x07);
 constexpr quint16 navSat = messageKey(0x01, 0x35);
 constexpr quint16 monVer = messageKey(0x0A, 0x04);
 
-/** Payload lengths of NAV-PVT: current receivers, and older ones without headVeh and the fields after it. */
+/** Payload lengths of NAV-PVT: current receivers, and older ones without headVeh and the fields
+ * after it. */
 constexpr int navPvtLength = 92;
 constexpr int navPvtShortLength = 84;
 
@@ -62,7 +63,8 @@ bool readNavTimeUtc(const uchar *payload, int length, KvGpsUtcTime &record);
 bool readNavSvInfo(const uchar *payload, int length, KvGpsSatelliteInfo &record);
 /** Takes 92 or 84 bytes; headVeh stays 0 in the shorter one. The dilutions are not NAV-PVT's. */
 bool readNavPvt(const uchar *payload, int length, KvGnssPvt &record);
-/** Keeps the first KvGnssSatelliteInfo::maxSatellites satellites; numSvs as the message states it. */
+/** Keeps the first KvGnssSatelliteInfo::maxSatellites satellites; numSvs as the message states it.
+ */
 bool readNavSat(const uchar *payload, int length, KvGnssSatelliteInfo &record);
 /** The software version of MON-VER, up to its first NUL byte. */
 bool readMonVer(const uchar *payload, int length, QString *softwareVersion);

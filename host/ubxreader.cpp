@@ -26,7 +26,8 @@ bool hasDate(const uchar *date)
 
 QString dateTimeText(int year, int month, int day, int hour, int minute, int second)
 {
-    return QString::asprintf("%04d-%02d-%02d %02d:%02d:%02d", year, month, day, hour, minute, second);
+    return QString::asprintf("%04d-%02d-%02d %02d:%02d:%02d", year, month, day, hour, minute,
+                             second);
 }
 
 } // namespace
@@ -112,7 +113,8 @@ bool UbxReader::indexFrames(QIODevice *source)
             } else if (!versionSeen) {
                 versionSeen = true;
                 if (!version.trimmed().isEmpty())
-                    recordingProperties.insert(QStringLiteral("FirmwareVersion"), version.trimmed());
+                    recordingProperties.insert(QStringLiteral("FirmwareVersion"),
+                                               version.trimmed());
             }
             continue;
         }
@@ -145,7 +147,8 @@ bool UbxReader::indexFrames(QIODevice *source)
             continue;
         }
         epoch.frames[kind] = frame.offset;
-        if ((kind == Pvt && hasDate(frame.payload + 4)) || (kind == UtcTime && hasDate(frame.payload + 12)))
+        if ((kind == Pvt && hasDate(frame.payload + 4))
+            || (kind == UtcTime && hasDate(frame.payload + 12)))
             epoch.dated |= quint8(1 << kind);
     }
     counts.bytes = scanner.bytes();
@@ -206,8 +209,9 @@ void UbxReader::findProperties()
             continue;
         const Kind kind = (epoch.dated & (1 << Pvt)) ? Pvt : UtcTime;
         int length = 0;
-        const uchar *frame = frameAt(epoch.frames[kind], kind == Pvt ? UbxMessages::navPvt : UbxMessages::navTimeUtc,
-                                     &length);
+        const uchar *frame =
+            frameAt(epoch.frames[kind], kind == Pvt ? UbxMessages::navPvt : UbxMessages::navTimeUtc,
+                    &length);
         if (!frame)
             return;
         const uchar *date = frame + UbxMessages::headerSize + (kind == Pvt ? 4 : 12);
@@ -228,7 +232,8 @@ void UbxReader::findProperties()
     if (steps.size() % 2 == 1) {
         rate = 1000.0 / steps[middle];
     } else {
-        const quint32 below = *std::max_element(steps.begin(), steps.begin() + std::ptrdiff_t(middle));
+        const quint32 below =
+            *std::max_element(steps.begin(), steps.begin() + std::ptrdiff_t(middle));
         rate = 2000.0 / (double(below) + double(steps[middle]));
     }
 }
@@ -237,7 +242,9 @@ void UbxReader::findProperties()
 // pass found it; null after failing when the log no longer holds it.
 const uchar *UbxReader::frameAt(qint64 offset, quint16 key, int *length)
 {
-    const auto inWindow = [&](qint64 size) { return offset >= windowStart && offset + size <= windowStart + windowSize; };
+    const auto inWindow = [&](qint64 size) {
+        return offset >= windowStart && offset + size <= windowStart + windowSize;
+    };
     const auto frameSize = [&] {
         const uchar *frame = window.data() + (offset - windowStart);
         return qint64(loadWord(frame + 4)) + UbxMessages::frameOverhead;
@@ -263,8 +270,9 @@ const uchar *UbxReader::frameAt(qint64 offset, quint16 key, int *length)
         }
     }
     const uchar *frame = window.data() + (offset - windowStart);
-    if (!inWindow(UbxMessages::headerSize) || !inWindow(frameSize()) || frame[0] != UbxMessages::sync1
-        || frame[1] != UbxMessages::sync2 || UbxMessages::messageKey(frame[2], frame[3]) != key) {
+    if (!inWindow(UbxMessages::headerSize) || !inWindow(frameSize())
+        || frame[0] != UbxMessages::sync1 || frame[1] != UbxMessages::sync2
+        || UbxMessages::messageKey(frame[2], frame[3]) != key) {
         fail(tr("%1: the log changed while it was read").arg(fileName));
         return nullptr;
     }
@@ -292,9 +300,9 @@ bool UbxReader::readNext()
     current.gnssSatellites = KvGnssSatelliteInfo();
     // An epoch at time of week 0 holds no data, as a record with iTOW 0 does.
     if (epoch.timeOfWeek != 0) {
-        static constexpr quint16 keys[kindCount] = {UbxMessages::navSol,    UbxMessages::navDop,
+        static constexpr quint16 keys[kindCount] = {UbxMessages::navSol,     UbxMessages::navDop,
                                                     UbxMessages::navTimeUtc, UbxMessages::navSvInfo,
-                                                    UbxMessages::navPvt,    UbxMessages::navSat};
+                                                    UbxMessages::navPvt,     UbxMessages::navSat};
         for (int kind = 0; kind < kindCount; ++kind) {
             if (epoch.frames[kind] < 0)
                 continue;
@@ -389,7 +397,8 @@ QString UbxReader::readingNotice() const
 {
     if (counts.skippedBytes() == 0)
         return QString();
-    return tr("%1: skipped %2 of %3 bytes outside good UBX frames (%4 frames with a bad checksum, %5 cut short "
+    return tr("%1: skipped %2 of %3 bytes outside good UBX frames (%4 frames with a bad checksum, "
+              "%5 cut short "
               "at the end)")
         .arg(fileName)
         .arg(counts.skippedBytes())

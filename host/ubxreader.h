@@ -41,7 +41,8 @@ public:
     UbxReader();
     ~UbxReader() override;
 
-    /** Opens @p fileName and finds its epochs. On failure returns false and errorString() tells why. */
+    /** Opens @p fileName and finds its epochs. On failure returns false and errorString() tells
+     * why. */
     bool open(const QString &fileName);
     /**
      * Reads the log from @p device, which must be open for reading and

@@ -63,10 +63,9 @@ struct SatelliteId
 
 // GPS (0), Galileo (2), BeiDou (3) and GLONASS (6) satellites in view.
 constexpr SatelliteId satellitesInView[] = {
-    {0, 2}, {0, 5}, {0, 7}, {0, 9}, {0, 12}, {0, 13}, {0, 15}, {0, 18}, {0, 20}, {0, 25},
-    {2, 1}, {2, 4}, {2, 9}, {2, 11}, {2, 19}, {2, 24}, {2, 26}, {2, 33},
-    {3, 6}, {3, 14}, {3, 21}, {3, 28}, {3, 35}, {3, 42},
-    {6, 3}, {6, 8}, {6, 10}, {6, 17}, {6, 22}, {6, 23},
+    {0, 2},  {0, 5},  {0, 7},  {0, 9},  {0, 12}, {0, 13}, {0, 15}, {0, 18}, {0, 20}, {0, 25},
+    {2, 1},  {2, 4},  {2, 9},  {2, 11}, {2, 19}, {2, 24}, {2, 26}, {2, 33}, {3, 6},  {3, 14},
+    {3, 21}, {3, 28}, {3, 35}, {3, 42}, {6, 3},  {6, 8},  {6, 10}, {6, 17}, {6, 22}, {6, 23},
 };
 constexpr int satelliteCount = int(std::size(satellitesInView));
 
@@ -81,10 +80,13 @@ public:
         , receiverRate(receiverRate)
         , random(options.seed)
     {
-        deviceId = QStringLiteral("%1").arg(random.next() & 0xFFFFFFFFu, 8, 16, QLatin1Char('0')).toUpper();
+        deviceId = QStringLiteral("%1")
+                       .arg(random.next() & 0xFFFFFFFFu, 8, 16, QLatin1Char('0'))
+                       .toUpper();
         for (double &level : satelliteLevels)
             level = 22.0 + 24.0 * random.uniform();
-        const qint64 gpsMs = QDateTime(QDate(1980, 1, 6), QTime(0, 0), Qt::UTC).msecsTo(startTime()) + gpsLeapMs;
+        const qint64 gpsMs =
+            QDateTime(QDate(1980, 1, 6), QTime(0, 0), Qt::UTC).msecsTo(startTime()) + gpsLeapMs;
         gpsWeek = qint16(gpsMs / msPerGpsWeek);
         startTimeOfWeek = gpsMs % msPerGpsWeek;
     }
@@ -136,7 +138,7 @@ private:
         const QDateTime sampleTime = startTime().addMSecs(std::llround(t * 1000.0));
         state.sampleTimeFine = quint32(sampleTimeFineStart + quint64(std::llround(t * 10000.0)));
         state.dateTime = sampleTime.date().toString(Qt::ISODate) + QLatin1Char('T')
-                + sampleTime.time().toString(QStringLiteral("HH:mm:ss.zzz"));
+            + sampleTime.time().toString(QStringLiteral("HH:mm:ss.zzz"));
         const QDate date = sampleTime.date();
         const QTime time = sampleTime.time();
         state.utcTime.nano = quint32(time.msec()) * 1000000u;
@@ -169,7 +171,8 @@ private:
         const double toRad = pi / 180.0;
         const double roll = angles.roll * toRad, pitch = angles.pitch * toRad;
         const double rollDot = 4.0 * 2 * pi * rollRate * std::cos(2 * pi * rollRate * t) * toRad;
-        const double pitchDot = 2.5 * 2 * pi * pitchRate * std::cos(2 * pi * pitchRate * t + 0.7) * toRad;
+        const double pitchDot =
+            2.5 * 2 * pi * pitchRate * std::cos(2 * pi * pitchRate * t + 0.7) * toRad;
         const double yawDot = turnRate * toRad;
         const double rates[3] = {
             rollDot - yawDot * std::sin(pitch),
@@ -178,10 +181,11 @@ private:
         };
         for (int i = 0; i < 3; ++i)
             state.angularVelocity[i] = rates[i] + random.noise(0.002);
-        const double angle = std::sqrt(rates[0] * rates[0] + rates[1] * rates[1] + rates[2] * rates[2]) * dt;
+        const double angle =
+            std::sqrt(rates[0] * rates[0] + rates[1] * rates[1] + rates[2] * rates[2]) * dt;
         const double scale = angle > 0.0 ? std::sin(angle / 2) / (angle / dt) : 0.0;
-        state.orientationIncrement = KvQuaternion(std::cos(angle / 2), rates[0] * scale, rates[1] * scale,
-                                                  rates[2] * scale);
+        state.orientationIncrement =
+            KvQuaternion(std::cos(angle / 2), rates[0] * scale, rates[1] * scale, rates[2] * scale);
 
         // Reference frame: x east, y north, z up. Steps bounce the sensor.
         const double yaw = angles.yaw * toRad;
@@ -203,9 +207,12 @@ private:
             state.freeAcceleration[i] = free[i] + random.noise(0.01);
             state.magneticField[i] = field + random.noise(0.003);
             state.velocityIncrement[i] = state.acceleration[i] * dt;
-            state.scrAcceleration[i] = clamped<quint16>(32768 + 1000.0 * state.acceleration[i] + random.noise(2));
-            state.scrGyroscope[i] = clamped<quint16>(32768 + 5000.0 * state.angularVelocity[i] + random.noise(2));
-            state.scrMagneticField[i] = clamped<quint16>(32768 + 6000.0 * state.magneticField[i] + random.noise(2));
+            state.scrAcceleration[i] =
+                clamped<quint16>(32768 + 1000.0 * state.acceleration[i] + random.noise(2));
+            state.scrGyroscope[i] =
+                clamped<quint16>(32768 + 5000.0 * state.angularVelocity[i] + random.noise(2));
+            state.scrMagneticField[i] =
+                clamped<quint16>(32768 + 6000.0 * state.magneticField[i] + random.noise(2));
         }
         heading = angles.yaw;
     }
@@ -216,7 +223,7 @@ private:
         const double yaw = heading * toRad;
         // The rate of change of the altitude below.
         const double up = 0.3 * 2 * pi * 0.05 * std::cos(2 * pi * 0.05 * t)
-                + stepLift * 2 * pi * stepRate * std::cos(2 * pi * stepRate * t);
+            + stepLift * 2 * pi * stepRate * std::cos(2 * pi * stepRate * t);
         state.velocity[0] = walkingSpeed * std::cos(yaw) + random.noise(0.02);
         state.velocity[1] = walkingSpeed * std::sin(yaw) + random.noise(0.02);
         state.velocity[2] = up + random.noise(0.01);
@@ -228,7 +235,8 @@ private:
         longitude = startLongitude + east / (111319.49 * std::cos(startLatitude * toRad));
         state.latitudeLongitude[0] = latitude;
         state.latitudeLongitude[1] = longitude;
-        state.altitude = startAltitude + 0.3 * std::sin(2 * pi * 0.05 * t) + stepLift * std::sin(2 * pi * stepRate * t);
+        state.altitude = startAltitude + 0.3 * std::sin(2 * pi * 0.05 * t)
+            + stepLift * std::sin(2 * pi * stepRate * t);
     }
 
     void stepEnvironment(double t)
@@ -236,7 +244,8 @@ private:
         state.temperature = 24.5 + 1.5 * std::sin(2 * pi * t / 1200.0) + random.noise(0.02);
         state.pressure = 96500.0 - 12.0 * (state.altitude - startAltitude) + random.noise(3.0);
         state.rssi = std::round(-58.0 + random.noise(2.0));
-        state.scrTemperature = clamped<quint16>(11500 + 40.0 * std::sin(2 * pi * t / 600.0) + random.noise(2));
+        state.scrTemperature =
+            clamped<quint16>(11500 + 40.0 * std::sin(2 * pi * t / 600.0) + random.noise(2));
         for (int i = 0; i < 3; ++i)
             state.gyroTemperatures[i] = clamped<quint16>((state.temperature + 0.4 * i) * 256.0);
         const bool clipping = random.uniform() < 0.002;
@@ -277,9 +286,11 @@ private:
         sol.ecefZ = qint32(std::lround((n * (1.0 - e2) + height) * std::sin(lat) * 100.0));
         sol.pAcc = quint32(250 + random.below(100));
         sol.ecefVX = qint32(std::lround((-std::sin(lon) * vE - std::sin(lat) * std::cos(lon) * vN
-                                         + std::cos(lat) * std::cos(lon) * vU) * 100.0));
+                                         + std::cos(lat) * std::cos(lon) * vU)
+                                        * 100.0));
         sol.ecefVY = qint32(std::lround((std::cos(lon) * vE - std::sin(lat) * std::sin(lon) * vN
-                                         + std::cos(lat) * std::sin(lon) * vU) * 100.0));
+                                         + std::cos(lat) * std::sin(lon) * vU)
+                                        * 100.0));
         sol.ecefVZ = qint32(std::lround((std::cos(lat) * vN + std::sin(lat) * vU) * 100.0));
         sol.sAcc = quint32(30 + random.below(30));
         sol.pDOP = pDOP;
@@ -420,8 +431,7 @@ private:
 
 Walk::Walk(const GeneratorOptions &options, double receiverRate)
     : d(std::make_unique<Private>(options, receiverRate))
-{
-}
+{ }
 
 Walk::~Walk() = default;
 

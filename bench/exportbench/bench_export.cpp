@@ -143,7 +143,8 @@ Rows recordingRows(const BenchConfig &config, const QString &path)
     return rows;
 }
 
-Run runExporter(const BenchConfig &config, const QVector<TestSample> &pool, qint64 rows, const QString &out)
+Run runExporter(const BenchConfig &config, const QVector<TestSample> &pool, qint64 rows,
+                const QString &out)
 {
     SettingsSynchronizer store(SettingsCatalogue::defaults(), SettingsCatalogue::descriptions());
     configure(store, config);
@@ -209,14 +210,17 @@ Run runLimit(const Rows &table, qint64 rows, const QString &out)
         for (const Field &field : fields) {
             switch (field.kind) {
             case Field::Fixed:
-                p = std::to_chars(p, end, field.real, std::chars_format::fixed, field.precision).ptr;
+                p = std::to_chars(p, end, field.real, std::chars_format::fixed, field.precision)
+                        .ptr;
                 break;
             case Field::General:
-                p = std::to_chars(p, end, field.real, std::chars_format::general, field.precision).ptr;
+                p = std::to_chars(p, end, field.real, std::chars_format::general, field.precision)
+                        .ptr;
                 break;
             case Field::Signed:
             case Field::Unsigned:
-                p = writeInteger(p, end, field.integer, field.kind == Field::Signed, field.width, field.fill);
+                p = writeInteger(p, end, field.integer, field.kind == Field::Signed, field.width,
+                                 field.fill);
                 break;
             case Field::Empty:
                 break;
@@ -254,10 +258,12 @@ Run runQt(const Rows &table, qint64 rows, const QString &out)
                 row << QString::asprintf("%.*g", field.precision, field.real);
                 break;
             case Field::Signed:
-                row << QStringLiteral("%1").arg(field.integer, field.width, 10, QLatin1Char(field.fill));
+                row << QStringLiteral("%1").arg(field.integer, field.width, 10,
+                                                QLatin1Char(field.fill));
                 break;
             case Field::Unsigned:
-                row << QStringLiteral("%1").arg(quint64(field.integer), field.width, 10, QLatin1Char(field.fill));
+                row << QStringLiteral("%1").arg(quint64(field.integer), field.width, 10,
+                                                QLatin1Char(field.fill));
                 break;
             case Field::Empty:
                 break;
@@ -320,20 +326,26 @@ int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Times one way of writing an export; see scripts/bench."));
+    parser.setApplicationDescription(
+        QStringLiteral("Times one way of writing an export; see scripts/bench."));
     parser.addHelpOption();
-    const QCommandLineOption configOption(QStringLiteral("config"), QStringLiteral("default, inertial or full."),
+    const QCommandLineOption configOption(QStringLiteral("config"),
+                                          QStringLiteral("default, inertial or full."),
                                           QStringLiteral("NAME"), QStringLiteral("default"));
-    const QCommandLineOption methodOption(QStringLiteral("method"), QStringLiteral("exporter, limit, qt or table."),
+    const QCommandLineOption methodOption(QStringLiteral("method"),
+                                          QStringLiteral("exporter, limit, qt or table."),
                                           QStringLiteral("METHOD"), QStringLiteral("exporter"));
-    const QCommandLineOption rowsOption(QStringLiteral("rows"), QStringLiteral("Rows to write (default 1000000)."),
+    const QCommandLineOption rowsOption(QStringLiteral("rows"),
+                                        QStringLiteral("Rows to write (default 1000000)."),
                                         QStringLiteral("N"), QStringLiteral("1000000"));
     const QCommandLineOption outOption(QStringLiteral("out"), QStringLiteral("The file to write."),
-                                       QStringLiteral("FILE"), QStringLiteral("/dev/shm/asciiexporter-bench.txt"));
-    const QCommandLineOption recordingOption(QStringLiteral("recording"),
-                                             QStringLiteral("Write the samples of this recording (limit and qt "
-                                                            "only), once each, instead of the seeded pool."),
-                                             QStringLiteral("FILE"));
+                                       QStringLiteral("FILE"),
+                                       QStringLiteral("/dev/shm/asciiexporter-bench.txt"));
+    const QCommandLineOption recordingOption(
+        QStringLiteral("recording"),
+        QStringLiteral("Write the samples of this recording (limit and qt "
+                       "only), once each, instead of the seeded pool."),
+        QStringLiteral("FILE"));
     parser.addOptions({configOption, methodOption, rowsOption, outOption, recordingOption});
     parser.process(application);
 
@@ -350,14 +362,17 @@ int main(int argc, char *argv[])
     const QString method = parser.value(methodOption);
     const QString out = parser.value(outOption);
     const bool fromRecording = parser.isSet(recordingOption);
-    const QVector<TestSample> pool = fromRecording ? QVector<TestSample>() : makeSamplePool(config, poolSize, 20261121);
+    const QVector<TestSample> pool =
+        fromRecording ? QVector<TestSample>() : makeSamplePool(config, poolSize, 20261121);
 
     Run run;
     if (method == QLatin1String("limit") || method == QLatin1String("qt")) {
-        const Rows table = fromRecording ? recordingRows(config, parser.value(recordingOption)) : poolRows(config, pool);
+        const Rows table = fromRecording ? recordingRows(config, parser.value(recordingOption))
+                                         : poolRows(config, pool);
         if (fromRecording)
             rows = qint64(table.fields.size());
-        run = method == QLatin1String("limit") ? runLimit(table, rows, out) : runQt(table, rows, out);
+        run =
+            method == QLatin1String("limit") ? runLimit(table, rows, out) : runQt(table, rows, out);
     } else if (fromRecording) {
         std::fprintf(stderr, "--recording is for the limit and qt methods\n");
         return 2;
@@ -369,8 +384,10 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "unknown method\n");
         return 2;
     }
-    std::printf("{\"config\": \"%s\", \"method\": \"%s\", \"rows\": %lld, \"seconds\": %.6f, \"bytes\": %lld, "
+    std::printf("{\"config\": \"%s\", \"method\": \"%s\", \"rows\": %lld, \"seconds\": %.6f, "
+                "\"bytes\": %lld, "
                 "\"peak_kib\": %ld}\n",
-                qPrintable(config.name), qPrintable(method), rows, run.seconds, run.bytes, peakResidentKib());
+                qPrintable(config.name), qPrintable(method), rows, run.seconds, run.bytes,
+                peakResidentKib());
     return 0;
 }

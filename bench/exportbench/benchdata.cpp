@@ -7,18 +7,39 @@
 namespace {
 
 const char *const everyGroup[] = {
-    "exportPacketCounter", "exportSampleTimeFine", "exportDateTime", "exportUtc", "exportStatusFlags",
-    "exportClipFlags", "exportRssi", "exportCalibratedAcceleration", "exportFreeAcceleration",
-    "exportCalibratedAngularVelocity", "exportMagneticField", "exportVelocityIncrement",
-    "exportOrientationIncrement", "exportPressure", "exportPosition", "exportVelocity",
-    "exportTemperature", "exportGyroTemperature", "exportScrAcceleration", "exportScrGyroscopeData",
-    "exportScrMagneticField", "exportScrTemperature", "exportScrGyroTemperature", "exportRawGps",
-    "exportRawGnss", "exportTriggerIn1", "exportTriggerIn2",
+    "exportPacketCounter",
+    "exportSampleTimeFine",
+    "exportDateTime",
+    "exportUtc",
+    "exportStatusFlags",
+    "exportClipFlags",
+    "exportRssi",
+    "exportCalibratedAcceleration",
+    "exportFreeAcceleration",
+    "exportCalibratedAngularVelocity",
+    "exportMagneticField",
+    "exportVelocityIncrement",
+    "exportOrientationIncrement",
+    "exportPressure",
+    "exportPosition",
+    "exportVelocity",
+    "exportTemperature",
+    "exportGyroTemperature",
+    "exportScrAcceleration",
+    "exportScrGyroscopeData",
+    "exportScrMagneticField",
+    "exportScrTemperature",
+    "exportScrGyroTemperature",
+    "exportRawGps",
+    "exportRawGnss",
+    "exportTriggerIn1",
+    "exportTriggerIn2",
 };
 
 KvVector vector3(Random &random, double range)
 {
-    return {random.uniform(-range, range), random.uniform(-range, range), random.uniform(-range, range)};
+    return {random.uniform(-range, range), random.uniform(-range, range),
+            random.uniform(-range, range)};
 }
 
 } // namespace
@@ -29,8 +50,8 @@ QVector<BenchConfig> benchConfigs()
 
     BenchConfig inertial{QStringLiteral("inertial"), {}, 0, 0};
     for (const char *key : {"exportCalibratedAcceleration", "exportFreeAcceleration",
-                            "exportCalibratedAngularVelocity", "exportMagneticField", "exportPressure",
-                            "exportTemperature"})
+                            "exportCalibratedAngularVelocity", "exportMagneticField",
+                            "exportPressure", "exportTemperature"})
         inertial.settings.insert(QString::fromLatin1(key), true);
     inertial.settings.insert(QStringLiteral("exportOrientation"), QStringLiteral("Quaternion"));
 
@@ -66,9 +87,11 @@ QVector<TestSample> makeSamplePool(const BenchConfig &config, int count, quint64
                              random.uniform(-1, 1)};
         const double norm = std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
         s.orientationQuaternion = KvQuaternion(q[0] / norm, q[1] / norm, q[2] / norm, q[3] / norm);
-        s.orientationIncrement = KvQuaternion(1.0, random.uniform(-1e-3, 1e-3), random.uniform(-1e-3, 1e-3),
-                                              random.uniform(-1e-3, 1e-3));
-        s.orientationEuler = {random.uniform(-180, 180), random.uniform(-90, 90), random.uniform(-180, 180)};
+        s.orientationIncrement =
+            KvQuaternion(1.0, random.uniform(-1e-3, 1e-3), random.uniform(-1e-3, 1e-3),
+                         random.uniform(-1e-3, 1e-3));
+        s.orientationEuler = {random.uniform(-180, 180), random.uniform(-90, 90),
+                              random.uniform(-180, 180)};
         s.latitudeLongitude = {random.uniform(-90, 90), random.uniform(-180, 180)};
         s.altitude = random.uniform(-100, 4000);
         s.velocity = vector3(random, 30);
@@ -76,28 +99,47 @@ QVector<TestSample> makeSamplePool(const BenchConfig &config, int count, quint64
         s.temperature = random.uniform(-20, 60);
         // not multiples of 128: no word is an exact tie at two significant digits
         s.gyroTemperatures = {quint16(random.integer(0, 127) * 128 + 1 + random.integer(0, 126)),
-                              quint16(6400 + random.integer(1, 127)), quint16(6300 + random.integer(1, 99))};
+                              quint16(6400 + random.integer(1, 127)),
+                              quint16(6300 + random.integer(1, 99))};
         s.scrAcceleration = vector3(random, 32768);
         s.scrGyroscopeData = vector3(random, 32768);
         s.scrMagneticField = vector3(random, 32768);
         s.scrTemperature = quint16(random.integer(0, 65535));
 
-        s.gpsSolution = {quint32(345600000 + 10 * i), qint32(random.integer(-500000, 500000)), 2345, 3, 13,
-                         qint32(random.integer(-700000000, 700000000)), qint32(random.integer(-700000000, 700000000)),
-                         qint32(random.integer(-700000000, 700000000)), quint32(random.integer(0, 10000)),
-                         qint32(random.integer(-3000, 3000)), qint32(random.integer(-3000, 3000)),
-                         qint32(random.integer(-3000, 3000)), quint32(random.integer(0, 500)),
-                         quint16(random.integer(50, 900)), 9};
-        s.gpsDop = {quint32(345600000 + 10 * i), quint16(random.integer(50, 900)), quint16(random.integer(50, 900)),
+        s.gpsSolution = {quint32(345600000 + 10 * i),
+                         qint32(random.integer(-500000, 500000)),
+                         2345,
+                         3,
+                         13,
+                         qint32(random.integer(-700000000, 700000000)),
+                         qint32(random.integer(-700000000, 700000000)),
+                         qint32(random.integer(-700000000, 700000000)),
+                         quint32(random.integer(0, 10000)),
+                         qint32(random.integer(-3000, 3000)),
+                         qint32(random.integer(-3000, 3000)),
+                         qint32(random.integer(-3000, 3000)),
+                         quint32(random.integer(0, 500)),
+                         quint16(random.integer(50, 900)),
+                         9};
+        s.gpsDop = {quint32(345600000 + 10 * i),      quint16(random.integer(50, 900)),
                     quint16(random.integer(50, 900)), quint16(random.integer(50, 900)),
                     quint16(random.integer(50, 900)), quint16(random.integer(50, 900)),
-                    quint16(random.integer(50, 900))};
-        s.gpsUtcTime = {quint32(345600000 + 10 * i), 25, qint32(random.integer(-500000, 500000)), 2026, 11, 21,
-                        9, 30, quint8(i % 60), 7};
+                    quint16(random.integer(50, 900)), quint16(random.integer(50, 900))};
+        s.gpsUtcTime = {quint32(345600000 + 10 * i),
+                        25,
+                        qint32(random.integer(-500000, 500000)),
+                        2026,
+                        11,
+                        21,
+                        9,
+                        30,
+                        quint8(i % 60),
+                        7};
         s.gpsSatellites.iTOW = quint32(345600000 + 10 * i);
         s.gpsSatellites.numCh = quint8(config.gpsChannels);
         for (int c = 0; c < config.gpsChannels; ++c)
-            s.gpsSatellites.channels[c] = {quint8(random.integer(1, 32)), quint8(random.integer(0, 7))};
+            s.gpsSatellites.channels[c] = {quint8(random.integer(1, 32)),
+                                           quint8(random.integer(0, 7))};
         KvGnssPvt &pvt = s.gnssPvt;
         pvt.iTOW = quint32(345600000 + 10 * i);
         pvt.year = 2026;
@@ -136,8 +178,9 @@ QVector<TestSample> makeSamplePool(const BenchConfig &config, int count, quint64
         s.gnssSatellites.iTOW = pvt.iTOW;
         s.gnssSatellites.numSvs = quint8(config.gnssSatellites);
         for (int c = 0; c < config.gnssSatellites; ++c) {
-            s.gnssSatellites.satellites[c] = {quint8(random.integer(0, 6)), quint8(random.integer(1, 36)),
-                                              quint8(random.integer(0, 55)), quint32(random.integer(0, 0xFFFF))};
+            s.gnssSatellites.satellites[c] = {
+                quint8(random.integer(0, 6)), quint8(random.integer(1, 36)),
+                quint8(random.integer(0, 55)), quint32(random.integer(0, 0xFFFF))};
         }
         if (i % 7 == 0)
             s.triggerIn1 = {1, 1, quint32(random.integer(0, 4000000000)), quint16(i), true};
@@ -155,21 +198,36 @@ class Fields
 public:
     QVector<Field> list;
 
-    void fixed(double value, int decimals) { list.append({Field::Fixed, value, 0, decimals, 0, ' '}); }
-    void general(double value, int digits) { list.append({Field::General, value, 0, digits, 0, ' '}); }
-    void integer(qint64 value, int width = 0, char fill = ' ') { list.append({Field::Signed, 0.0, value, 0, width, fill}); }
+    void fixed(double value, int decimals)
+    {
+        list.append({Field::Fixed, value, 0, decimals, 0, ' '});
+    }
+    void general(double value, int digits)
+    {
+        list.append({Field::General, value, 0, digits, 0, ' '});
+    }
+    void integer(qint64 value, int width = 0, char fill = ' ')
+    {
+        list.append({Field::Signed, 0.0, value, 0, width, fill});
+    }
     void natural(quint64 value, int width = 0, char fill = ' ')
     {
         list.append({Field::Unsigned, 0.0, qint64(value), 0, width, fill});
     }
-    void empty(int count) { for (int i = 0; i < count; ++i) list.append(Field()); }
+    void empty(int count)
+    {
+        for (int i = 0; i < count; ++i)
+            list.append(Field());
+    }
 };
 
 } // namespace
 
 QVector<Field> flatten(const TestSample &s, const QMap<QString, QVariant> &settings)
 {
-    const auto on = [&](const char *key) { return settings.value(QString::fromLatin1(key)).toBool(); };
+    const auto on = [&](const char *key) {
+        return settings.value(QString::fromLatin1(key)).toBool();
+    };
     const bool high = on("highPrecision");
     const auto value = [&](Fields &f, double v, int decimals) {
         if (high)
@@ -196,9 +254,9 @@ QVector<Field> flatten(const TestSample &s, const QMap<QString, QVariant> &setti
         value(f, 0.0, 4);
     }
     if (on("exportUtc")) {
-        for (const quint32 part : {s.utc.nano, quint32(s.utc.year), quint32(s.utc.month), quint32(s.utc.day),
-                                   quint32(s.utc.hour), quint32(s.utc.minute), quint32(s.utc.second),
-                                   quint32(s.utc.valid)})
+        for (const quint32 part : {s.utc.nano, quint32(s.utc.year), quint32(s.utc.month),
+                                   quint32(s.utc.day), quint32(s.utc.hour), quint32(s.utc.minute),
+                                   quint32(s.utc.second), quint32(s.utc.valid)})
             f.natural(part);
     }
     if (on("exportStatusFlags"))
@@ -222,7 +280,8 @@ QVector<Field> flatten(const TestSample &s, const QMap<QString, QVariant> &setti
             value(f, s.orientationIncrement.at(i), 6);
     if (on("exportPressure"))
         value(f, s.pressure, 4);
-    const QString orientation = settings.value(QStringLiteral("exportOrientation"), QStringLiteral("Euler")).toString();
+    const QString orientation =
+        settings.value(QStringLiteral("exportOrientation"), QStringLiteral("Euler")).toString();
     if (orientation == QLatin1String("Euler")) {
         value(f, s.orientationEuler.roll, 6);
         value(f, s.orientationEuler.pitch, 6);
@@ -243,11 +302,13 @@ QVector<Field> flatten(const TestSample &s, const QMap<QString, QVariant> &setti
     if (on("exportGyroTemperature"))
         for (const quint16 word : s.gyroTemperatures)
             f.general(qint16(word) / 256.0, 2);
-    for (const char *key : {"exportScrAcceleration", "exportScrGyroscopeData", "exportScrMagneticField"}) {
+    for (const char *key :
+         {"exportScrAcceleration", "exportScrGyroscopeData", "exportScrMagneticField"}) {
         if (!on(key))
             continue;
         const KvVector &v = qstrcmp(key, "exportScrAcceleration") == 0 ? s.scrAcceleration
-                          : qstrcmp(key, "exportScrGyroscopeData") == 0 ? s.scrGyroscopeData : s.scrMagneticField;
+            : qstrcmp(key, "exportScrGyroscopeData") == 0              ? s.scrGyroscopeData
+                                                                       : s.scrMagneticField;
         for (int i = 0; i < 3; ++i)
             f.integer(qint64(v.at(i)));
     }
@@ -263,9 +324,9 @@ QVector<Field> flatten(const TestSample &s, const QMap<QString, QVariant> &setti
         f.integer(g.week);
         f.integer(g.gpsFix);
         f.integer(g.flags);
-        for (const qint64 centimetres : {qint64(g.ecefX), qint64(g.ecefY), qint64(g.ecefZ), qint64(g.pAcc),
-                                         qint64(g.ecefVX), qint64(g.ecefVY), qint64(g.ecefVZ), qint64(g.sAcc),
-                                         qint64(g.pDOP)})
+        for (const qint64 centimetres :
+             {qint64(g.ecefX), qint64(g.ecefY), qint64(g.ecefZ), qint64(g.pAcc), qint64(g.ecefVX),
+              qint64(g.ecefVY), qint64(g.ecefVZ), qint64(g.sAcc), qint64(g.pDOP)})
             f.fixed(centimetres * 0.01, 2);
         f.integer(g.numSV);
         const KvGpsDop &d = s.gpsDop;
@@ -276,7 +337,8 @@ QVector<Field> flatten(const TestSample &s, const QMap<QString, QVariant> &setti
         f.integer(qint32(u.iTOW));
         f.natural(u.tAcc);
         f.integer(u.nano);
-        for (const int part : {int(u.year), int(u.month), int(u.day), int(u.hour), int(u.min), int(u.sec), int(u.valid)})
+        for (const int part : {int(u.year), int(u.month), int(u.day), int(u.hour), int(u.min),
+                               int(u.sec), int(u.valid)})
             f.integer(part);
         f.natural(s.gpsSatellites.iTOW);
         for (int c = 0; c < KvGpsSatelliteInfo::maxChannels; ++c) {
@@ -293,8 +355,9 @@ QVector<Field> flatten(const TestSample &s, const QMap<QString, QVariant> &setti
         f.integer(qint32(p.iTOW));
         f.natural(p.tAcc);
         f.integer(p.nano);
-        for (const int part : {int(p.year), int(p.month), int(p.day), int(p.hour), int(p.min), int(p.sec),
-                               int(p.valid), int(p.fixType), int(p.flags), int(p.numSV)})
+        for (const int part :
+             {int(p.year), int(p.month), int(p.day), int(p.hour), int(p.min), int(p.sec),
+              int(p.valid), int(p.fixType), int(p.flags), int(p.numSV)})
             f.integer(part);
         f.fixed(p.lon * 1e-7, 7);
         f.fixed(p.lat * 1e-7, 7);
@@ -325,8 +388,9 @@ QVector<Field> flatten(const TestSample &s, const QMap<QString, QVariant> &setti
             }
         }
     }
-    for (const auto &[key, trigger] : {std::pair<const char *, const KvTriggerIndication &>{"exportTriggerIn1", s.triggerIn1},
-                                       std::pair<const char *, const KvTriggerIndication &>{"exportTriggerIn2", s.triggerIn2}}) {
+    for (const auto &[key, trigger] :
+         {std::pair<const char *, const KvTriggerIndication &>{"exportTriggerIn1", s.triggerIn1},
+          std::pair<const char *, const KvTriggerIndication &>{"exportTriggerIn2", s.triggerIn2}}) {
         if (!on(key))
             continue;
         if (!trigger.isValid()) {

@@ -30,7 +30,7 @@ struct Field
     Kind kind = Empty;
     double real = 0.0;
     qint64 integer = 0;
-    int precision = 0;  ///< decimals or significant digits
+    int precision = 0; ///< decimals or significant digits
     int width = 0;
     char fill = ' ';
 };

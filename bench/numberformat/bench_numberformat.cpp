@@ -120,8 +120,8 @@ qint64 countMismatches(const NumberFormatCase &c, const QVector<quint64> &values
         c.appendOurs(ours, value);
         const QString qt = c.qtText(value);
         if (ours != qt && ++mismatches <= 5)
-            err << "  " << c.name << " on " << c.describe(value) << ": Qt \"" << qt << "\", ours \"" << ours
-                << "\"" << Qt::endl;
+            err << "  " << c.name << " on " << c.describe(value) << ": Qt \"" << qt << "\", ours \""
+                << ours << "\"" << Qt::endl;
     }
     return mismatches;
 }
@@ -156,17 +156,19 @@ int main(int argc, char *argv[])
     parser.setApplicationDescription(QStringLiteral(
         "Checks NumberFormat against Qt's own formatting value by value and times both."));
     parser.addHelpOption();
-    const QCommandLineOption countOption(QStringLiteral("count"),
-                                         QStringLiteral("Values checked per format (default 10000000)."),
-                                         QStringLiteral("n"), QStringLiteral("10000000"));
-    const QCommandLineOption seedOption(QStringLiteral("seed"), QStringLiteral("Seed of the random values."),
+    const QCommandLineOption countOption(
+        QStringLiteral("count"), QStringLiteral("Values checked per format (default 10000000)."),
+        QStringLiteral("n"), QStringLiteral("10000000"));
+    const QCommandLineOption seedOption(QStringLiteral("seed"),
+                                        QStringLiteral("Seed of the random values."),
                                         QStringLiteral("seed"), QStringLiteral("20150"));
-    const QCommandLineOption filterOption(QStringLiteral("filter"),
-                                          QStringLiteral("Only formats whose name contains this text."),
-                                          QStringLiteral("text"));
-    const QCommandLineOption allTiesOption(QStringLiteral("all-ties"),
-                                           QStringLiteral("Also check every tie below 2^20 of each asprintf "
-                                                          "fixed format (about 2 * 10^9 values)."));
+    const QCommandLineOption filterOption(
+        QStringLiteral("filter"), QStringLiteral("Only formats whose name contains this text."),
+        QStringLiteral("text"));
+    const QCommandLineOption allTiesOption(
+        QStringLiteral("all-ties"),
+        QStringLiteral("Also check every tie below 2^20 of each asprintf "
+                       "fixed format (about 2 * 10^9 values)."));
     parser.addOptions({countOption, seedOption, filterOption, allTiesOption});
     parser.process(app);
 
@@ -182,8 +184,14 @@ int main(int argc, char *argv[])
     out << "ns per value, appended to a line (QString) or written to a char buffer (char*);\n"
         << "'mixed' is the checked set, 'typical' only sensor readings or small integers.\n";
     out << qSetFieldWidth(30) << Qt::left << "format" << qSetFieldWidth(10) << Qt::right << "values"
-        << "differ" << "Qt mixed" << "ours" << "char*" << "Qt typ." << "ours" << "char*" << "speed-up"
-        << qSetFieldWidth(0) << Qt::endl;
+        << "differ"
+        << "Qt mixed"
+        << "ours"
+        << "char*"
+        << "Qt typ."
+        << "ours"
+        << "char*"
+        << "speed-up" << qSetFieldWidth(0) << Qt::endl;
 
     qint64 allMismatches = 0;
     for (const NumberFormatCase &c : NumberFormatCase::all()) {
@@ -202,23 +210,24 @@ int main(int argc, char *argv[])
         const double oursTypical = nsOursAppend(c, typical);
         const double writeTypical = nsOursWrite(c, typical);
 
-        out << qSetFieldWidth(30) << Qt::left << c.name << qSetFieldWidth(10) << Qt::right << values.size()
-            << mismatches << qSetRealNumberPrecision(1) << Qt::fixed << qtMixed << oursMixed << writeMixed
-            << qtTypical << oursTypical << writeTypical << qtTypical / oursTypical << qSetFieldWidth(0)
-            << Qt::endl;
+        out << qSetFieldWidth(30) << Qt::left << c.name << qSetFieldWidth(10) << Qt::right
+            << values.size() << mismatches << qSetRealNumberPrecision(1) << Qt::fixed << qtMixed
+            << oursMixed << writeMixed << qtTypical << oursTypical << writeTypical
+            << qtTypical / oursTypical << qSetFieldWidth(0) << Qt::endl;
     }
 
     if (parser.isSet(allTiesOption)) {
         for (const NumberFormatCase &c : NumberFormatCase::all()) {
-            if (c.call != NumberFormatCase::Asprintf || c.notation != 'f' || c.pattern.contains('l'))
+            if (c.call != NumberFormatCase::Asprintf || c.notation != 'f'
+                || c.pattern.contains('l'))
                 continue;
             if (!filter.isEmpty() && !c.name.contains(filter))
                 continue;
             qint64 checked = 0;
             const qint64 mismatches = checkAllTies(c, err, &checked);
             allMismatches += mismatches;
-            out << "every tie below 2^20 of " << c.name << ": " << checked << " values, " << mismatches
-                << " differ" << Qt::endl;
+            out << "every tie below 2^20 of " << c.name << ": " << checked << " values, "
+                << mismatches << " differ" << Qt::endl;
         }
     }
 

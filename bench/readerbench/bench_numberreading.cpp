@@ -16,12 +16,15 @@ int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Reads numbers of every form through the recording reader."));
+    parser.setApplicationDescription(
+        QStringLiteral("Reads numbers of every form through the recording reader."));
     parser.addHelpOption();
-    const QCommandLineOption countOption(QStringLiteral("count"),
-                                         QStringLiteral("Numbers in all, shared among the forms (default 100000000)."),
-                                         QStringLiteral("N"), QStringLiteral("100000000"));
-    const QCommandLineOption seedOption(QStringLiteral("seed"), QStringLiteral("Seed of the texts (default 1)."),
+    const QCommandLineOption countOption(
+        QStringLiteral("count"),
+        QStringLiteral("Numbers in all, shared among the forms (default 100000000)."),
+        QStringLiteral("N"), QStringLiteral("100000000"));
+    const QCommandLineOption seedOption(QStringLiteral("seed"),
+                                        QStringLiteral("Seed of the texts (default 1)."),
                                         QStringLiteral("S"), QStringLiteral("1"));
     parser.addOptions({countOption, seedOption});
     parser.process(application);
@@ -37,11 +40,13 @@ int main(int argc, char *argv[])
         qint64 checked = 0;
         const QString mismatch = checkNumberReading(form, perForm, seed + quint64(form), &checked);
         total += checked;
-        std::printf("%-38s %11lld numbers  %6.1f s  %s\n", qPrintable(NumberTexts::name(form)), checked,
-                    timer.elapsed() / 1000.0, mismatch.isEmpty() ? "all exact" : qPrintable(mismatch));
+        std::printf("%-38s %11lld numbers  %6.1f s  %s\n", qPrintable(NumberTexts::name(form)),
+                    checked, timer.elapsed() / 1000.0,
+                    mismatch.isEmpty() ? "all exact" : qPrintable(mismatch));
         if (!mismatch.isEmpty())
             status = 1;
     }
-    std::printf("%lld numbers read, %s\n", total, status ? "SOME DIFFER" : "every one bit-identical with std::from_chars");
+    std::printf("%lld numbers read, %s\n", total,
+                status ? "SOME DIFFER" : "every one bit-identical with std::from_chars");
     return status;
 }

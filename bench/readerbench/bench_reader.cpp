@@ -39,8 +39,8 @@ Run readWithReader(const QString &path)
         qFatal("%s", qPrintable(reader.errorString()));
     while (reader.readNext()) {
         const RecordingSample &sample = reader.sample();
-        run.checksum += sample.packetCounter + (sample.calibratedAcceleration.isEmpty()
-                                                    ? 0.0 : sample.calibratedAcceleration.at(0));
+        run.checksum += sample.packetCounter
+            + (sample.calibratedAcceleration.isEmpty() ? 0.0 : sample.calibratedAcceleration.at(0));
         ++run.samples;
     }
     if (reader.hasError())
@@ -127,7 +127,8 @@ Run readWithSimdjson(const QString &path)
         const std::string_view line = lines.line();
         simdjson::ondemand::document document;
         simdjson::ondemand::value root;
-        if (parser.iterate(line.data(), line.size(), line.size() + LineReader::padding).get(document)
+        if (parser.iterate(line.data(), line.size(), line.size() + LineReader::padding)
+                .get(document)
             || document.get_value().get(root) || walk(root, run.checksum))
             qFatal("%s:%lld: simdjson refuses the line", qPrintable(path), lines.lineNumber());
         ++run.samples;
@@ -146,12 +147,15 @@ int main(int argc, char *argv[])
     pinLocalTimeZone();
     QCoreApplication application(argc, argv);
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Times one way of reading a recording; see scripts/bench."));
+    parser.setApplicationDescription(
+        QStringLiteral("Times one way of reading a recording; see scripts/bench."));
     parser.addHelpOption();
-    const QCommandLineOption methodOption(QStringLiteral("method"), QStringLiteral("reader or simdjson."),
+    const QCommandLineOption methodOption(QStringLiteral("method"),
+                                          QStringLiteral("reader or simdjson."),
                                           QStringLiteral("METHOD"), QStringLiteral("reader"));
     parser.addOption(methodOption);
-    parser.addPositionalArgument(QStringLiteral("RECORDING"), QStringLiteral("The recording to read."));
+    parser.addPositionalArgument(QStringLiteral("RECORDING"),
+                                 QStringLiteral("The recording to read."));
     parser.process(application);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(2);
@@ -167,8 +171,10 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "unknown method\n");
         return 2;
     }
-    std::printf("{\"method\": \"%s\", \"samples\": %lld, \"bytes\": %lld, \"seconds\": %.6f, \"peak_kib\": %ld, "
+    std::printf("{\"method\": \"%s\", \"samples\": %lld, \"bytes\": %lld, \"seconds\": %.6f, "
+                "\"peak_kib\": %ld, "
                 "\"checksum\": %.17g}\n",
-                qPrintable(method), run.samples, QFile(path).size(), run.seconds, peakResidentKib(), run.checksum);
+                qPrintable(method), run.samples, QFile(path).size(), run.seconds, peakResidentKib(),
+                run.checksum);
     return 0;
 }

@@ -10,7 +10,8 @@ public:
     /** The empty matrix. */
     KvMatrix() = default;
     /** A matrix from nine elements in row-major order. */
-    explicit KvMatrix(const double (&rowMajor)[9]) : empty(false)
+    explicit KvMatrix(const double (&rowMajor)[9])
+        : empty(false)
     {
         for (int i = 0; i < 9; ++i)
             elements[i] = rowMajor[i];
@@ -20,7 +21,11 @@ public:
 
     /** The element at @p row and @p column, both counted from 0. */
     double value(int row, int column) const { return elements[offset(row, column)]; }
-    void setValue(int row, int column, double v) { elements[offset(row, column)] = v; empty = false; }
+    void setValue(int row, int column, double v)
+    {
+        elements[offset(row, column)] = v;
+        empty = false;
+    }
 
     /** Position of an element in the row-major storage. */
     static constexpr int offset(int row, int column) { return row * 3 + column; }

@@ -10,7 +10,9 @@ public:
     /** The empty quaternion. */
     KvQuaternion() = default;
     KvQuaternion(double q0, double q1, double q2, double q3)
-        : components{q0, q1, q2, q3}, empty(false) {}
+        : components{q0, q1, q2, q3}
+        , empty(false)
+    { }
 
     bool isEmpty() const { return empty; }
 

@@ -8,7 +8,8 @@
  */
 struct KvTriggerIndication
 {
-    /** The data identifiers of the two trigger inputs, as ExportSource::triggerIndication() takes them. */
+    /** The data identifiers of the two trigger inputs, as ExportSource::triggerIndication() takes
+     * them. */
     static constexpr quint32 triggerIn1Id = 0x4810;
     static constexpr quint32 triggerIn2Id = 0x4820;
 

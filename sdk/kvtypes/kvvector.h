@@ -11,7 +11,9 @@ class KvVector
 {
 public:
     KvVector() = default;
-    KvVector(std::initializer_list<double> values) : elements(values) {}
+    KvVector(std::initializer_list<double> values)
+        : elements(values)
+    { }
 
     /** True when the vector holds no elements: the sample lacks this data. */
     bool isEmpty() const { return elements.isEmpty(); }

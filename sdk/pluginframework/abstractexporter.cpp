@@ -2,7 +2,6 @@
 
 AbstractExporter::AbstractExporter(QObject *parent)
     : QObject(parent)
-{
-}
+{ }
 
 AbstractExporter::~AbstractExporter() = default;

@@ -2,7 +2,6 @@
 
 AbstractOptionsPage::AbstractOptionsPage(QWidget *parent)
     : QFrame(parent)
-{
-}
+{ }
 
 AbstractOptionsPage::~AbstractOptionsPage() = default;

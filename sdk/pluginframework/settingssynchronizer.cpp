@@ -21,7 +21,8 @@ SettingsSynchronizer::~SettingsSynchronizer() = default;
 
 std::size_t SettingsSynchronizer::answerSlot(const QString &key)
 {
-    return std::size_t((quint64(quintptr(key.constData())) * 0x9E3779B97F4A7C15ull) >> 54) % answerSlots;
+    return std::size_t((quint64(quintptr(key.constData())) * 0x9E3779B97F4A7C15ull) >> 54)
+        % answerSlots;
 }
 
 QVariant SettingsSynchronizer::setting(const QString &key) const

@@ -31,8 +31,7 @@ class PLUGINFRAMEWORK_EXPORT SettingsSynchronizer : public QObject
 
 public:
     SettingsSynchronizer(const QMap<QString, QVariant> &defaults,
-                         const QMap<QString, QString> &descriptions,
-                         QObject *parent = nullptr);
+                         const QMap<QString, QString> &descriptions, QObject *parent = nullptr);
     ~SettingsSynchronizer() override;
 
     /** The stored value of @p key, else its default, else an invalid variant. */
@@ -89,11 +88,11 @@ private:
 
     struct Answer
     {
-        QString key;  // shares the caller's text: its buffer cannot be reused while kept here
+        QString key; // shares the caller's text: its buffer cannot be reused while kept here
         QVariant value;
         quint64 revision = 0;
     };
     static constexpr std::size_t answerSlots = 1024;
     mutable std::array<Answer, answerSlots> answers;
-    quint64 revision = 1;  // counts changes; older answers are stale
+    quint64 revision = 1; // counts changes; older answers are stale
 };

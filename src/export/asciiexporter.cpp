@@ -15,8 +15,7 @@ AsciiExporter::AsciiExporter(ExportSource *source, SettingsSynchronizer *setting
     , delimiter(makeDelimiter(settings))
     , emptyFieldText(makeEmptyFieldText(settings))
     , rows(source, settings, delimiter, emptyFieldText)
-{
-}
+{ }
 
 // The stream is left alone on purpose: finish() is the one place that releases
 // it, and the host calls it before deleting the exporter.

@@ -36,7 +36,7 @@ constexpr RepeatedBlock noBlock{{nullptr, 0}, 0};
 constexpr const char *packetCounter[] = {"PacketCounter"};
 constexpr const char *sampleTimeFine[] = {"SampleTimeFine"};
 constexpr const char *dateTime[] = {"Year", "Month", "Day", "Second"};
-constexpr const char *utc[] = {"UTC_Nano", "UTC_Year", "UTC_Month", "UTC_Day",
+constexpr const char *utc[] = {"UTC_Nano", "UTC_Year",   "UTC_Month",  "UTC_Day",
                                "UTC_Hour", "UTC_Minute", "UTC_Second", "UTC_Valid"};
 constexpr const char *statusWord[] = {"StatusWord"};
 constexpr const char *clippingFlags[] = {"ClippingFlags"};
@@ -63,17 +63,18 @@ constexpr const char *scrGyroTemperature[] = {"SCRGyrTemp_X", "SCRGyrTemp_Y", "S
 // information), each opening with its own time of week. "PositionDOP" stands
 // in both the solution and the precision record.
 constexpr const char *gpsSolution[] = {
-    "NSTimeOfWeek", "NanoSecRemainder", "GPSWeek", "GPSFixtype", "GPSFixStatusFlags",
-    "ECEF_X", "ECEF_Y", "ECEF_Z", "PositionAccuracyEst", "ECEFVel_X", "ECEFVel_Y", "ECEFVel_Z",
-    "SpeedAccuracyEst", "PositionDOP", "NumberOfSV",
+    "NSTimeOfWeek",        "NanoSecRemainder", "GPSWeek",    "GPSFixtype",
+    "GPSFixStatusFlags",   "ECEF_X",           "ECEF_Y",     "ECEF_Z",
+    "PositionAccuracyEst", "ECEFVel_X",        "ECEFVel_Y",  "ECEFVel_Z",
+    "SpeedAccuracyEst",    "PositionDOP",      "NumberOfSV",
 };
 constexpr const char *gpsDop[] = {
-    "NDTimeOfWeek", "GeometricDOP", "PositionDOP", "TimeDOP", "VerticalDOP", "HorizontalDOP",
-    "NorthingDOP", "EastingDOP",
+    "NDTimeOfWeek", "GeometricDOP",  "PositionDOP", "TimeDOP",
+    "VerticalDOP",  "HorizontalDOP", "NorthingDOP", "EastingDOP",
 };
 constexpr const char *gpsUtcTime[] = {
-    "NUTimeOfWeek", "TimeAccuracyEst", "GPSNanoSecOfSec", "GPSYear", "GPSMonth", "GPSDay",
-    "GPSHour", "GPSMin", "GPSSec", "GPSTimeValidity",
+    "NUTimeOfWeek", "TimeAccuracyEst", "GPSNanoSecOfSec", "GPSYear", "GPSMonth",
+    "GPSDay",       "GPSHour",         "GPSMin",          "GPSSec",  "GPSTimeValidity",
 };
 constexpr const char *gpsSatellites[] = {"NSVTimeOfWeek"};
 constexpr const char *gpsChannelBlock[] = {"SVID[%d]", "SVQI[%d]"};
@@ -81,25 +82,53 @@ constexpr const char *gpsChannelBlock[] = {"SVID[%d]", "SVQI[%d]"};
 // Longitude before latitude here, and "HeadingAccurayEst" spelt so: files
 // written so far carry these names and readers match them.
 constexpr const char *gnssPvt[] = {
-    "NUTimeOfWeek", "TimeAccuracyEst", "GNSSNanoSecOfSec", "GNSSYear", "GNSSMonth", "GNSSDay",
-    "GNSSHour", "GNSSMin", "GNSSSec", "GNSSTimeValidity", "GNSSFixtype", "GNSSFixStatusFlags",
-    "NumberOfSV", "Longitude", "Latitude", "Height", "HeightMeanSeaLevel",
-    "HorizontalAccuracyEst", "VerticalAccuracyEst", "VelocityN", "VelocityE", "VelocityD",
-    "GroundSpeed", "MotionHeading", "SpeedAccuracyEst", "HeadingAccurayEst", "Heading",
-    "GeometricDOP", "PositionDOP", "TimeDOP", "VerticalDOP", "HorizontalDOP", "NorthingDOP",
+    "NUTimeOfWeek",
+    "TimeAccuracyEst",
+    "GNSSNanoSecOfSec",
+    "GNSSYear",
+    "GNSSMonth",
+    "GNSSDay",
+    "GNSSHour",
+    "GNSSMin",
+    "GNSSSec",
+    "GNSSTimeValidity",
+    "GNSSFixtype",
+    "GNSSFixStatusFlags",
+    "NumberOfSV",
+    "Longitude",
+    "Latitude",
+    "Height",
+    "HeightMeanSeaLevel",
+    "HorizontalAccuracyEst",
+    "VerticalAccuracyEst",
+    "VelocityN",
+    "VelocityE",
+    "VelocityD",
+    "GroundSpeed",
+    "MotionHeading",
+    "SpeedAccuracyEst",
+    "HeadingAccurayEst",
+    "Heading",
+    "GeometricDOP",
+    "PositionDOP",
+    "TimeDOP",
+    "VerticalDOP",
+    "HorizontalDOP",
+    "NorthingDOP",
     "EastingDOP",
 };
 constexpr const char *gnssSatellites[] = {"NSVTimeOfWeek"};
 constexpr const char *gnssSatelliteBlock[] = {"GnssId[%d]", "SvId[%d]", "Cno[%d]", "Flags[%d]"};
 
-constexpr const char *triggerIn1[] = {"TrigIn1_Polarity", "TrigIn1_Timestamp", "TrigIn1_FrameNumber"};
-constexpr const char *triggerIn2[] = {"TrigIn2_Polarity", "TrigIn2_Timestamp", "TrigIn2_FrameNumber"};
+constexpr const char *triggerIn1[] = {"TrigIn1_Polarity", "TrigIn1_Timestamp",
+                                      "TrigIn1_FrameNumber"};
+constexpr const char *triggerIn2[] = {"TrigIn2_Polarity", "TrigIn2_Timestamp",
+                                      "TrigIn2_FrameNumber"};
 
 constexpr const char *euler[] = {"Roll", "Pitch", "Yaw"};
 // Row index first, column index second; the row index runs fastest.
-constexpr const char *matrix[] = {"Mat[1][1]", "Mat[2][1]", "Mat[3][1]",
-                                  "Mat[1][2]", "Mat[2][2]", "Mat[3][2]",
-                                  "Mat[1][3]", "Mat[2][3]", "Mat[3][3]"};
+constexpr const char *matrix[] = {"Mat[1][1]", "Mat[2][1]", "Mat[3][1]", "Mat[1][2]", "Mat[2][2]",
+                                  "Mat[3][2]", "Mat[1][3]", "Mat[2][3]", "Mat[3][3]"};
 constexpr const char *quaternion[] = {"Quat_q0", "Quat_q1", "Quat_q2", "Quat_q3"};
 
 namespace W = GroupWriters;
@@ -113,11 +142,15 @@ constexpr Fields statusWordFields[] = {{names(statusWord), noBlock, W::statusWor
 constexpr Fields clippingFlagsFields[] = {{names(clippingFlags), noBlock, W::clippingFlags}};
 constexpr Fields rssiFields[] = {{names(rssi), noBlock, W::rssi}};
 constexpr Fields accelerationFields[] = {{names(acceleration), noBlock, W::calibratedAcceleration}};
-constexpr Fields freeAccelerationFields[] = {{names(freeAcceleration), noBlock, W::freeAcceleration}};
-constexpr Fields angularVelocityFields[] = {{names(angularVelocity), noBlock, W::calibratedAngularVelocity}};
+constexpr Fields freeAccelerationFields[] = {
+    {names(freeAcceleration), noBlock, W::freeAcceleration}};
+constexpr Fields angularVelocityFields[] = {
+    {names(angularVelocity), noBlock, W::calibratedAngularVelocity}};
 constexpr Fields magneticFieldFields[] = {{names(magneticField), noBlock, W::magneticField}};
-constexpr Fields velocityIncrementFields[] = {{names(velocityIncrement), noBlock, W::velocityIncrement}};
-constexpr Fields orientationIncrementFields[] = {{names(orientationIncrement), noBlock, W::orientationIncrement}};
+constexpr Fields velocityIncrementFields[] = {
+    {names(velocityIncrement), noBlock, W::velocityIncrement}};
+constexpr Fields orientationIncrementFields[] = {
+    {names(orientationIncrement), noBlock, W::orientationIncrement}};
 constexpr Fields pressureFields[] = {{names(pressure), noBlock, W::pressure}};
 constexpr Fields positionFields[] = {
     {names(latitudeLongitude), noBlock, W::latitudeLongitude},
@@ -128,19 +161,25 @@ constexpr Fields temperatureFields[] = {{names(temperature), noBlock, W::tempera
 constexpr Fields gyroTemperatureFields[] = {{names(gyroTemperature), noBlock, W::gyroTemperature}};
 constexpr Fields scrAccelerationFields[] = {{names(scrAcceleration), noBlock, W::scrAcceleration}};
 constexpr Fields scrGyroscopeFields[] = {{names(scrGyroscope), noBlock, W::scrGyroscopeData}};
-constexpr Fields scrMagneticFieldFields[] = {{names(scrMagneticField), noBlock, W::scrMagneticField}};
+constexpr Fields scrMagneticFieldFields[] = {
+    {names(scrMagneticField), noBlock, W::scrMagneticField}};
 constexpr Fields scrTemperatureFields[] = {{names(scrTemperature), noBlock, W::scrTemperature}};
-constexpr Fields scrGyroTemperatureFields[] = {{names(scrGyroTemperature), noBlock, W::scrGyroTemperature}};
+constexpr Fields scrGyroTemperatureFields[] = {
+    {names(scrGyroTemperature), noBlock, W::scrGyroTemperature}};
 // A block per channel or satellite the receiver's record can hold.
 constexpr Fields rawGpsFields[] = {
     {names(gpsSolution), noBlock, W::gpsSolution},
     {names(gpsDop), noBlock, W::gpsDop},
     {names(gpsUtcTime), noBlock, W::gpsUtcTime},
-    {names(gpsSatellites), {names(gpsChannelBlock), KvGpsSatelliteInfo::maxChannels}, W::gpsSatellites},
+    {names(gpsSatellites),
+     {names(gpsChannelBlock), KvGpsSatelliteInfo::maxChannels},
+     W::gpsSatellites},
 };
 constexpr Fields rawGnssFields[] = {
     {names(gnssPvt), noBlock, W::gnssPvt},
-    {names(gnssSatellites), {names(gnssSatelliteBlock), KvGnssSatelliteInfo::maxSatellites}, W::gnssSatellites},
+    {names(gnssSatellites),
+     {names(gnssSatelliteBlock), KvGnssSatelliteInfo::maxSatellites},
+     W::gnssSatellites},
 };
 constexpr Fields triggerIn1Fields[] = {{names(triggerIn1), noBlock, W::triggerIn1}};
 constexpr Fields triggerIn2Fields[] = {{names(triggerIn2), noBlock, W::triggerIn2}};

@@ -26,8 +26,8 @@ struct Names
 /** Indexed columns repeated after the fixed columns of a run, one format per column of a block. */
 struct RepeatedBlock
 {
-    Names formats;  ///< printf formats with one %d for the index
-    int repeat;     ///< how many blocks, indexed from 0
+    Names formats; ///< printf formats with one %d for the index
+    int repeat; ///< how many blocks, indexed from 0
 };
 
 struct Fields;
@@ -62,15 +62,15 @@ struct FieldsList
 
 /** How a group's setting selects its columns. */
 enum class Selection {
-    OnOff,              ///< a boolean: all columns or none
-    OrientationFormat,  ///< a format name: see orientationFormat()
+    OnOff, ///< a boolean: all columns or none
+    OrientationFormat, ///< a format name: see orientationFormat()
 };
 
 struct DataGroup
 {
     const char *settingKey;
     Selection selection;
-    FieldsList fields;  ///< of an on/off group; an orientation group's depend on its format
+    FieldsList fields; ///< of an on/off group; an orientation group's depend on its format
 };
 
 /** The orientation formats a value of "exportOrientation" can select. */

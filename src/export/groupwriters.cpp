@@ -28,7 +28,8 @@ qint64 truncated(double value)
 
 // One value per column, or placeholders for an empty vector. An element the
 // vector lacks is missing data as well.
-bool writeValues(RowWriter &writer, const KvVector &vector, const Fields &fields, Precision precision)
+bool writeValues(RowWriter &writer, const KvVector &vector, const Fields &fields,
+                 Precision precision)
 {
     RowBuffer &row = writer.row();
     if (vector.isEmpty()) {
@@ -115,8 +116,8 @@ void writeTimeSolution(RowBuffer &row, const Record &record)
 template <typename Record>
 void writeDilutions(RowBuffer &row, const Record &record)
 {
-    for (const quint16 dop : {record.gDOP, record.pDOP, record.tDOP, record.vDOP,
-                              record.hDOP, record.nDOP, record.eDOP})
+    for (const quint16 dop : {record.gDOP, record.pDOP, record.tDOP, record.vDOP, record.hDOP,
+                              record.nDOP, record.eDOP})
         row.fixed(dop * 0.01, 2);
 }
 
@@ -268,7 +269,8 @@ bool matrix(RowWriter &writer, const Fields &fields)
 bool quaternion(RowWriter &writer, const Fields &fields)
 {
     const ExportSource &source = writer.source();
-    return writeQuaternion(writer, source.orientationQuaternion(source.orientationSelector()), fields);
+    return writeQuaternion(writer, source.orientationQuaternion(source.orientationSelector()),
+                           fields);
 }
 
 bool latitudeLongitude(RowWriter &writer, const Fields &fields)
@@ -290,7 +292,8 @@ bool altitude(RowWriter &writer, const Fields &fields)
 bool velocity(RowWriter &writer, const Fields &fields)
 {
     const ExportSource &source = writer.source();
-    return writeValues(writer, source.velocity(source.velocitySelector()), fields, RowWriter::Ordinary);
+    return writeValues(writer, source.velocity(source.velocitySelector()), fields,
+                       RowWriter::Ordinary);
 }
 
 bool temperature(RowWriter &writer, const Fields &fields)

@@ -13,20 +13,58 @@ namespace {
 using quint128 = unsigned __int128;
 
 constexpr quint64 powersOf10[] = {
-    1ull, 10ull, 100ull, 1000ull, 10000ull, 100000ull, 1000000ull, 10000000ull,
-    100000000ull, 1000000000ull, 10000000000ull, 100000000000ull, 1000000000000ull,
-    10000000000000ull, 100000000000000ull, 1000000000000000ull, 10000000000000000ull,
-    100000000000000000ull, 1000000000000000000ull, 10000000000000000000ull,
+    1ull,
+    10ull,
+    100ull,
+    1000ull,
+    10000ull,
+    100000ull,
+    1000000ull,
+    10000000ull,
+    100000000ull,
+    1000000000ull,
+    10000000000ull,
+    100000000000ull,
+    1000000000000ull,
+    10000000000000ull,
+    100000000000000ull,
+    1000000000000000ull,
+    10000000000000000ull,
+    100000000000000000ull,
+    1000000000000000000ull,
+    10000000000000000000ull,
 };
 
 // Up to 5^27, the largest power of five in 64 bits.
 constexpr quint64 powersOf5[] = {
-    1ull, 5ull, 25ull, 125ull, 625ull, 3125ull, 15625ull, 78125ull, 390625ull,
-    1953125ull, 9765625ull, 48828125ull, 244140625ull, 1220703125ull, 6103515625ull,
-    30517578125ull, 152587890625ull, 762939453125ull, 3814697265625ull,
-    19073486328125ull, 95367431640625ull, 476837158203125ull, 2384185791015625ull,
-    11920928955078125ull, 59604644775390625ull, 298023223876953125ull,
-    1490116119384765625ull, 7450580596923828125ull,
+    1ull,
+    5ull,
+    25ull,
+    125ull,
+    625ull,
+    3125ull,
+    15625ull,
+    78125ull,
+    390625ull,
+    1953125ull,
+    9765625ull,
+    48828125ull,
+    244140625ull,
+    1220703125ull,
+    6103515625ull,
+    30517578125ull,
+    152587890625ull,
+    762939453125ull,
+    3814697265625ull,
+    19073486328125ull,
+    95367431640625ull,
+    476837158203125ull,
+    2384185791015625ull,
+    11920928955078125ull,
+    59604644775390625ull,
+    298023223876953125ull,
+    1490116119384765625ull,
+    7450580596923828125ull,
 };
 
 struct DigitPairs
@@ -291,7 +329,8 @@ char *NumberFormat::writeGeneral(char *out, double v, int digits)
         // It gives "d.ddde+xx": the digits, then the exponent of the first one.
         char scientific[32];
         const char *end = std::to_chars(scientific, scientific + sizeof scientific, std::fabs(v),
-                                        std::chars_format::scientific, digits - 1).ptr;
+                                        std::chars_format::scientific, digits - 1)
+                              .ptr;
         text[0] = scientific[0];
         length = 1;
         const char *p = scientific + (digits > 1 ? 2 : 1);

@@ -7,8 +7,7 @@ RowBuffer::RowBuffer(const DelimiterHandle &delimiter, const DelimiterHandle &em
     : stream(&text, QIODevice::ReadWrite)
     , delimiter(delimiter)
     , emptyFieldText(emptyFieldText)
-{
-}
+{ }
 
 void RowBuffer::clear()
 {
@@ -51,13 +50,15 @@ void RowBuffer::general(double value, int digits)
 void RowBuffer::integer(qint64 value, int width, char fill)
 {
     char buffer[NumberFormat::MaxLength];
-    field(QLatin1String(buffer, int(NumberFormat::writeInteger(buffer, value, width, fill) - buffer)));
+    field(QLatin1String(buffer,
+                        int(NumberFormat::writeInteger(buffer, value, width, fill) - buffer)));
 }
 
 void RowBuffer::natural(quint64 value, int width, char fill)
 {
     char buffer[NumberFormat::MaxLength];
-    field(QLatin1String(buffer, int(NumberFormat::writeUnsigned(buffer, value, width, fill) - buffer)));
+    field(QLatin1String(buffer,
+                        int(NumberFormat::writeUnsigned(buffer, value, width, fill) - buffer)));
 }
 
 void RowBuffer::empty(int count)

@@ -2,8 +2,8 @@
 
 #include "asciiexporter.h"
 #include "asciiexporteroptionspage.h"
-#include "settingscatalogue.h"
 #include "settingkeys.h"
+#include "settingscatalogue.h"
 
 #include <settingssynchronizer.h>
 

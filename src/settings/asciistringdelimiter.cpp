@@ -4,8 +4,7 @@
 
 AsciiStringDelimiter::AsciiStringDelimiter(const QString &text)
     : text(text)
-{
-}
+{ }
 
 AsciiStringDelimiter::~AsciiStringDelimiter() = default;
 

@@ -5,7 +5,6 @@
 AsciiStringDelimiterBySetting::AsciiStringDelimiterBySetting(SettingsSynchronizer *settings,
                                                              const QVariant &key)
     : AsciiStringDelimiter(settings->setting(key.toString()).toString())
-{
-}
+{ }
 
 AsciiStringDelimiterBySetting::~AsciiStringDelimiterBySetting() = default;

@@ -38,7 +38,8 @@ DelimiterChoiceTable choiceTable(const ChoiceRow (&rows)[N], SettingsSynchronize
 {
     DelimiterChoiceTable choices;
     for (const ChoiceRow &row : rows)
-        choices.insert(QString::fromLatin1(row.key), {row.create, QString::fromLatin1(row.argument), settings});
+        choices.insert(QString::fromLatin1(row.key),
+                       {row.create, QString::fromLatin1(row.argument), settings});
     return choices;
 }
 

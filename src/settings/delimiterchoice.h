@@ -36,7 +36,8 @@ IAsciiDelimiter *createDelimiterBySetting(const QVariant &argument, SettingsSync
  * Makes the delimiter of the first key of @p choices, in key order, whose
  * setting is true; a tab when none is.
  */
-DelimiterHandle chooseBySetting(SettingsSynchronizer *settings, const DelimiterChoiceTable &choices);
+DelimiterHandle chooseBySetting(SettingsSynchronizer *settings,
+                                const DelimiterChoiceTable &choices);
 
 /** The field delimiter the settings ask for. */
 DelimiterHandle makeDelimiter(SettingsSynchronizer *settings);

@@ -4,8 +4,7 @@
 
 DelimiterHandle::DelimiterHandle(IAsciiDelimiter *delimiter)
     : record(new Record{delimiter, 1})
-{
-}
+{ }
 
 DelimiterHandle::DelimiterHandle(const DelimiterHandle &other)
     : record(other.record)

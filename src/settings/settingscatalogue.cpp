@@ -15,7 +15,7 @@ struct Setting
     Type type;
     bool flag;
     const char *text;
-    const char *description;  ///< untranslated; null for none
+    const char *description; ///< untranslated; null for none
 };
 
 constexpr Setting flag(const char *key, bool value, const char *description)
@@ -37,7 +37,9 @@ constexpr Setting descriptionOnly(const char *key, const char *description)
 // description under another (see SettingKeys::exportScrAccelerationDescription).
 constexpr Setting catalogue[] = {
     text(SettingKeys::outputFileFormat, "<inputfile>-<seqnr>",
-         QT_TRANSLATE_NOOP("AsciiExporterFactory", "The format of the output file name. e.g. <inputfile>-<seqnr>. The .txt extension is automatically appended.")),
+         QT_TRANSLATE_NOOP("AsciiExporterFactory",
+                           "The format of the output file name. e.g. <inputfile>-<seqnr>. The .txt "
+                           "extension is automatically appended.")),
     text(SettingKeys::outputFileExtension, "txt",
          QT_TRANSLATE_NOOP("AsciiExporterFactory", "The extension of the output file name")),
     flag(SettingKeys::exportDateTime, false,
@@ -63,11 +65,18 @@ constexpr Setting catalogue[] = {
     flag(SettingKeys::exportMagneticField, false,
          QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the calibrated magnetic field")),
     flag(SettingKeys::exportVelocityIncrement, false,
-         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the incremental velocity value since the last successful transmission")),
+         QT_TRANSLATE_NOOP(
+             "AsciiExporterFactory",
+             "Export the incremental velocity value since the last successful transmission")),
     flag(SettingKeys::exportOrientationIncrement, false,
-         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export the incremental orientation value since the last successful transmission")),
+         QT_TRANSLATE_NOOP(
+             "AsciiExporterFactory",
+             "Export the incremental orientation value since the last successful transmission")),
     text(SettingKeys::exportOrientation, "Euler",
-         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export orientation data in the format of the orientations \"Quaternion\", \"Euler\", \"Matrix\" or no orientation output: \"None\"")),
+         QT_TRANSLATE_NOOP(
+             "AsciiExporterFactory",
+             "Export orientation data in the format of the orientations \"Quaternion\", \"Euler\", "
+             "\"Matrix\" or no orientation output: \"None\"")),
     flag(SettingKeys::exportPosition, false,
          QT_TRANSLATE_NOOP("AsciiExporterFactory", "Export position data")),
     flag(SettingKeys::exportVelocity, false,
@@ -112,7 +121,8 @@ constexpr Setting catalogue[] = {
     flag(SettingKeys::useCommaDelimiter, false,
          QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use \",\" as a delimiter")),
     flag(SettingKeys::useOtherDelimiter, false,
-         QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use a custom delimiter (enter custom delimiter)")),
+         QT_TRANSLATE_NOOP("AsciiExporterFactory",
+                           "Use a custom delimiter (enter custom delimiter)")),
     flag(SettingKeys::useSemiColonDelimiter, false,
          QT_TRANSLATE_NOOP("AsciiExporterFactory", "Use \";\" as a delimiter")),
     flag(SettingKeys::useSpaceDelimiter, false,
@@ -134,7 +144,8 @@ QMap<QString, QVariant> defaults()
         if (setting.type == Setting::Flag)
             map.insert(QString::fromLatin1(setting.key), QVariant(setting.flag));
         else if (setting.type == Setting::Text)
-            map.insert(QString::fromLatin1(setting.key), QVariant(QString::fromLatin1(setting.text)));
+            map.insert(QString::fromLatin1(setting.key),
+                       QVariant(QString::fromLatin1(setting.text)));
     }
     return map;
 }

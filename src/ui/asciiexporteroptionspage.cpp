@@ -62,10 +62,13 @@ AsciiExporterOptionsPage::AsciiExporterOptionsPage(SettingsSynchronizer *setting
     for (QLineEdit *edit : lineEdits)
         connect(edit, SIGNAL(textEdited(QString)), this, SIGNAL(itemChanged()));
 
-    connect(ui->outputFileFormat, SIGNAL(textChanged(QString)), this, SLOT(updateExampleFileName()));
-    connect(ui->outputFileExtension, SIGNAL(textChanged(QString)), this, SLOT(updateExampleFileName()));
+    connect(ui->outputFileFormat, SIGNAL(textChanged(QString)), this,
+            SLOT(updateExampleFileName()));
+    connect(ui->outputFileExtension, SIGNAL(textChanged(QString)), this,
+            SLOT(updateExampleFileName()));
     connect(ui->useOtherDelimiter, SIGNAL(toggled(bool)), this, SLOT(updateCustomDelimiter(bool)));
-    connect(ui->insertOtherPlaceholder, SIGNAL(toggled(bool)), this, SLOT(updateCustomPlaceholder(bool)));
+    connect(ui->insertOtherPlaceholder, SIGNAL(toggled(bool)), this,
+            SLOT(updateCustomPlaceholder(bool)));
 
     AsciiExporterOptionsPage::refreshUi();
 }
@@ -97,8 +100,10 @@ QString AsciiExporterOptionsPage::categoryTitle() const
 
 void AsciiExporterOptionsPage::refreshUi()
 {
-    ui->outputFileFormat->setText(settings->setting(QLatin1String(SettingKeys::outputFileFormat)).toString());
-    ui->outputFileExtension->setText(settings->setting(QLatin1String(SettingKeys::outputFileExtension)).toString());
+    ui->outputFileFormat->setText(
+        settings->setting(QLatin1String(SettingKeys::outputFileFormat)).toString());
+    ui->outputFileExtension->setText(
+        settings->setting(QLatin1String(SettingKeys::outputFileExtension)).toString());
     updateExampleFileName();
 
     const QString packetCounter = QLatin1String(SettingKeys::exportPacketCounter);
@@ -121,9 +126,11 @@ void AsciiExporterOptionsPage::refreshUi()
     }
 
     ui->otherDelimiter->setEnabled(ui->useOtherDelimiter->isChecked());
-    ui->otherDelimiter->setText(settings->setting(QLatin1String(SettingKeys::otherDelimiter)).toString());
+    ui->otherDelimiter->setText(
+        settings->setting(QLatin1String(SettingKeys::otherDelimiter)).toString());
     ui->otherPlaceholder->setEnabled(ui->insertOtherPlaceholder->isChecked());
-    ui->otherPlaceholder->setText(settings->setting(QLatin1String(SettingKeys::otherPlaceholder)).toString());
+    ui->otherPlaceholder->setText(
+        settings->setting(QLatin1String(SettingKeys::otherPlaceholder)).toString());
 }
 
 void AsciiExporterOptionsPage::apply()
@@ -141,7 +148,8 @@ void AsciiExporterOptionsPage::apply()
     settings->setSetting(extensionKey, extension);
 
     settings->setSetting(QLatin1String(SettingKeys::otherDelimiter), ui->otherDelimiter->text());
-    settings->setSetting(QLatin1String(SettingKeys::otherPlaceholder), ui->otherPlaceholder->text());
+    settings->setSetting(QLatin1String(SettingKeys::otherPlaceholder),
+                         ui->otherPlaceholder->text());
 
     const QList<QCheckBox *> checkBoxes = findChildren<QCheckBox *>();
     for (QCheckBox *box : checkBoxes)
@@ -171,9 +179,12 @@ void AsciiExporterOptionsPage::updateExampleFileName()
     replacements.insert(QStringLiteral("<date>"), date);
     replacements.insert(QStringLiteral("<deviceid>"), FileNamePatternReplacer::exampleDeviceId());
     replacements.insert(QStringLiteral("<inputfile>"), FileNamePatternReplacer::exampleInputFile());
-    replacements.insert(QStringLiteral("<seqnr>"), FileNamePatternReplacer::exampleSequenceNumber());
-    replacements.insert(QStringLiteral("<productcode>"), FileNamePatternReplacer::exampleProductCode());
-    replacements.insert(QStringLiteral("<filterprofile>"), FileNamePatternReplacer::exampleFilterProfile());
+    replacements.insert(QStringLiteral("<seqnr>"),
+                        FileNamePatternReplacer::exampleSequenceNumber());
+    replacements.insert(QStringLiteral("<productcode>"),
+                        FileNamePatternReplacer::exampleProductCode());
+    replacements.insert(QStringLiteral("<filterprofile>"),
+                        FileNamePatternReplacer::exampleFilterProfile());
     replacements.insert(QStringLiteral("<time>"), time);
 
     const QString baseName = FileNamePatternReplacer(replacements).parse(pattern);

@@ -46,7 +46,8 @@ void tst_AsciiExporter::init()
 {
     dir = new QTemporaryDir;
     QVERIFY(dir->isValid());
-    store = new SettingsSynchronizer(SettingsCatalogue::defaults(), SettingsCatalogue::descriptions());
+    store =
+        new SettingsSynchronizer(SettingsCatalogue::defaults(), SettingsCatalogue::descriptions());
     // no data group: the column-header line is empty
     store->setSetting(QStringLiteral("exportPacketCounter"), false);
     store->setSetting(QStringLiteral("exportSampleTimeFine"), false);
@@ -92,7 +93,8 @@ void tst_AsciiExporter::metaObject()
     QCOMPARE(exporter.qt_metacast("AsciiExporter"), static_cast<void *>(&exporter));
     QVERIFY(exporter.qt_metacast("AbstractExporter"));
     QVERIFY(!exporter.qt_metacast("AsciiExporterFactory"));
-    QCOMPARE(exporter.metaObject()->methodCount(), AbstractExporter::staticMetaObject.methodCount());
+    QCOMPARE(exporter.metaObject()->methodCount(),
+             AbstractExporter::staticMetaObject.methodCount());
     QVERIFY(qobject_cast<AbstractExporter *>(&exporter));
 }
 
@@ -100,7 +102,8 @@ void tst_AsciiExporter::deletionThroughEitherBase()
 {
     bool destroyed = false;
     AbstractPlugin *asPlugin = new AsciiExporter(source, store);
-    connect(dynamic_cast<QObject *>(asPlugin), &QObject::destroyed, this, [&] { destroyed = true; });
+    connect(dynamic_cast<QObject *>(asPlugin), &QObject::destroyed, this,
+            [&] { destroyed = true; });
     delete asPlugin;
     QVERIFY(destroyed);
 

@@ -96,24 +96,46 @@ void tst_ColumnCatalogue::columnCounts_data()
 
     // Written out here on purpose, apart from the catalogue.
     const QList<QPair<const char *, int>> counts = {
-        {"exportPacketCounter", 1}, {"exportSampleTimeFine", 1}, {"exportDateTime", 4},
-        {"exportUtc", 8}, {"exportStatusFlags", 1}, {"exportClipFlags", 1}, {"exportRssi", 1},
-        {"exportCalibratedAcceleration", 3}, {"exportFreeAcceleration", 3},
-        {"exportCalibratedAngularVelocity", 3}, {"exportMagneticField", 3},
-        {"exportVelocityIncrement", 3}, {"exportOrientationIncrement", 4}, {"exportPressure", 1},
-        {"exportPosition", 3}, {"exportVelocity", 3}, {"exportTemperature", 1},
-        {"exportGyroTemperature", 3}, {"exportScrAcceleration", 3}, {"exportScrGyroscopeData", 3},
-        {"exportScrMagneticField", 3}, {"exportScrTemperature", 1}, {"exportScrGyroTemperature", 3},
-        {"exportRawGps", 66}, {"exportRawGnss", 275}, {"exportTriggerIn1", 3}, {"exportTriggerIn2", 3},
+        {"exportPacketCounter", 1},
+        {"exportSampleTimeFine", 1},
+        {"exportDateTime", 4},
+        {"exportUtc", 8},
+        {"exportStatusFlags", 1},
+        {"exportClipFlags", 1},
+        {"exportRssi", 1},
+        {"exportCalibratedAcceleration", 3},
+        {"exportFreeAcceleration", 3},
+        {"exportCalibratedAngularVelocity", 3},
+        {"exportMagneticField", 3},
+        {"exportVelocityIncrement", 3},
+        {"exportOrientationIncrement", 4},
+        {"exportPressure", 1},
+        {"exportPosition", 3},
+        {"exportVelocity", 3},
+        {"exportTemperature", 1},
+        {"exportGyroTemperature", 3},
+        {"exportScrAcceleration", 3},
+        {"exportScrGyroscopeData", 3},
+        {"exportScrMagneticField", 3},
+        {"exportScrTemperature", 1},
+        {"exportScrGyroTemperature", 3},
+        {"exportRawGps", 66},
+        {"exportRawGnss", 275},
+        {"exportTriggerIn1", 3},
+        {"exportTriggerIn2", 3},
     };
     for (const auto &count : counts) {
         QTest::addRow("%s on", count.first) << count.first << "true" << count.second;
         QTest::addRow("%s off", count.first) << count.first << "false" << 0;
     }
-    QTest::newRow("orientation as Euler angles") << "exportOrientation" << "Euler" << 3;
-    QTest::newRow("orientation as a matrix") << "exportOrientation" << "Matrix" << 9;
-    QTest::newRow("orientation as a quaternion") << "exportOrientation" << "quaternion" << 4;
-    QTest::newRow("no orientation") << "exportOrientation" << "None" << 0;
+    QTest::newRow("orientation as Euler angles") << "exportOrientation"
+                                                 << "Euler" << 3;
+    QTest::newRow("orientation as a matrix") << "exportOrientation"
+                                             << "Matrix" << 9;
+    QTest::newRow("orientation as a quaternion") << "exportOrientation"
+                                                 << "quaternion" << 4;
+    QTest::newRow("no orientation") << "exportOrientation"
+                                    << "None" << 0;
 }
 
 void tst_ColumnCatalogue::columnCounts()
@@ -129,8 +151,8 @@ void tst_ColumnCatalogue::columnCounts()
     }
     QVERIFY(found);
     const QVariant value = setting == QLatin1String("true") ? QVariant(true)
-                         : setting == QLatin1String("false") ? QVariant(false)
-                                                              : QVariant(setting);
+        : setting == QLatin1String("false")                 ? QVariant(false)
+                                                            : QVariant(setting);
     QCOMPARE(ColumnCatalogue::selectedFields(*found, value).columnCount(), columns);
 }
 
@@ -157,7 +179,8 @@ void tst_ColumnCatalogue::everyRunWritesOneFieldPerColumn()
         RowWriter writer(&source, store.get(), makeDelimiter(store.get()),
                          makeEmptyFieldText(store.get()));
         for (const ColumnCatalogue::DataGroup &group : ColumnCatalogue::groups()) {
-            QList<ColumnCatalogue::FieldsList> selections{ColumnCatalogue::selectedFields(group, true)};
+            QList<ColumnCatalogue::FieldsList> selections{
+                ColumnCatalogue::selectedFields(group, true)};
             if (group.selection == ColumnCatalogue::Selection::OrientationFormat) {
                 selections.clear();
                 for (const QString &format : orientationFormats())
@@ -187,7 +210,7 @@ void tst_ColumnCatalogue::rowsHaveTheHeaderColumns_data()
     QTest::addColumn<QString>("orientation");
 
     const QVector<QPair<const char *, TestSample>> samples = {
-        {"full", fullSample()}, {"empty", TestSample()}, {"sparse", sparseSample()},
+        {"full", fullSample()},       {"empty", TestSample()},      {"sparse", sparseSample()},
         {"partial", partialSample()}, {"crowded", crowdedSample()},
     };
     for (const auto &sample : samples) {
@@ -209,7 +232,8 @@ void tst_ColumnCatalogue::rowsHaveTheHeaderColumns()
     store->setSetting(QStringLiteral("exportOrientation"), orientation);
     TestSource source;
     source.sample = sample;
-    RowWriter writer(&source, store.get(), makeDelimiter(store.get()), makeEmptyFieldText(store.get()));
+    RowWriter writer(&source, store.get(), makeDelimiter(store.get()),
+                     makeEmptyFieldText(store.get()));
 
     QString header;
     QTextStream headerStream(&header);

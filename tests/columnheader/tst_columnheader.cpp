@@ -57,35 +57,59 @@ void tst_ColumnHeader::group_data()
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("packet counter alone, no trailing tab") << "exportPacketCounter" << "PacketCounter";
-    QTest::newRow("sample time fine") << "exportSampleTimeFine" << "SampleTimeFine";
-    QTest::newRow("date") << "exportDateTime" << "Year\tMonth\tDay\tSecond";
-    QTest::newRow("UTC") << "exportUtc"
+    QTest::newRow("packet counter alone, no trailing tab") << "exportPacketCounter"
+                                                           << "PacketCounter";
+    QTest::newRow("sample time fine") << "exportSampleTimeFine"
+                                      << "SampleTimeFine";
+    QTest::newRow("date") << "exportDateTime"
+                          << "Year\tMonth\tDay\tSecond";
+    QTest::newRow("UTC")
+        << "exportUtc"
         << "UTC_Nano\tUTC_Year\tUTC_Month\tUTC_Day\tUTC_Hour\tUTC_Minute\tUTC_Second\tUTC_Valid";
-    QTest::newRow("status") << "exportStatusFlags" << "StatusWord";
-    QTest::newRow("clipping") << "exportClipFlags" << "ClippingFlags";
-    QTest::newRow("RSSI") << "exportRssi" << "RSSI";
-    QTest::newRow("acceleration") << "exportCalibratedAcceleration" << "Acc_X\tAcc_Y\tAcc_Z";
-    QTest::newRow("free acceleration") << "exportFreeAcceleration" << "FreeAcc_X\tFreeAcc_Y\tFreeAcc_Z";
-    QTest::newRow("rate of turn") << "exportCalibratedAngularVelocity" << "Gyr_X\tGyr_Y\tGyr_Z";
-    QTest::newRow("magnetic field") << "exportMagneticField" << "Mag_X\tMag_Y\tMag_Z";
-    QTest::newRow("velocity increment") << "exportVelocityIncrement" << "VelInc_X\tVelInc_Y\tVelInc_Z";
+    QTest::newRow("status") << "exportStatusFlags"
+                            << "StatusWord";
+    QTest::newRow("clipping") << "exportClipFlags"
+                              << "ClippingFlags";
+    QTest::newRow("RSSI") << "exportRssi"
+                          << "RSSI";
+    QTest::newRow("acceleration") << "exportCalibratedAcceleration"
+                                  << "Acc_X\tAcc_Y\tAcc_Z";
+    QTest::newRow("free acceleration") << "exportFreeAcceleration"
+                                       << "FreeAcc_X\tFreeAcc_Y\tFreeAcc_Z";
+    QTest::newRow("rate of turn") << "exportCalibratedAngularVelocity"
+                                  << "Gyr_X\tGyr_Y\tGyr_Z";
+    QTest::newRow("magnetic field") << "exportMagneticField"
+                                    << "Mag_X\tMag_Y\tMag_Z";
+    QTest::newRow("velocity increment") << "exportVelocityIncrement"
+                                        << "VelInc_X\tVelInc_Y\tVelInc_Z";
     QTest::newRow("orientation increment") << "exportOrientationIncrement"
-        << "OriInc_q0\tOriInc_q1\tOriInc_q2\tOriInc_q3";
-    QTest::newRow("pressure") << "exportPressure" << "Pressure";
-    QTest::newRow("position") << "exportPosition" << "Latitude\tLongitude\tAltitude";
-    QTest::newRow("velocity") << "exportVelocity" << "Vel_X\tVel_Y\tVel_Z";
-    QTest::newRow("temperature") << "exportTemperature" << "Temperature";
-    QTest::newRow("gyroscope temperatures") << "exportGyroTemperature" << "GyrTemp_X\tGyrTemp_Y\tGyrTemp_Z";
-    QTest::newRow("raw accelerometer") << "exportScrAcceleration" << "SCRAcc_X\tSCRAcc_Y\tSCRAcc_Z";
-    QTest::newRow("raw gyroscope") << "exportScrGyroscopeData" << "SCRGyr_X\tSCRGyr_Y\tSCRGyr_Z";
-    QTest::newRow("raw magnetometer") << "exportScrMagneticField" << "SCRMag_X\tSCRMag_Y\tSCRMag_Z";
-    QTest::newRow("raw temperature") << "exportScrTemperature" << "SCRTemperature";
+                                           << "OriInc_q0\tOriInc_q1\tOriInc_q2\tOriInc_q3";
+    QTest::newRow("pressure") << "exportPressure"
+                              << "Pressure";
+    QTest::newRow("position") << "exportPosition"
+                              << "Latitude\tLongitude\tAltitude";
+    QTest::newRow("velocity") << "exportVelocity"
+                              << "Vel_X\tVel_Y\tVel_Z";
+    QTest::newRow("temperature") << "exportTemperature"
+                                 << "Temperature";
+    QTest::newRow("gyroscope temperatures") << "exportGyroTemperature"
+                                            << "GyrTemp_X\tGyrTemp_Y\tGyrTemp_Z";
+    QTest::newRow("raw accelerometer") << "exportScrAcceleration"
+                                       << "SCRAcc_X\tSCRAcc_Y\tSCRAcc_Z";
+    QTest::newRow("raw gyroscope") << "exportScrGyroscopeData"
+                                   << "SCRGyr_X\tSCRGyr_Y\tSCRGyr_Z";
+    QTest::newRow("raw magnetometer") << "exportScrMagneticField"
+                                      << "SCRMag_X\tSCRMag_Y\tSCRMag_Z";
+    QTest::newRow("raw temperature") << "exportScrTemperature"
+                                     << "SCRTemperature";
     QTest::newRow("raw gyroscope temperatures") << "exportScrGyroTemperature"
-        << "SCRGyrTemp_X\tSCRGyrTemp_Y\tSCRGyrTemp_Z";
-    QTest::newRow("trigger 1") << "exportTriggerIn1" << "TrigIn1_Polarity\tTrigIn1_Timestamp\tTrigIn1_FrameNumber";
-    QTest::newRow("trigger 2") << "exportTriggerIn2" << "TrigIn2_Polarity\tTrigIn2_Timestamp\tTrigIn2_FrameNumber";
-    QTest::newRow("heading is declared but adds no column") << "exportHeading" << "";
+                                                << "SCRGyrTemp_X\tSCRGyrTemp_Y\tSCRGyrTemp_Z";
+    QTest::newRow("trigger 1") << "exportTriggerIn1"
+                               << "TrigIn1_Polarity\tTrigIn1_Timestamp\tTrigIn1_FrameNumber";
+    QTest::newRow("trigger 2") << "exportTriggerIn2"
+                               << "TrigIn2_Polarity\tTrigIn2_Timestamp\tTrigIn2_FrameNumber";
+    QTest::newRow("heading is declared but adds no column") << "exportHeading"
+                                                            << "";
 }
 
 void tst_ColumnHeader::group()
@@ -118,10 +142,14 @@ void tst_ColumnHeader::orientationWord_data()
     QTest::newRow("mATRIX") << "mATRIX" << matrix;
     QTest::newRow("Quaternion") << "Quaternion" << quaternion;
     QTest::newRow("QUATERNION") << "QUATERNION" << quaternion;
-    QTest::newRow("None adds nothing") << "None" << "";
-    QTest::newRow("an empty value adds nothing") << "" << "";
-    QTest::newRow("an unknown word adds nothing") << "Euler Angles" << "";
-    QTest::newRow("a word with a blank adds nothing") << " Euler" << "";
+    QTest::newRow("None adds nothing") << "None"
+                                       << "";
+    QTest::newRow("an empty value adds nothing") << ""
+                                                 << "";
+    QTest::newRow("an unknown word adds nothing") << "Euler Angles"
+                                                  << "";
+    QTest::newRow("a word with a blank adds nothing") << " Euler"
+                                                      << "";
 }
 
 void tst_ColumnHeader::orientationWord()
@@ -134,7 +162,8 @@ void tst_ColumnHeader::orientationWord()
 
 void tst_ColumnHeader::rawGpsColumns()
 {
-    const QStringList columns = headerLine(allOffExcept({{"exportRawGps", true}})).split(QLatin1Char('\t'));
+    const QStringList columns =
+        headerLine(allOffExcept({{"exportRawGps", true}})).split(QLatin1Char('\t'));
     QCOMPARE(columns.size(), 66);
     QCOMPARE(columns.mid(0, 3), (QStringList{"NSTimeOfWeek", "NanoSecRemainder", "GPSWeek"}));
     QCOMPARE(columns.at(13), QStringLiteral("PositionDOP"));
@@ -146,7 +175,8 @@ void tst_ColumnHeader::rawGpsColumns()
 
 void tst_ColumnHeader::rawGnssColumns()
 {
-    const QStringList columns = headerLine(allOffExcept({{"exportRawGnss", true}})).split(QLatin1Char('\t'));
+    const QStringList columns =
+        headerLine(allOffExcept({{"exportRawGnss", true}})).split(QLatin1Char('\t'));
     QCOMPARE(columns.size(), 275);
     QCOMPARE(columns.mid(13, 2), (QStringList{"Longitude", "Latitude"}));
     QCOMPARE(columns.at(25), QStringLiteral("HeadingAccurayEst"));
@@ -172,7 +202,8 @@ void tst_ColumnHeader::trailingDelimiter_data()
     QTest::newRow("semicolon is removed")
         << Settings{{"useSemiColonDelimiter", true}} << "PacketCounter;SampleTimeFine";
     QTest::newRow("blank is removed")
-        << Settings{{"useSpaceDelimiter", true}, {"useTabDelimiter", false}} << "PacketCounter SampleTimeFine";
+        << Settings{{"useSpaceDelimiter", true}, {"useTabDelimiter", false}}
+        << "PacketCounter SampleTimeFine";
     QTest::newRow("comma and blank are not removed at all")
         << withText(", ") << "PacketCounter, SampleTimeFine, ";
     QTest::newRow("a doubled character loses only its last")
@@ -190,7 +221,8 @@ void tst_ColumnHeader::trailingDelimiter()
     QFETCH(Settings, delimiter);
     QFETCH(QString, expected);
 
-    Settings settings = allOffExcept({{"exportPacketCounter", true}, {"exportSampleTimeFine", true}});
+    Settings settings =
+        allOffExcept({{"exportPacketCounter", true}, {"exportSampleTimeFine", true}});
     for (auto it = delimiter.cbegin(); it != delimiter.cend(); ++it)
         settings.insert(it.key(), it.value());
     QCOMPARE(headerLine(settings), expected);
@@ -203,15 +235,19 @@ void tst_ColumnHeader::everyGroupInOrder()
         on.insert(key, true);
     on.insert(QStringLiteral("exportOrientation"), QStringLiteral("Quaternion"));
     const QStringList columns = headerLine(on).split(QLatin1Char('\t'));
-    QCOMPARE(columns.size(), 1 + 1 + 4 + 8 + 1 + 1 + 1 + 3 + 3 + 3 + 3 + 3 + 4 + 1 + 4 + 3 + 3 + 1
-                                 + 3 + 3 + 3 + 3 + 1 + 3 + 66 + 275 + 3 + 3);
+    QCOMPARE(columns.size(),
+             1 + 1 + 4 + 8 + 1 + 1 + 1 + 3 + 3 + 3 + 3 + 3 + 4 + 1 + 4 + 3 + 3 + 1 + 3 + 3 + 3 + 3
+                 + 1 + 3 + 66 + 275 + 3 + 3);
     // pressure comes before orientation, orientation before position
-    QCOMPARE(columns.indexOf(QStringLiteral("Pressure")) + 1, columns.indexOf(QStringLiteral("Quat_q0")));
-    QCOMPARE(columns.indexOf(QStringLiteral("Quat_q3")) + 1, columns.indexOf(QStringLiteral("Latitude")));
+    QCOMPARE(columns.indexOf(QStringLiteral("Pressure")) + 1,
+             columns.indexOf(QStringLiteral("Quat_q0")));
+    QCOMPARE(columns.indexOf(QStringLiteral("Quat_q3")) + 1,
+             columns.indexOf(QStringLiteral("Latitude")));
     QCOMPARE(columns.first(), QStringLiteral("PacketCounter"));
     QCOMPARE(columns.last(), QStringLiteral("TrigIn2_FrameNumber"));
     // the GNSS group follows the GPS satellite block
-    QCOMPARE(columns.at(columns.indexOf(QStringLiteral("SVQI[15]")) + 1), QStringLiteral("NUTimeOfWeek"));
+    QCOMPARE(columns.at(columns.indexOf(QStringLiteral("SVQI[15]")) + 1),
+             QStringLiteral("NUTimeOfWeek"));
 }
 
 QTEST_GUILESS_MAIN(tst_ColumnHeader)

@@ -36,18 +36,33 @@ QStringList linesAfterHeaderBlock(const QByteArray &file)
 QStringList dataGroupKeys()
 {
     return {
-        QStringLiteral("exportPacketCounter"), QStringLiteral("exportSampleTimeFine"),
-        QStringLiteral("exportDateTime"), QStringLiteral("exportUtc"), QStringLiteral("exportStatusFlags"),
-        QStringLiteral("exportClipFlags"), QStringLiteral("exportRssi"),
-        QStringLiteral("exportCalibratedAcceleration"), QStringLiteral("exportFreeAcceleration"),
-        QStringLiteral("exportCalibratedAngularVelocity"), QStringLiteral("exportMagneticField"),
-        QStringLiteral("exportVelocityIncrement"), QStringLiteral("exportOrientationIncrement"),
-        QStringLiteral("exportPressure"), QStringLiteral("exportPosition"), QStringLiteral("exportVelocity"),
-        QStringLiteral("exportTemperature"), QStringLiteral("exportGyroTemperature"),
-        QStringLiteral("exportScrAcceleration"), QStringLiteral("exportScrGyroscopeData"),
-        QStringLiteral("exportScrMagneticField"), QStringLiteral("exportScrTemperature"),
-        QStringLiteral("exportScrGyroTemperature"), QStringLiteral("exportRawGps"),
-        QStringLiteral("exportRawGnss"), QStringLiteral("exportTriggerIn1"), QStringLiteral("exportTriggerIn2"),
+        QStringLiteral("exportPacketCounter"),
+        QStringLiteral("exportSampleTimeFine"),
+        QStringLiteral("exportDateTime"),
+        QStringLiteral("exportUtc"),
+        QStringLiteral("exportStatusFlags"),
+        QStringLiteral("exportClipFlags"),
+        QStringLiteral("exportRssi"),
+        QStringLiteral("exportCalibratedAcceleration"),
+        QStringLiteral("exportFreeAcceleration"),
+        QStringLiteral("exportCalibratedAngularVelocity"),
+        QStringLiteral("exportMagneticField"),
+        QStringLiteral("exportVelocityIncrement"),
+        QStringLiteral("exportOrientationIncrement"),
+        QStringLiteral("exportPressure"),
+        QStringLiteral("exportPosition"),
+        QStringLiteral("exportVelocity"),
+        QStringLiteral("exportTemperature"),
+        QStringLiteral("exportGyroTemperature"),
+        QStringLiteral("exportScrAcceleration"),
+        QStringLiteral("exportScrGyroscopeData"),
+        QStringLiteral("exportScrMagneticField"),
+        QStringLiteral("exportScrTemperature"),
+        QStringLiteral("exportScrGyroTemperature"),
+        QStringLiteral("exportRawGps"),
+        QStringLiteral("exportRawGnss"),
+        QStringLiteral("exportTriggerIn1"),
+        QStringLiteral("exportTriggerIn2"),
     };
 }
 
@@ -80,9 +95,7 @@ TestSample fullSample()
     s.scrMagneticField = {1.0, 2.0, 3.0};
     s.orientationQuaternion = KvQuaternion(0.5, -0.5, 0.5, 0.5);
     s.orientationEuler = {1.5, -2.25, 45.0};
-    s.orientationMatrix = KvMatrix({0.0, -1.0, 0.0,
-                                    0.0, 0.0, -1.0,
-                                    1.0, 0.0, 0.0});
+    s.orientationMatrix = KvMatrix({0.0, -1.0, 0.0, 0.0, 0.0, -1.0, 1.0, 0.0, 0.0});
     s.latitudeLongitude = {52.2215, 6.8937};
     s.altitude = 42.5;
     s.velocity = {1.5, -0.25, 0.0};

@@ -11,12 +11,14 @@
 class MarkingTranslator : public QTranslator
 {
 public:
-    explicit MarkingTranslator(const char *context) : context(context) {}
+    explicit MarkingTranslator(const char *context)
+        : context(context)
+    { }
 
     bool isEmpty() const override { return false; }
 
-    QString translate(const char *textContext, const char *sourceText,
-                      const char * = nullptr, int = -1) const override
+    QString translate(const char *textContext, const char *sourceText, const char * = nullptr,
+                      int = -1) const override
     {
         if (context != textContext)
             return QString();

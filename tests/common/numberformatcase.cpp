@@ -48,16 +48,77 @@ QVector<double> edgeDoubles()
 {
     quint64 quietNaN = NumberFormatCase::fromDouble(std::numeric_limits<double>::quiet_NaN());
     QVector<double> edges = {
-        0.0, 0.5, 1.5, 2.5, 9.5, 99.5, 999.5, 0.05, 0.15, 0.25, 0.35, 0.125, 0.95, 0.995,
-        0.9995, 9.995, 99.95, 2.675, 20.125, 1.005, 9.9999995, 0.0000005, 0.00000049999999999999997,
-        0.1, 0.2, 0.3, 1.0 / 3, 2.0 / 3, M_PI, M_E, 1e-4, 1e-5, 1e-7, 1e-10, 1e-300, 1e-320,
-        1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e100, 1e300, 1e308,
-        DBL_MAX, DBL_MIN, std::numeric_limits<double>::denorm_min(), DBL_EPSILON,
-        1 - DBL_EPSILON / 2, 1 + DBL_EPSILON, std::ldexp(1.0, 19), std::ldexp(1.0, 19) + 0.5,
-        std::ldexp(1.0, 20), std::ldexp(1.0, 52) - 0.5, std::ldexp(1.0, 53), std::ldexp(1.0, 53) + 2,
-        std::ldexp(1.0, 63), std::ldexp(1.0, 64), std::ldexp(1.0, 64) + 4096, std::ldexp(1.0, 75),
-        999999.9999999995, 123456789.125, 562949953421311.9375, 99999999999999999.0,
-        999999999999999999.0, 1.8446744073709552e19, infinity,
+        0.0,
+        0.5,
+        1.5,
+        2.5,
+        9.5,
+        99.5,
+        999.5,
+        0.05,
+        0.15,
+        0.25,
+        0.35,
+        0.125,
+        0.95,
+        0.995,
+        0.9995,
+        9.995,
+        99.95,
+        2.675,
+        20.125,
+        1.005,
+        9.9999995,
+        0.0000005,
+        0.00000049999999999999997,
+        0.1,
+        0.2,
+        0.3,
+        1.0 / 3,
+        2.0 / 3,
+        M_PI,
+        M_E,
+        1e-4,
+        1e-5,
+        1e-7,
+        1e-10,
+        1e-300,
+        1e-320,
+        1e15,
+        1e16,
+        1e17,
+        1e18,
+        1e19,
+        1e20,
+        1e21,
+        1e22,
+        1e23,
+        1e100,
+        1e300,
+        1e308,
+        DBL_MAX,
+        DBL_MIN,
+        std::numeric_limits<double>::denorm_min(),
+        DBL_EPSILON,
+        1 - DBL_EPSILON / 2,
+        1 + DBL_EPSILON,
+        std::ldexp(1.0, 19),
+        std::ldexp(1.0, 19) + 0.5,
+        std::ldexp(1.0, 20),
+        std::ldexp(1.0, 52) - 0.5,
+        std::ldexp(1.0, 53),
+        std::ldexp(1.0, 53) + 2,
+        std::ldexp(1.0, 63),
+        std::ldexp(1.0, 64),
+        std::ldexp(1.0, 64) + 4096,
+        std::ldexp(1.0, 75),
+        999999.9999999995,
+        123456789.125,
+        562949953421311.9375,
+        99999999999999999.0,
+        999999999999999999.0,
+        1.8446744073709552e19,
+        infinity,
         NumberFormatCase::toDouble(quietNaN),
         NumberFormatCase::toDouble(quietNaN | 1),
         NumberFormatCase::toDouble(0x7ff0000000000001ull),
@@ -71,8 +132,18 @@ QVector<double> edgeDoubles()
 QVector<quint64> edgeIntegers()
 {
     QVector<quint64> edges = {
-        0x7f, 0x80, 0xff, 0x7fff, 0x8000, 0xffff, 0x7fffffff, 0x80000000, 0xffffffff,
-        0x7fffffffffffffffull, 0x8000000000000000ull, 0xffffffffffffffffull,
+        0x7f,
+        0x80,
+        0xff,
+        0x7fff,
+        0x8000,
+        0xffff,
+        0x7fffffff,
+        0x80000000,
+        0xffffffff,
+        0x7fffffffffffffffull,
+        0x8000000000000000ull,
+        0xffffffffffffffffull,
     };
     for (int k = 0; k <= 19; ++k) {
         const quint64 p = power(10, k);
@@ -97,7 +168,8 @@ double randomBits(QRandomGenerator &rng)
         return NumberFormatCase::toDouble(sign | (quint64(0x7ff) << 52) | (fraction | 1));
     case 2:
     case 3:
-        return NumberFormatCase::toDouble(sign | (between(rng, 1023 - 80, 1023 + 130) << 52) | fraction);
+        return NumberFormatCase::toDouble(sign | (between(rng, 1023 - 80, 1023 + 130) << 52)
+                                          | fraction);
     default:
         return NumberFormatCase::toDouble(rng.generate64());
     }
@@ -208,9 +280,10 @@ NumberFormatCase integerCase(NumberFormatCase::Call call, NumberFormatCase::Kind
     c.bits = bits;
     c.width = width;
     c.fill = fill;
-    const QString type = QStringLiteral("%1int%2")
-                             .arg(kind == NumberFormatCase::Unsigned ? QStringLiteral("qu") : QStringLiteral("q"))
-                             .arg(bits);
+    const QString type =
+        QStringLiteral("%1int%2")
+            .arg(kind == NumberFormatCase::Unsigned ? QStringLiteral("qu") : QStringLiteral("q"))
+            .arg(bits);
     switch (call) {
     case NumberFormatCase::Asprintf:
         c.pattern = kind == NumberFormatCase::Unsigned ? "%u" : "%d";
@@ -220,7 +293,8 @@ NumberFormatCase integerCase(NumberFormatCase::Call call, NumberFormatCase::Kind
         c.name = QStringLiteral("number(%1)").arg(type);
         break;
     case NumberFormatCase::Arg:
-        c.name = QStringLiteral("arg(%1, %2, 10, '%3')").arg(type).arg(width).arg(QLatin1Char(fill));
+        c.name =
+            QStringLiteral("arg(%1, %2, 10, '%3')").arg(type).arg(width).arg(QLatin1Char(fill));
         break;
     }
     return c;
@@ -232,7 +306,8 @@ QVector<NumberFormatCase> NumberFormatCase::all()
 {
     QVector<NumberFormatCase> cases;
     for (int decimals = 0; decimals <= 9; ++decimals)
-        cases.append(doubleCase(Asprintf, 'f', decimals, "%." + QByteArray::number(decimals) + 'f'));
+        cases.append(
+            doubleCase(Asprintf, 'f', decimals, "%." + QByteArray::number(decimals) + 'f'));
     cases.append(doubleCase(Asprintf, 'f', 2, "%.2lf"));
     cases.append(doubleCase(Asprintf, 'f', 7, "%.7lf"));
     cases.append(doubleCase(Number, 'f', 2));
@@ -392,7 +467,8 @@ QVector<quint64> NumberFormatCase::values(int count, quint64 seed) const
         // A fifth arbitrary bits, two fifths sensor readings, two fifths ties:
         // the ties from the smallest up, then spread up to 2^20.
         quint64 nextTie = 1;
-        const QVector<TieRange> tieRanges = notation == 'g' ? generalTieRanges(precision) : QVector<TieRange>();
+        const QVector<TieRange> tieRanges =
+            notation == 'g' ? generalTieRanges(precision) : QVector<TieRange>();
         for (int i = values.size(); i < count; ++i) {
             double v;
             switch (i % 5) {
@@ -412,9 +488,11 @@ QVector<quint64> NumberFormatCase::values(int count, quint64 seed) const
                 }
                 break;
             default:
-                v = notation == 'g' ? generalTie(rng, tieRanges)
-                                    : withRandomSign(rng, fixedTie(between(rng, 0, (quint64(1) << (21 + precision)) - 1),
-                                                                   precision));
+                v = notation == 'g'
+                    ? generalTie(rng, tieRanges)
+                    : withRandomSign(
+                        rng,
+                        fixedTie(between(rng, 0, (quint64(1) << (21 + precision)) - 1), precision));
                 break;
             }
             values.append(fromDouble(v));

@@ -36,10 +36,10 @@ struct NumberFormatCase
     QString name;
     Call call = Asprintf;
     Kind kind = Double;
-    QByteArray pattern;   // the asprintf format
-    char notation = 'f';  // 'f' or 'g' for doubles
-    int precision = 0;    // decimals for 'f', significant digits for 'g'
-    int bits = 64;        // width of an integer type
-    int width = 0;        // QString::arg field width
-    char fill = ' ';      // QString::arg fill character
+    QByteArray pattern; // the asprintf format
+    char notation = 'f'; // 'f' or 'g' for doubles
+    int precision = 0; // decimals for 'f', significant digits for 'g'
+    int bits = 64; // width of an integer type
+    int width = 0; // QString::arg field width
+    char fill = ' '; // QString::arg fill character
 };

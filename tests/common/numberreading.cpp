@@ -27,11 +27,11 @@ std::string sampleLine(const std::string (&n)[numbersPerLine])
     std::string line = "{\"calibratedAcceleration\": [" + n[0] + ", " + n[1] + ", " + n[2] + "], ";
     line += "\"freeAcceleration\": [" + n[3] + ", " + n[4] + ", " + n[5] + "], ";
     line += "\"orientationQuaternion\": [" + n[6] + ", " + n[7] + ", " + n[8] + ", " + n[9] + "], ";
-    line += "\"orientationMatrix\": [[" + n[10] + ", " + n[11] + ", " + n[12] + "], [" + n[13] + ", " + n[14]
-            + ", " + n[15] + "], [" + n[16] + ", " + n[17] + ", " + n[18] + "]], ";
+    line += "\"orientationMatrix\": [[" + n[10] + ", " + n[11] + ", " + n[12] + "], [" + n[13]
+        + ", " + n[14] + ", " + n[15] + "], [" + n[16] + ", " + n[17] + ", " + n[18] + "]], ";
     line += "\"latitudeLongitude\": [" + n[19] + ", " + n[20] + "], ";
     line += "\"altitude\": " + n[21] + ", \"temperature\": " + n[22] + ", \"pressure\": " + n[23]
-            + ", \"rssi\": " + n[24] + "}\n";
+        + ", \"rssi\": " + n[24] + "}\n";
     return line;
 }
 

@@ -11,4 +11,5 @@
  * (NumberTexts::expected). Returns an empty string when all agree, else what
  * differs first. @p checked, when given, counts the values compared.
  */
-QString checkNumberReading(NumberTexts::Form form, qint64 count, quint64 seed, qint64 *checked = nullptr);
+QString checkNumberReading(NumberTexts::Form form, qint64 count, quint64 seed,
+                           qint64 *checked = nullptr);

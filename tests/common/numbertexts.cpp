@@ -27,8 +27,8 @@ double fromBits(quint64 bits)
 
 QVector<Form> forms()
 {
-    return {Form::Shortest, Form::SeventeenDigits, Form::LongMantissa, Form::RangeEnds,
-            Form::Subnormal, Form::BeyondTwoTo53, Form::NegativeZero, Form::Literals};
+    return {Form::Shortest,  Form::SeventeenDigits, Form::LongMantissa, Form::RangeEnds,
+            Form::Subnormal, Form::BeyondTwoTo53,   Form::NegativeZero, Form::Literals};
 }
 
 QString name(Form form)
@@ -57,8 +57,7 @@ QString name(Form form)
 Generator::Generator(Form form, quint64 seed)
     : form(form)
     , random(seed)
-{
-}
+{ }
 
 // Half of all values are arbitrary bit patterns, half are of the size a
 // sensor reports, where the fixed notation shows most digits.
@@ -85,8 +84,8 @@ std::string Generator::shortest(double value)
 std::string Generator::digits(double value, int significant)
 {
     char buffer[64];
-    const auto result = std::to_chars(std::begin(buffer), std::end(buffer), value, std::chars_format::general,
-                                      significant);
+    const auto result = std::to_chars(std::begin(buffer), std::end(buffer), value,
+                                      std::chars_format::general, significant);
     return std::string(buffer, result.ptr);
 }
 
@@ -143,16 +142,17 @@ std::string Generator::next()
             return digits(fromBits(sign | (quint64(1 + random() % 40) << 52) | mantissa), 17);
         case 2:
             // At the largest double and beyond it.
-            std::snprintf(buffer, sizeof buffer, "%s%d.%03de308", sign ? "-" : "", 1 + int(random() % 9),
-                          int(random() % 1000));
+            std::snprintf(buffer, sizeof buffer, "%s%d.%03de308", sign ? "-" : "",
+                          1 + int(random() % 9), int(random() % 1000));
             return buffer;
         case 3:
             // Below the smallest subnormal, or just at it.
-            std::snprintf(buffer, sizeof buffer, "%s%d.%05de-%d", sign ? "-" : "", 1 + int(random() % 9),
-                          int(random() % 100000), 324 + int(random() % 80));
+            std::snprintf(buffer, sizeof buffer, "%s%d.%05de-%d", sign ? "-" : "",
+                          1 + int(random() % 9), int(random() % 100000), 324 + int(random() % 80));
             return buffer;
         default:
-            return digits(fromBits(sign | (quint64(2046) << 52) | mantissa), 20 + int(random() % 10));
+            return digits(fromBits(sign | (quint64(2046) << 52) | mantissa),
+                          20 + int(random() % 10));
         }
     }
     case Form::Subnormal: {
@@ -164,12 +164,16 @@ std::string Generator::next()
         switch (n % 4) {
         case 0:
         case 1: {
-            const quint64 value = (quint64(1) << 53) + random() % (~quint64(0) - (quint64(1) << 53));
-            return std::string(buffer, std::to_chars(std::begin(buffer), std::end(buffer), value).ptr);
+            const quint64 value =
+                (quint64(1) << 53) + random() % (~quint64(0) - (quint64(1) << 53));
+            return std::string(buffer,
+                               std::to_chars(std::begin(buffer), std::end(buffer), value).ptr);
         }
         case 2: {
-            const qint64 value = -qint64((quint64(1) << 53) + random() % ((quint64(1) << 63) - (quint64(1) << 53)));
-            return std::string(buffer, std::to_chars(std::begin(buffer), std::end(buffer), value).ptr);
+            const qint64 value =
+                -qint64((quint64(1) << 53) + random() % ((quint64(1) << 63) - (quint64(1) << 53)));
+            return std::string(buffer,
+                               std::to_chars(std::begin(buffer), std::end(buffer), value).ptr);
         }
         default: {
             std::string text = random() & 1 ? "-" : "";
@@ -182,8 +186,8 @@ std::string Generator::next()
         }
     }
     case Form::NegativeZero: {
-        static const char *const spellings[] = {"-0", "-0.0", "-0e0", "-0E+3", "-0.000e-5", "-0.00000000000000000000000",
-                                                "-0e-400"};
+        static const char *const spellings[] = {
+            "-0", "-0.0", "-0e0", "-0E+3", "-0.000e-5", "-0.00000000000000000000000", "-0e-400"};
         return spellings[n % std::size(spellings)];
     }
     case Form::Literals: {

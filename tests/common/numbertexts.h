@@ -14,14 +14,14 @@
 namespace NumberTexts {
 
 enum class Form {
-    Shortest,         ///< the shortest text that reads back as the same double
-    SeventeenDigits,  ///< 17 significant digits, as printf's %.17g writes them
-    LongMantissa,     ///< 20 to 41 significant digits, many right at a tie between two doubles
-    RangeEnds,        ///< near the largest and the smallest normal double, and beyond both
-    Subnormal,        ///< below the smallest normal double
-    BeyondTwoTo53,    ///< integers that a double cannot hold exactly, within 64 bits and beyond
-    NegativeZero,     ///< every spelling of -0
-    Literals          ///< NaN, Infinity and -Infinity
+    Shortest, ///< the shortest text that reads back as the same double
+    SeventeenDigits, ///< 17 significant digits, as printf's %.17g writes them
+    LongMantissa, ///< 20 to 41 significant digits, many right at a tie between two doubles
+    RangeEnds, ///< near the largest and the smallest normal double, and beyond both
+    Subnormal, ///< below the smallest normal double
+    BeyondTwoTo53, ///< integers that a double cannot hold exactly, within 64 bits and beyond
+    NegativeZero, ///< every spelling of -0
+    Literals ///< NaN, Infinity and -Infinity
 };
 
 QVector<Form> forms();

@@ -23,13 +23,15 @@ QByteArray sampleFingerprint(const RecordingSample &s)
     out << s.packetCounter << s.sampleTimeFine << s.hasSampleTimeFine << s.sampleDateTime;
     fields(RecordFields::utcTime, s.utcTime);
     out << s.statusWord << s.clippingFlags << s.rssi;
-    for (const KvVector *v : {&s.calibratedAcceleration, &s.freeAcceleration, &s.calibratedAngularVelocity,
-                              &s.magneticField, &s.velocityIncrement, &s.scrAcceleration, &s.scrGyroscopeData,
-                              &s.scrMagneticField, &s.velocity, &s.latitudeLongitude})
+    for (const KvVector *v :
+         {&s.calibratedAcceleration, &s.freeAcceleration, &s.calibratedAngularVelocity,
+          &s.magneticField, &s.velocityIncrement, &s.scrAcceleration, &s.scrGyroscopeData,
+          &s.scrMagneticField, &s.velocity, &s.latitudeLongitude})
         vector(*v);
     quaternion(s.orientationIncrement);
     quaternion(s.orientationQuaternion);
-    out << s.hasOrientationEuler << s.orientationEuler.roll << s.orientationEuler.pitch << s.orientationEuler.yaw;
+    out << s.hasOrientationEuler << s.orientationEuler.roll << s.orientationEuler.pitch
+        << s.orientationEuler.yaw;
     out << s.orientationMatrix.isEmpty();
     for (int i = 0; i < 9; ++i)
         out << s.orientationMatrix.at(i);

@@ -90,12 +90,18 @@ public:
     KvVector freeAcceleration() const override { return current().freeAcceleration; }
     KvVector scrAcceleration() const override { return current().scrAcceleration; }
     KvVector velocityIncrement() const override { return current().velocityIncrement; }
-    KvVector calibratedAngularVelocity() const override { return current().calibratedAngularVelocity; }
+    KvVector calibratedAngularVelocity() const override
+    {
+        return current().calibratedAngularVelocity;
+    }
     KvVector scrGyroscopeData() const override { return current().scrGyroscopeData; }
     KvQuaternion orientationIncrement() const override { return current().orientationIncrement; }
     KvVector magneticField() const override { return current().magneticField; }
     KvVector scrMagneticField() const override { return current().scrMagneticField; }
-    KvQuaternion orientationQuaternion(quint32) const override { return current().orientationQuaternion; }
+    KvQuaternion orientationQuaternion(quint32) const override
+    {
+        return current().orientationQuaternion;
+    }
     KvEulerAngles orientationEuler(quint32) const override { return current().orientationEuler; }
     KvMatrix orientationMatrix(quint32) const override { return current().orientationMatrix; }
     KvVector latitudeLongitude() const override { return current().latitudeLongitude; }

@@ -25,7 +25,12 @@ using Settings = QMap<QString, QVariant>;
 class CountedDelimiter : public AsciiStringDelimiter
 {
 public:
-    explicit CountedDelimiter(int *alive) : AsciiStringDelimiter(QStringLiteral("|")), alive(alive) { ++*alive; }
+    explicit CountedDelimiter(int *alive)
+        : AsciiStringDelimiter(QStringLiteral("|"))
+        , alive(alive)
+    {
+        ++*alive;
+    }
     ~CountedDelimiter() override { --*alive; }
 
 private:
@@ -59,17 +64,27 @@ void tst_Delimiters::fieldDelimiter_data()
     QTest::newRow("defaults give a tab") << Settings() << "\t";
     QTest::newRow("comma wins over tab")
         << Settings{{"useCommaDelimiter", true}, {"useTabDelimiter", true}} << ",";
-    QTest::newRow("custom delimiter of two characters")
-        << Settings{{"useOtherDelimiter", true}, {"useTabDelimiter", false}, {"otherDelimiter", "; "}} << "; ";
-    QTest::newRow("all five keys false give a tab")
-        << Settings{{"useCommaDelimiter", false}, {"useOtherDelimiter", false}, {"useSemiColonDelimiter", false},
-                    {"useSpaceDelimiter", false}, {"useTabDelimiter", false}} << "\t";
+    QTest::newRow("custom delimiter of two characters") << Settings{{"useOtherDelimiter", true},
+                                                                    {"useTabDelimiter", false},
+                                                                    {"otherDelimiter", "; "}}
+                                                        << "; ";
+    QTest::newRow("all five keys false give a tab") << Settings{{"useCommaDelimiter", false},
+                                                                {"useOtherDelimiter", false},
+                                                                {"useSemiColonDelimiter", false},
+                                                                {"useSpaceDelimiter", false},
+                                                                {"useTabDelimiter", false}}
+                                                    << "\t";
     QTest::newRow("custom wins over semicolon, blank and tab")
-        << Settings{{"useOtherDelimiter", true}, {"otherDelimiter", "#"}, {"useSemiColonDelimiter", true},
-                    {"useSpaceDelimiter", true}} << "#";
+        << Settings{{"useOtherDelimiter", true},
+                    {"otherDelimiter", "#"},
+                    {"useSemiColonDelimiter", true},
+                    {"useSpaceDelimiter", true}}
+        << "#";
     QTest::newRow("semicolon wins over blank")
         << Settings{{"useSemiColonDelimiter", true}, {"useSpaceDelimiter", true}} << ";";
-    QTest::newRow("blank alone") << Settings{{"useSpaceDelimiter", true}, {"useTabDelimiter", false}} << " ";
+    QTest::newRow("blank alone") << Settings{{"useSpaceDelimiter", true},
+                                             {"useTabDelimiter", false}}
+                                 << " ";
     QTest::newRow("an empty custom delimiter writes nothing")
         << Settings{{"useOtherDelimiter", true}} << "";
     QTest::newRow("a text setting that reads as true counts")
@@ -95,17 +110,21 @@ void tst_Delimiters::emptyFieldText_data()
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("defaults leave empty fields empty") << Settings() << "";
-    QTest::newRow("all four keys false give a tab")
-        << Settings{{"insertNothing", false}, {"insertNan", false}, {"insertZero", false},
-                    {"insertOtherPlaceholder", false}} << "\t";
+    QTest::newRow("all four keys false give a tab") << Settings{{"insertNothing", false},
+                                                                {"insertNan", false},
+                                                                {"insertZero", false},
+                                                                {"insertOtherPlaceholder", false}}
+                                                    << "\t";
     QTest::newRow("NaN wins over zero")
         << Settings{{"insertNothing", false}, {"insertNan", true}, {"insertZero", true}} << "NaN";
     QTest::newRow("NaN wins over nothing") << Settings{{"insertNan", true}} << "NaN";
     QTest::newRow("nothing wins over the custom text")
         << Settings{{"insertOtherPlaceholder", true}, {"otherPlaceholder", "n/a"}} << "";
-    QTest::newRow("the custom text wins over zero")
-        << Settings{{"insertNothing", false}, {"insertOtherPlaceholder", true}, {"otherPlaceholder", "n/a"},
-                    {"insertZero", true}} << "n/a";
+    QTest::newRow("the custom text wins over zero") << Settings{{"insertNothing", false},
+                                                                {"insertOtherPlaceholder", true},
+                                                                {"otherPlaceholder", "n/a"},
+                                                                {"insertZero", true}}
+                                                    << "n/a";
     QTest::newRow("an empty custom text leaves fields empty")
         << Settings{{"insertNothing", false}, {"insertOtherPlaceholder", true}} << "";
     QTest::newRow("zero alone") << Settings{{"insertNothing", false}, {"insertZero", true}} << "0";
@@ -166,9 +185,10 @@ void tst_Delimiters::nullCreationGivesEmptyHandle()
 {
     SettingsSynchronizer store({{QStringLiteral("on"), true}}, {});
     DelimiterChoiceTable choices;
-    choices.insert(QStringLiteral("on"),
-                   {[](const QVariant &, SettingsSynchronizer *) -> IAsciiDelimiter * { return nullptr; },
-                    QVariant(), &store});
+    choices.insert(
+        QStringLiteral("on"),
+        {[](const QVariant &, SettingsSynchronizer *) -> IAsciiDelimiter * { return nullptr; },
+         QVariant(), &store});
     QVERIFY(chooseBySetting(&store, choices).isNull());
 }
 
@@ -200,11 +220,11 @@ void tst_Delimiters::handleAssignmentAndMove()
     DelimiterHandle a(new CountedDelimiter(&alive));
     DelimiterHandle b(new CountedDelimiter(&alive));
     QCOMPARE(alive, 2);
-    b = a;                      // b's old object goes
+    b = a; // b's old object goes
     QCOMPARE(alive, 1);
     QCOMPARE(a.useCount(), 2u);
     const DelimiterHandle &same = b;
-    b = same;                   // self-assignment keeps it
+    b = same; // self-assignment keeps it
     QCOMPARE(a.useCount(), 2u);
     QCOMPARE(b.get(), a.get());
     DelimiterHandle c(std::move(a));

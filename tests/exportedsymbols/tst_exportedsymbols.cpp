@@ -22,12 +22,14 @@ namespace {
 QStringList definedSymbols(const QString &library)
 {
     QProcess nm;
-    nm.start(QStringLiteral("nm"), {"--dynamic", "--defined-only", "--demangle", "--format=just-symbols", library});
+    nm.start(QStringLiteral("nm"),
+             {"--dynamic", "--defined-only", "--demangle", "--format=just-symbols", library});
     if (!nm.waitForFinished(60000) || nm.exitCode() != 0)
         return {QStringLiteral("<nm failed>")};
     QStringList symbols;
     const QStringList markers{"_edata", "_end", "__bss_start", "_init", "_fini"};
-    for (const QString &line : QString::fromUtf8(nm.readAllStandardOutput()).split(QLatin1Char('\n'))) {
+    for (const QString &line :
+         QString::fromUtf8(nm.readAllStandardOutput()).split(QLatin1Char('\n'))) {
         const QString symbol = line.trimmed();
         if (!symbol.isEmpty() && !markers.contains(symbol))
             symbols.append(symbol);
@@ -40,12 +42,14 @@ QStringList definedSymbols(const QString &library)
 void tst_ExportedSymbols::exportedSymbols_data()
 {
     QTest::addColumn<QString>("library");
-    QTest::addColumn<QString>("allowed");  // a pattern every symbol matches
+    QTest::addColumn<QString>("allowed"); // a pattern every symbol matches
 
     QTest::newRow("the plug-in") << ASCIIEXPORTER_PLUGIN << "^qt_plugin_(instance|query_metadata)$";
-    QTest::newRow("the plug-in framework") << PLUGINFRAMEWORK_LIBRARY
+    QTest::newRow("the plug-in framework")
+        << PLUGINFRAMEWORK_LIBRARY
         << "^((non-virtual thunk to |vtable for |typeinfo for |typeinfo name for )?"
-           "(AbstractExporter|AbstractOptionsPage|ExportSource|FileNamePatternReplacer|SettingsSynchronizer)\\b)";
+           "(AbstractExporter|AbstractOptionsPage|ExportSource|FileNamePatternReplacer|"
+           "SettingsSynchronizer)\\b)";
     QTest::newRow("the types") << KVTYPES_LIBRARY << "^KvConstants::infinity$";
 }
 

@@ -66,7 +66,8 @@ void tst_GroupSelection::namesAreThoseOfTheOptionsPage()
     QStringList boxes;
     for (const QCheckBox *box : page->findChildren<QCheckBox *>()) {
         if (box->objectName().startsWith(QLatin1String("export")))
-            boxes.append(box->objectName() + QLatin1Char('=') + box->text().remove(QLatin1Char('&')));
+            boxes.append(box->objectName() + QLatin1Char('=')
+                         + box->text().remove(QLatin1Char('&')));
     }
     QStringList table;
     for (int i = 0; i < GroupSelection::groupCount; ++i) {
@@ -77,11 +78,13 @@ void tst_GroupSelection::namesAreThoseOfTheOptionsPage()
     table.sort();
     QCOMPARE(table, boxes);
 
-    const QComboBox *orientation = page->findChild<QComboBox *>(QStringLiteral("exportOrientation"));
+    const QComboBox *orientation =
+        page->findChild<QComboBox *>(QStringLiteral("exportOrientation"));
     QVERIFY(orientation);
     for (int i = 0; i < orientation->count(); ++i) {
         if (orientation->itemData(i).toString() != QLatin1String("None"))
-            QVERIFY2(GroupSelection::names().contains(orientation->itemText(i)), qPrintable(orientation->itemText(i)));
+            QVERIFY2(GroupSelection::names().contains(orientation->itemText(i)),
+                     qPrintable(orientation->itemText(i)));
     }
 }
 
@@ -100,16 +103,35 @@ void tst_GroupSelection::lists_data()
     QTest::newRow("no orientation named") << "RSSI" << QStringList{"exportRssi", "None"};
     QTest::newRow("a name twice") << "rssi,RSSI" << QStringList{"exportRssi", "None"};
     QTest::newRow("none") << "none" << QStringList{"None"};
-    QTest::newRow("all")
-        << "ALL"
-        << QStringList{"exportCalibratedAcceleration", "exportCalibratedAngularVelocity", "exportClipFlags",
-                       "exportDateTime", "exportFreeAcceleration", "exportGyroTemperature", "exportMagneticField",
-                       "exportOrientationIncrement", "exportPacketCounter", "exportPosition", "exportPressure",
-                       "exportRawGnss", "exportRawGps", "exportRssi", "exportSampleTimeFine",
-                       "exportScrAcceleration", "exportScrGyroTemperature", "exportScrGyroscopeData",
-                       "exportScrMagneticField", "exportScrTemperature", "exportStatusFlags", "exportTemperature",
-                       "exportTriggerIn1", "exportTriggerIn2", "exportUtc", "exportVelocity",
-                       "exportVelocityIncrement", "Euler"};
+    QTest::newRow("all") << "ALL"
+                         << QStringList{"exportCalibratedAcceleration",
+                                        "exportCalibratedAngularVelocity",
+                                        "exportClipFlags",
+                                        "exportDateTime",
+                                        "exportFreeAcceleration",
+                                        "exportGyroTemperature",
+                                        "exportMagneticField",
+                                        "exportOrientationIncrement",
+                                        "exportPacketCounter",
+                                        "exportPosition",
+                                        "exportPressure",
+                                        "exportRawGnss",
+                                        "exportRawGps",
+                                        "exportRssi",
+                                        "exportSampleTimeFine",
+                                        "exportScrAcceleration",
+                                        "exportScrGyroTemperature",
+                                        "exportScrGyroscopeData",
+                                        "exportScrMagneticField",
+                                        "exportScrTemperature",
+                                        "exportStatusFlags",
+                                        "exportTemperature",
+                                        "exportTriggerIn1",
+                                        "exportTriggerIn2",
+                                        "exportUtc",
+                                        "exportVelocity",
+                                        "exportVelocityIncrement",
+                                        "Euler"};
 }
 
 void tst_GroupSelection::lists()
@@ -125,9 +147,12 @@ void tst_GroupSelection::badLists_data()
 {
     QTest::addColumn<QString>("list");
     QTest::addColumn<QString>("problem");
-    QTest::newRow("an unknown name") << "rssi,speed" << "--groups: unknown group \"speed\"; the groups are: ";
-    QTest::newRow("an empty name") << "rssi,,temperature" << "--groups: unknown group \"\"; the groups are: ";
-    QTest::newRow("the setting's key") << "exportRssi" << "--groups: unknown group \"exportRssi\"";
+    QTest::newRow("an unknown name") << "rssi,speed"
+                                     << "--groups: unknown group \"speed\"; the groups are: ";
+    QTest::newRow("an empty name") << "rssi,,temperature"
+                                   << "--groups: unknown group \"\"; the groups are: ";
+    QTest::newRow("the setting's key") << "exportRssi"
+                                       << "--groups: unknown group \"exportRssi\"";
     QTest::newRow("two orientations") << "matrix,quaternion"
                                       << "--groups names two orientations; the file holds one";
 }

@@ -67,14 +67,13 @@ void tst_HeaderBlock::block_data()
         {"OptionFlags", 0},
         {"FirmwareVersion", "1.2.3"},
     };
-    QTest::newRow("every property present")
-        << full << 100.0
-        << QByteArray("// Start Time: 2026-11-21 09:30:00\n"
-                      "// Update Rate: 100.0Hz\n"
-                      "// Filter Profile: general (39.1)\n"
-                      "// Option Flags: 0\n"
-                      "// Firmware Version: 1.2.3\n"
-                      "\n");
+    QTest::newRow("every property present") << full << 100.0
+                                            << QByteArray("// Start Time: 2026-11-21 09:30:00\n"
+                                                          "// Update Rate: 100.0Hz\n"
+                                                          "// Filter Profile: general (39.1)\n"
+                                                          "// Option Flags: 0\n"
+                                                          "// Firmware Version: 1.2.3\n"
+                                                          "\n");
 
     QTest::newRow("every property missing and no rate")
         << QVariantMap() << 0.0
@@ -215,24 +214,30 @@ void tst_HeaderBlock::translatedInTheExporterContext()
     MarkingTranslator translator("AsciiExporter");
     QVERIFY(QCoreApplication::installTranslator(&translator));
     const QByteArray missing = exportWith(QVariantMap(), 0.0);
-    const QByteArray present = exportWith({{"StartTime", 0}, {"FilterProfile", "general"},
-                                           {"FilterProfileVersion", 1}, {"FilterProfileType", 39},
-                                           {"OptionFlags", 0}, {"FirmwareVersion", "1.2.3"}}, 100.0);
+    const QByteArray present = exportWith({{"StartTime", 0},
+                                           {"FilterProfile", "general"},
+                                           {"FilterProfileVersion", 1},
+                                           {"FilterProfileType", 39},
+                                           {"OptionFlags", 0},
+                                           {"FirmwareVersion", "1.2.3"}},
+                                          100.0);
     QCoreApplication::removeTranslator(&translator);
 
-    QCOMPARE(missing, QByteArray("~// Start Time: \n"
-                                 "~// Update Rate: ~Various\n"
-                                 "~// Filter Profile: Error: No KVA filter profile\n"
-                                 "~// Option Flags: Error: No option flags\n"
-                                 "~// Firmware Version: Error: No firmware version\n"
-                                 "\n"));
+    QCOMPARE(missing,
+             QByteArray("~// Start Time: \n"
+                        "~// Update Rate: ~Various\n"
+                        "~// Filter Profile: Error: No KVA filter profile\n"
+                        "~// Option Flags: Error: No option flags\n"
+                        "~// Firmware Version: Error: No firmware version\n"
+                        "\n"));
     // "Unknown" and the value formats are data, not translated
-    QCOMPARE(present, QByteArray("~// Start Time: Unknown\n"
-                                 "~// Update Rate: 100.0Hz\n"
-                                 "~// Filter Profile: general (39.1)\n"
-                                 "~// Option Flags: 0\n"
-                                 "~// Firmware Version: 1.2.3\n"
-                                 "\n"));
+    QCOMPARE(present,
+             QByteArray("~// Start Time: Unknown\n"
+                        "~// Update Rate: 100.0Hz\n"
+                        "~// Filter Profile: general (39.1)\n"
+                        "~// Option Flags: 0\n"
+                        "~// Firmware Version: 1.2.3\n"
+                        "\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_HeaderBlock)

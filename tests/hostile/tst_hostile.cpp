@@ -66,7 +66,8 @@ private:
         QByteArray err;
     };
 
-    Result run(const QStringList &arguments, const QProcessEnvironment &environment = QProcessEnvironment());
+    Result run(const QStringList &arguments,
+               const QProcessEnvironment &environment = QProcessEnvironment());
     // Runs the program through "sh -c SCRIPT", which ends in exec "$0" "$@".
     Result runInShell(const QString &script, const QStringList &arguments);
     QString path(const QString &name) const { return dir->filePath(name); }
@@ -93,7 +94,8 @@ const QByteArray recordingObject =
 // What ends the message of a bad sample line.
 const QByteArray skipHint = " (--skip-bad-lines exports the other samples)";
 
-const QByteArray goodSample = "{\"packetCounter\": 1, \"sampleTimeFine\": 100, \"orientationEuler\": [1, 2, 3]}\n";
+const QByteArray goodSample =
+    "{\"packetCounter\": 1, \"sampleTimeFine\": 100, \"orientationEuler\": [1, 2, 3]}\n";
 
 // Two rows: one with every default column, one without the sample time.
 const QByteArray smallRecording =
@@ -108,8 +110,10 @@ const QByteArray headerBlock = "// Start Time: 2026-11-21 09:30:00\n"
 // The settings that put a custom delimiter and placeholder in force.
 QStringList customTexts(const QString &delimiter, const QString &placeholder)
 {
-    return {"--set", "useOtherDelimiter=true", "--set", "otherDelimiter=" + delimiter,
-            "--set", "insertNothing=false", "--set", "insertOtherPlaceholder=true",
+    return {"--set", "useOtherDelimiter=true",
+            "--set", "otherDelimiter=" + delimiter,
+            "--set", "insertNothing=false",
+            "--set", "insertOtherPlaceholder=true",
             "--set", "otherPlaceholder=" + placeholder};
 }
 
@@ -118,7 +122,8 @@ QProcessEnvironment withLocale(const QString &locale)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const QString &key : environment.keys()) {
-        if (key == QLatin1String("LANG") || key == QLatin1String("LANGUAGE") || key.startsWith(QLatin1String("LC_")))
+        if (key == QLatin1String("LANG") || key == QLatin1String("LANGUAGE")
+            || key.startsWith(QLatin1String("LC_")))
             environment.remove(key);
     }
     environment.insert(QStringLiteral("LANG"), locale);
@@ -146,7 +151,8 @@ void tst_Hostile::cleanup()
     delete dir;
 }
 
-tst_Hostile::Result tst_Hostile::run(const QStringList &arguments, const QProcessEnvironment &environment)
+tst_Hostile::Result tst_Hostile::run(const QStringList &arguments,
+                                     const QProcessEnvironment &environment)
 {
     QProcess process;
     process.setWorkingDirectory(dir->path());
@@ -223,7 +229,9 @@ void tst_Hostile::hugeLine()
 
     const Result result = run({"export", "--quiet", path("huge.jsonl"), path("good.jsonl")});
     QCOMPARE(result.status, 1);
-    QCOMPARE(result.err, (path("huge.jsonl") + ":2: the line is longer than 4194304 bytes").toUtf8() + skipHint + '\n');
+    QCOMPARE(result.err,
+             (path("huge.jsonl") + ":2: the line is longer than 4194304 bytes").toUtf8() + skipHint
+                 + '\n');
     // the next recording is exported all the same
     QCOMPARE(files(), (QStringList{"good-002.txt", "good.jsonl", "huge.jsonl"}));
 }
@@ -233,15 +241,14 @@ void tst_Hostile::badRecordings_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("message");
 
-    QTest::newRow("an empty recording")
-        << QByteArray() << ":1: the file holds no recording object";
+    QTest::newRow("an empty recording") << QByteArray() << ":1: the file holds no recording object";
     QTest::newRow("a recording of blank lines")
         << QByteArray("\n\r\n  \n") << ":4: the file holds no recording object";
-    QTest::newRow("a million opening brackets in a sample")
-        << recordingObject + QByteArray(1000000, '[') << ":2: lists and objects nested deeper than 32 levels";
+    QTest::newRow("a million opening brackets in a sample") << recordingObject
+            + QByteArray(1000000, '[') << ":2: lists and objects nested deeper than 32 levels";
     QTest::newRow("deep objects in the recording's properties")
         << "{\"properties\": {\"x\": " + QByteArray("{\"a\": ").repeated(100000) + "1"
-               + QByteArray(100000, '}') + "}}\n"
+            + QByteArray(100000, '}') + "}}\n"
         << ":1: lists and objects nested deeper than 32 levels";
     QTest::newRow("invalid UTF-8 in a property")
         << QByteArray("{\"properties\": {\"DeviceId\": \"\xc3\x28\"}}\n") + goodSample
@@ -268,7 +275,8 @@ void tst_Hostile::badRecordings_data()
         << recordingObject + "{\"gnssPvt\": {\"iTOW\": 1, \"numSV\": 256}}\n"
         << ":2: \"gnssPvt.numSV\": 256 is out of range (0..255)";
     QTest::newRow("a NUL byte in a line")
-        << recordingObject + QByteArray("{\"packetCounter\": 1}\0\n", 22) << ":2: NUL byte at column 21";
+        << recordingObject + QByteArray("{\"packetCounter\": 1}\0\n", 22)
+        << ":2: NUL byte at column 21";
 }
 
 void tst_Hostile::badRecordings()
@@ -281,9 +289,11 @@ void tst_Hostile::badRecordings()
     const Result result = run({"export", "--quiet", path("bad.jsonl")});
     QCOMPARE(result.status, 1);
     // A bad sample line names the way to export the rest.
-    const bool sampleLine = !message.startsWith(QLatin1String(":1:")) && !message.contains(QLatin1String("no recording"));
+    const bool sampleLine = !message.startsWith(QLatin1String(":1:"))
+        && !message.contains(QLatin1String("no recording"));
     QCOMPARE(QString::fromUtf8(result.err),
-             path("bad.jsonl") + message + (sampleLine ? QString::fromUtf8(skipHint) : QString()) + QLatin1Char('\n'));
+             path("bad.jsonl") + message + (sampleLine ? QString::fromUtf8(skipHint) : QString())
+                 + QLatin1Char('\n'));
     // the older file is kept as it was, and nothing is added
     QCOMPARE(readFile(path("bad-001.txt")), QByteArray("an older export\n"));
     QCOMPARE(files(), (QStringList{"bad-001.txt", "bad.jsonl"}));
@@ -320,9 +330,11 @@ void tst_Hostile::unreadableRecording()
         // any folder, even one that no other user may enter.
         command = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
         if (command.isEmpty())
-            QSKIP("running as root, and setpriv is not there to drop root's powers over file modes");
+            QSKIP(
+                "running as root, and setpriv is not there to drop root's powers over file modes");
         const QString dropped = QStringLiteral("-dac_override,-dac_read_search");
-        arguments = QStringList{"--inh-caps=" + dropped, "--bounding-set=" + dropped, program} + arguments;
+        arguments =
+            QStringList{"--inh-caps=" + dropped, "--bounding-set=" + dropped, program} + arguments;
     }
     QProcess process;
     process.start(command, arguments);
@@ -352,9 +364,17 @@ void tst_Hostile::nonAsciiTextsAreUtf8InEveryLocale()
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("out.txt")),
-             headerBlock + "PacketCounter\xe2\x86\x92SampleTimeFine\xe2\x86\x92Roll\xe2\x86\x92Pitch\xe2\x86\x92Yaw\n"
-                 "00001\xe2\x86\x92" "00100\xe2\x86\x92" "1.000000\xe2\x86\x92" "2.000000\xe2\x86\x92" "3.000000\n"
-                 "00002\xe2\x86\x92\xe2\x88\x85\xe2\x86\x92-1.500000\xe2\x86\x92" "0.000000\xe2\x86\x92" "90.000000\n");
+             headerBlock
+                 + "PacketCounter\xe2\x86\x92SampleTimeFine\xe2\x86\x92Roll\xe2\x86\x92Pitch\xe2"
+                   "\x86\x92Yaw\n"
+                   "00001\xe2\x86\x92"
+                   "00100\xe2\x86\x92"
+                   "1.000000\xe2\x86\x92"
+                   "2.000000\xe2\x86\x92"
+                   "3.000000\n"
+                   "00002\xe2\x86\x92\xe2\x88\x85\xe2\x86\x92-1.500000\xe2\x86\x92"
+                   "0.000000\xe2\x86\x92"
+                   "90.000000\n");
 }
 
 void tst_Hostile::unusualTexts_data()
@@ -365,15 +385,20 @@ void tst_Hostile::unusualTexts_data()
 
     for (const char *locale : {"C", "C.UTF-8"}) {
         const auto row = [locale](const char *name) -> QTestData & {
-            return QTest::addRow("%s, %s", name, locale == QByteArray("C") ? "C locale" : "UTF-8 locale");
+            return QTest::addRow("%s, %s", name,
+                                 locale == QByteArray("C") ? "C locale" : "UTF-8 locale");
         };
         row("a delimiter outside the Basic Multilingual Plane stays whole at the line end")
             << QStringLiteral("\U0001D11E") << QStringLiteral("\u00e9") << locale;
-        row("a line feed as the delimiter") << "\n" << "-" << locale;
-        row("CR LF as the delimiter") << "\r\n" << "-" << locale;
-        row("a placeholder with line ends") << ";" << "a\nb\r\nc" << locale;
+        row("a line feed as the delimiter") << "\n"
+                                            << "-" << locale;
+        row("CR LF as the delimiter") << "\r\n"
+                                      << "-" << locale;
+        row("a placeholder with line ends") << ";"
+                                            << "a\nb\r\nc" << locale;
         row("a delimiter of 64 KiB")
-            << QString(QLatin1Char('<') + QString(65534, QLatin1Char('x')) + QLatin1Char('>')) << "?" << locale;
+            << QString(QLatin1Char('<') + QString(65534, QLatin1Char('x')) + QLatin1Char('>'))
+            << "?" << locale;
         row("a placeholder of 64 KiB in Greek") << "," << QString(32768, QChar(0x03A9)) << locale;
     }
 }
@@ -385,9 +410,10 @@ void tst_Hostile::unusualTexts()
     QFETCH(QString, locale);
 
     writeFile(path("small.jsonl"), smallRecording);
-    const Result result = run(QStringList{"export", "--quiet", "-o", path("out.txt")}
-                                  + customTexts(delimiter, placeholder) + QStringList{path("small.jsonl")},
-                              withLocale(locale));
+    const Result result =
+        run(QStringList{"export", "--quiet", "-o", path("out.txt")}
+                + customTexts(delimiter, placeholder) + QStringList{path("small.jsonl")},
+            withLocale(locale));
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     const QByteArray written = readFile(path("out.txt"));
@@ -451,8 +477,9 @@ void tst_Hostile::outputFolderRemovedDuringTheExport()
 
     QProcess process;
     process.setWorkingDirectory(dir->path());
-    process.start(program, {"export", "--settings", path("settings.ini"), "--progress", "--output-dir", folder,
-                            path("big.jsonl")});
+    process.start(program,
+                  {"export", "--settings", path("settings.ini"), "--progress", "--output-dir",
+                   folder, path("big.jsonl")});
     QVERIFY(process.waitForStarted());
     // Once the progress bar has moved, the export is under way.
     const QRegularExpression moved(QStringLiteral("\\] +[1-9]\\d*% "));
@@ -468,8 +495,9 @@ void tst_Hostile::outputFolderRemovedDuringTheExport()
 
     QCOMPARE(process.exitCode(), 1);
     const QByteArray message = err.mid(err.lastIndexOf('\r') + 1);
-    QCOMPARE(QString::fromUtf8(message), folder + QStringLiteral("/big-001.txt: cannot be written: the folder ")
-                                             + folder + QStringLiteral(" no longer exists\n"));
+    QCOMPARE(QString::fromUtf8(message),
+             folder + QStringLiteral("/big-001.txt: cannot be written: the folder ") + folder
+                 + QStringLiteral(" no longer exists\n"));
     QCOMPARE(err.count('\n'), 1);
     QVERIFY(!QFileInfo::exists(folder));
     QCOMPARE(files(), QStringList{"big.jsonl"});
@@ -488,8 +516,9 @@ void tst_Hostile::namesQtWouldTakeForResources()
 
     QProcess process;
     process.setWorkingDirectory(dir->path());
-    process.start(program, {"export", "--quiet", "--plugin", ":plugin.so", "--settings", ":settings.ini",
-                            "--output-dir", ":out", "--set", "outputFileFormat=:<inputfile>", ":rec.jsonl"});
+    process.start(program,
+                  {"export", "--quiet", "--plugin", ":plugin.so", "--settings", ":settings.ini",
+                   "--output-dir", ":out", "--set", "outputFileFormat=:<inputfile>", ":rec.jsonl"});
     QVERIFY(process.waitForFinished(60000));
     QCOMPARE(process.readAllStandardError(), QByteArray());
     QCOMPARE(process.exitCode(), 0);
@@ -507,13 +536,15 @@ void tst_Hostile::propertiesCannotLeaveTheOutputFolder()
 {
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("in")));
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("out")));
-    writeFile(path("in/rec.jsonl"), "{\"properties\": {\"DeviceId\": \"../../escaped\", \"ProductCode\": \"/tmp/x\"}}\n"
-                                        + goodSample);
+    writeFile(path("in/rec.jsonl"),
+              "{\"properties\": {\"DeviceId\": \"../../escaped\", \"ProductCode\": \"/tmp/x\"}}\n"
+                  + goodSample);
     const Result result = run({"export", "--quiet", "--output-dir", path("out"), "--set",
                                "outputFileFormat=<deviceid>-<productcode>", path("in/rec.jsonl")});
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
-    QCOMPARE(QDir(path("out")).entryList(QDir::Files | QDir::Hidden), QStringList{".._.._escaped-_tmp_x.txt"});
+    QCOMPARE(QDir(path("out")).entryList(QDir::Files | QDir::Hidden),
+             QStringList{".._.._escaped-_tmp_x.txt"});
     QCOMPARE(files(), QStringList());
 }
 
@@ -531,12 +562,15 @@ void tst_Hostile::badRecordingsSalvaged()
 
     writeFile(path("bad.jsonl"), content);
     const Result result = run({"export", "--quiet", "--skip-bad-lines", path("bad.jsonl")});
-    if (message.startsWith(QLatin1String(":1:")) || message.contains(QLatin1String("no recording"))) {
+    if (message.startsWith(QLatin1String(":1:"))
+        || message.contains(QLatin1String("no recording"))) {
         QCOMPARE(result.status, 1);
-        QVERIFY2(result.err.startsWith((path("bad.jsonl") + message).toUtf8()), result.err.constData());
+        QVERIFY2(result.err.startsWith((path("bad.jsonl") + message).toUtf8()),
+                 result.err.constData());
         if (!message.contains(QLatin1String("no recording"))) {
-            QVERIFY2(result.err.endsWith(" (a recording cannot be salvaged without its first line, the recording "
-                                         "object)\n"),
+            QVERIFY2(result.err.endsWith(
+                         " (a recording cannot be salvaged without its first line, the recording "
+                         "object)\n"),
                      result.err.constData());
         }
         QCOMPARE(files(), QStringList{"bad.jsonl"});
@@ -555,18 +589,24 @@ void tst_Hostile::badRecordingsSalvaged()
 void tst_Hostile::cutOffRecordingSalvaged()
 {
     writeFile(path("small.jsonl"), smallRecording);
-    writeFile(path("cut.jsonl"), recordingObject + goodSample + "{\"packetCounter\": 9, \"orientationEuler\": [1, 2\n"
-                                     + "{\"packetCounter\": 2, \"orientationEuler\": [-1.5, 0, 90]}\n"
-                                     + "{\"packetCounter\": 3, \"orientationEul");
-    const Result expected = run({"export", "--quiet", "-o", path("expected.txt"), path("small.jsonl")});
+    writeFile(path("cut.jsonl"),
+              recordingObject + goodSample + "{\"packetCounter\": 9, \"orientationEuler\": [1, 2\n"
+                  + "{\"packetCounter\": 2, \"orientationEuler\": [-1.5, 0, 90]}\n"
+                  + "{\"packetCounter\": 3, \"orientationEul");
+    const Result expected =
+        run({"export", "--quiet", "-o", path("expected.txt"), path("small.jsonl")});
     QCOMPARE(expected.status, 0);
-    const Result result = run({"export", "--quiet", "--skip-bad-lines", "-o", path("out.txt"), path("cut.jsonl")});
-    QCOMPARE(QString::fromUtf8(result.err),
-             path("cut.jsonl") + QStringLiteral(":3: malformed JSON at column 47: Missing a comma or ']' after an "
-                                                "array element. (skipped)\n")
-                 + path("cut.jsonl") + QStringLiteral(":5: malformed JSON at column 37: Missing a closing quotation "
-                                                      "mark in string. (skipped)\n")
-                 + path("cut.jsonl") + QStringLiteral(": samples written: 2, bad lines skipped: 2\n"));
+    const Result result =
+        run({"export", "--quiet", "--skip-bad-lines", "-o", path("out.txt"), path("cut.jsonl")});
+    QCOMPARE(
+        QString::fromUtf8(result.err),
+        path("cut.jsonl")
+            + QStringLiteral(":3: malformed JSON at column 47: Missing a comma or ']' after an "
+                             "array element. (skipped)\n")
+            + path("cut.jsonl")
+            + QStringLiteral(":5: malformed JSON at column 37: Missing a closing quotation "
+                             "mark in string. (skipped)\n")
+            + path("cut.jsonl") + QStringLiteral(": samples written: 2, bad lines skipped: 2\n"));
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("out.txt")), readFile(path("expected.txt")));
 }
@@ -578,7 +618,8 @@ QByteArray walkRecording(int samples = 1000)
 {
     QByteArray bytes = recordingObject;
     for (int i = 0; i < samples; ++i)
-        bytes += "{\"packetCounter\": " + QByteArray::number(i % 65536) + ", \"sampleTimeFine\": " + QByteArray::number(i * 100)
+        bytes += "{\"packetCounter\": " + QByteArray::number(i % 65536)
+            + ", \"sampleTimeFine\": " + QByteArray::number(i * 100)
             + ", \"orientationEuler\": [1.5, -2.25, " + QByteArray::number(i % 360) + "]}\n";
     return bytes;
 }
@@ -597,12 +638,15 @@ void tst_Hostile::fullDisk()
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("full")));
     // The older file is made on the small file system itself, which then has
     // room for 32 KiB.
-    const QString script = QStringLiteral("mount -t tmpfs -o size=32k tmpfs full && printf 'older\\n' > full/x.txt "
-                                          "&& exec \"$0\" \"$@\"");
+    const QString script =
+        QStringLiteral("mount -t tmpfs -o size=32k tmpfs full && printf 'older\\n' > full/x.txt "
+                       "&& exec \"$0\" \"$@\"");
     QProcess process;
     process.setWorkingDirectory(dir->path());
-    process.start(unshare, {"--mount", "/bin/sh", "-c", script + QStringLiteral(" || exit 99"), program, "export",
-                            "--settings", path("settings.ini"), "--quiet", "-o", "full/x.txt", "walk.jsonl"});
+    process.start(unshare,
+                  {"--mount", "/bin/sh", "-c", script + QStringLiteral(" || exit 99"), program,
+                   "export", "--settings", path("settings.ini"), "--quiet", "-o", "full/x.txt",
+                   "walk.jsonl"});
     QVERIFY(process.waitForFinished(60000));
     if (process.exitCode() == 99)
         QSKIP("this system does not let a test mount a file system");
@@ -630,18 +674,22 @@ void tst_Hostile::fileSizeLimit()
     QCOMPARE(whole.status, 0);
     const qint64 size = QFileInfo(path("whole.txt")).size();
     const qint64 limitKib = lastWrite ? (size - 1) / 1024 : size / 2048;
-    const QString limit = QStringLiteral("ulimit -f %1; trap '' XFSZ; exec \"$0\" \"$@\"").arg(limitKib);
+    const QString limit =
+        QStringLiteral("ulimit -f %1; trap '' XFSZ; exec \"$0\" \"$@\"").arg(limitKib);
 
     writeFile(path("x.txt"), "an older export\n");
-    const Result result = runInShell(limit, {"export", "--settings", path("settings.ini"), "--quiet", "-o",
-                                             path("x.txt"), path("walk.jsonl")});
-    QCOMPARE(QString::fromUtf8(result.err), path("x.txt") + QStringLiteral(": cannot be written: File too large\n"));
+    const Result result = runInShell(limit,
+                                     {"export", "--settings", path("settings.ini"), "--quiet", "-o",
+                                      path("x.txt"), path("walk.jsonl")});
+    QCOMPARE(QString::fromUtf8(result.err),
+             path("x.txt") + QStringLiteral(": cannot be written: File too large\n"));
     QCOMPARE(result.status, 1);
     QCOMPARE(readFile(path("x.txt")), QByteArray("an older export\n"));
     QCOMPARE(files(), (QStringList{"walk.jsonl", "whole.txt", "x.txt"}));
 
     // generate keeps the same promise
-    const Result generated = runInShell(limit, {"generate", "--samples", "1000", "-o", path("x.txt")});
+    const Result generated =
+        runInShell(limit, {"generate", "--samples", "1000", "-o", path("x.txt")});
     QVERIFY2(generated.err.endsWith("File too large\n"), generated.err.constData());
     QCOMPARE(generated.status, 1);
     QCOMPARE(readFile(path("x.txt")), QByteArray("an older export\n"));
@@ -662,7 +710,8 @@ void tst_Hostile::generateWritesIntoPipesAndDevices()
     QCOMPARE(reader.readAllStandardOutput().count('\n'), 6);
     QVERIFY(QFileInfo(path("fifo")).exists() && !QFileInfo(path("fifo")).isFile());
 
-    if (QFileInfo::exists(QStringLiteral("/dev/full")) && QFileInfo(QStringLiteral("/dev/full")).isWritable()) {
+    if (QFileInfo::exists(QStringLiteral("/dev/full"))
+        && QFileInfo(QStringLiteral("/dev/full")).isWritable()) {
         writer.start(program, {"generate", "--samples", "5", "-o", "/dev/full"});
         QVERIFY(writer.waitForFinished(60000));
         QCOMPARE(writer.exitCode(), 1);
@@ -679,17 +728,19 @@ void tst_Hostile::readerOfThePipeGoesAway()
     writeFile(path("walk.jsonl"), walkRecording(100000));
     for (const char *command : {"export", "generate"}) {
         const QStringList arguments = qstrcmp(command, "export") == 0
-            ? QStringList{"export", "--settings", path("settings.ini"), "--quiet", "-o", "-", path("walk.jsonl")}
+            ? QStringList{"export", "--settings", path("settings.ini"), "--quiet",
+                          "-o",     "-",          path("walk.jsonl")}
             : QStringList{"generate", "--samples", "100000", "-o", "-"};
         // The status of the pipe is the program's: head's is 0.
         QProcess process;
         process.setWorkingDirectory(dir->path());
-        process.start(QStringLiteral("/bin/bash"),
-                      QStringList{"-c", "set -o pipefail; \"$0\" \"$@\" | head -c 100 > /dev/null", program}
-                          + arguments);
+        process.start(
+            QStringLiteral("/bin/bash"),
+            QStringList{"-c", "set -o pipefail; \"$0\" \"$@\" | head -c 100 > /dev/null", program}
+                + arguments);
         QVERIFY(process.waitForFinished(60000));
         QCOMPARE(process.readAllStandardError(), QByteArray());
-        QCOMPARE(process.exitCode(), 1);  // not 141: no death by SIGPIPE
+        QCOMPARE(process.exitCode(), 1); // not 141: no death by SIGPIPE
     }
     QCOMPARE(files(), QStringList{"walk.jsonl"});
 }
@@ -698,10 +749,13 @@ void tst_Hostile::outputThatCannotBeOpened_data()
 {
     QTest::addColumn<QString>("output");
     QTest::addColumn<QString>("reason");
-    QTest::newRow("a folder that does not exist") << "missing/x.txt" << "No such file or directory";
-    QTest::newRow("a folder") << "folder" << "Is a directory";
+    QTest::newRow("a folder that does not exist") << "missing/x.txt"
+                                                  << "No such file or directory";
+    QTest::newRow("a folder") << "folder"
+                              << "Is a directory";
     QTest::newRow("a name too long") << QString(300, QLatin1Char('n')) << "File name too long";
-    QTest::newRow("a file in a file") << "small.jsonl/x.txt" << "Not a directory";
+    QTest::newRow("a file in a file") << "small.jsonl/x.txt"
+                                      << "Not a directory";
 }
 
 void tst_Hostile::outputThatCannotBeOpened()
@@ -711,7 +765,8 @@ void tst_Hostile::outputThatCannotBeOpened()
     writeFile(path("small.jsonl"), smallRecording);
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("folder")));
     const Result result = run({"export", "--quiet", "-o", path(output), path("small.jsonl")});
-    QCOMPARE(QString::fromUtf8(result.err), path(output) + QStringLiteral(": ") + reason + QLatin1Char('\n'));
+    QCOMPARE(QString::fromUtf8(result.err),
+             path(output) + QStringLiteral(": ") + reason + QLatin1Char('\n'));
     QCOMPARE(result.status, 1);
     QCOMPARE(files(), QStringList{"small.jsonl"});
 }
@@ -720,28 +775,36 @@ void tst_Hostile::propertiesCannotMoveOrEmptyTheName_data()
 {
     QTest::addColumn<QByteArray>("deviceId");
     QTest::addColumn<QString>("pattern");
-    QTest::addColumn<QString>("written");  // under out/, or empty when refused
+    QTest::addColumn<QString>("written"); // under out/, or empty when refused
     QTest::addColumn<QString>("message");
 
-    QTest::newRow("a folder that climbs") << QByteArray("..") << "<deviceid>/<inputfile>" << QString()
-        << "the output file name pattern \"<deviceid>/<inputfile>\" gives the folder name \"..\" for this recording; "
+    QTest::newRow("a folder that climbs")
+        << QByteArray("..") << "<deviceid>/<inputfile>" << QString()
+        << "the output file name pattern \"<deviceid>/<inputfile>\" gives the folder name \"..\" "
+           "for this recording; "
            "a recording's properties may not remove or climb a folder level";
-    QTest::newRow("a folder that stays") << QByteArray(".") << "<deviceid>/<inputfile>" << QString()
-        << "the output file name pattern \"<deviceid>/<inputfile>\" gives the folder name \".\" for this recording; "
+    QTest::newRow("a folder that stays")
+        << QByteArray(".") << "<deviceid>/<inputfile>" << QString()
+        << "the output file name pattern \"<deviceid>/<inputfile>\" gives the folder name \".\" "
+           "for this recording; "
            "a recording's properties may not remove or climb a folder level";
-    QTest::newRow("an empty folder") << QByteArray("") << "<deviceid>/<inputfile>" << QString()
-        << "the output file name pattern \"<deviceid>/<inputfile>\" gives the folder name \"\" for this recording; "
+    QTest::newRow("an empty folder")
+        << QByteArray("") << "<deviceid>/<inputfile>" << QString()
+        << "the output file name pattern \"<deviceid>/<inputfile>\" gives the folder name \"\" for "
+           "this recording; "
            "a recording's properties may not remove or climb a folder level";
     QTest::newRow("an empty name") << QByteArray("") << "<deviceid>" << QString()
-        << "the output file name pattern \"<deviceid>\" gives the file name \".txt\" for this recording, which "
-           "names no file";
+                                   << "the output file name pattern \"<deviceid>\" gives the file "
+                                      "name \".txt\" for this recording, which "
+                                      "names no file";
     QTest::newRow("a name of a dot") << QByteArray(".") << "<deviceid>" << QString()
-        << "the output file name pattern \"<deviceid>\" gives the file name \"..txt\" for this recording, which "
-           "names no file";
-    QTest::newRow("two dots in a name are a name") << QByteArray("..") << "<deviceid>-<inputfile>" << "..-rec.txt"
-                                                   << QString();
-    QTest::newRow("a slash adds no folder") << QByteArray("a/b") << "<deviceid>/<inputfile>" << "a_b/rec.txt"
-                                             << QString();
+                                     << "the output file name pattern \"<deviceid>\" gives the "
+                                        "file name \"..txt\" for this recording, which "
+                                        "names no file";
+    QTest::newRow("two dots in a name are a name") << QByteArray("..") << "<deviceid>-<inputfile>"
+                                                   << "..-rec.txt" << QString();
+    QTest::newRow("a slash adds no folder") << QByteArray("a/b") << "<deviceid>/<inputfile>"
+                                            << "a_b/rec.txt" << QString();
 }
 
 void tst_Hostile::propertiesCannotMoveOrEmptyTheName()
@@ -752,11 +815,13 @@ void tst_Hostile::propertiesCannotMoveOrEmptyTheName()
     QFETCH(QString, message);
 
     QVERIFY(QDir(dir->path()).mkpath(QStringLiteral("out/a_b")));
-    writeFile(path("rec.jsonl"), "{\"properties\": {\"DeviceId\": \"" + deviceId + "\"}}\n" + goodSample);
+    writeFile(path("rec.jsonl"),
+              "{\"properties\": {\"DeviceId\": \"" + deviceId + "\"}}\n" + goodSample);
     const Result result = run({"export", "--quiet", "--output-dir", path("out"), "--set",
                                "outputFileFormat=" + pattern, path("rec.jsonl")});
     if (written.isEmpty()) {
-        QCOMPARE(QString::fromUtf8(result.err), path("rec.jsonl") + QStringLiteral(": ") + message + QLatin1Char('\n'));
+        QCOMPARE(QString::fromUtf8(result.err),
+                 path("rec.jsonl") + QStringLiteral(": ") + message + QLatin1Char('\n'));
         QCOMPARE(result.status, 1);
     } else {
         QCOMPARE(result.err, QByteArray());
@@ -785,8 +850,10 @@ void tst_Hostile::batchCannotReplaceItsOwnRecordings()
 void tst_Hostile::lineBreaksInPropertyTexts_data()
 {
     QTest::addColumn<QByteArray>("property");
-    QTest::newRow("a forged comment line") << QByteArray("\"FirmwareVersion\": \"\\r\\n// fake header\"");
-    QTest::newRow("a line feed in the start time") << QByteArray("\"StartTime\": \"2026-11-21\\n09:30:00\"");
+    QTest::newRow("a forged comment line")
+        << QByteArray("\"FirmwareVersion\": \"\\r\\n// fake header\"");
+    QTest::newRow("a line feed in the start time")
+        << QByteArray("\"StartTime\": \"2026-11-21\\n09:30:00\"");
     QTest::newRow("a carriage return") << QByteArray("\"FilterProfile\": \"general\\r\"");
     QTest::newRow("a NUL") << QByteArray("\"DeviceId\": \"01\\u00002\"");
 }
@@ -799,7 +866,8 @@ void tst_Hostile::lineBreaksInPropertyTexts()
     for (const char *option : {"--quiet", "--skip-bad-lines"}) {
         const Result result = run({"export", option, path("rec.jsonl")});
         QVERIFY2(result.err.startsWith((path("rec.jsonl") + ":1: \"properties." + key
-                                        + "\": the text holds a line break or a NUL character").toUtf8()),
+                                        + "\": the text holds a line break or a NUL character")
+                                           .toUtf8()),
                  result.err.constData());
         QCOMPARE(result.status, 1);
         QCOMPARE(files(), QStringList{"rec.jsonl"});
@@ -823,7 +891,8 @@ void tst_Hostile::damagedPluginFiles()
     const QByteArray bytes = original.readAll();
     writeFile(path("damaged.so"), bytes.left(keptBytes == -2 ? bytes.size() / 2 : keptBytes));
     writeFile(path("small.jsonl"), smallRecording);
-    const Result result = run({"export", "--quiet", "--plugin", path("damaged.so"), path("small.jsonl")});
+    const Result result =
+        run({"export", "--quiet", "--plugin", path("damaged.so"), path("small.jsonl")});
     QCOMPARE(result.status, 1);
     QVERIFY2(result.err.startsWith((path("damaged.so") + ": not a usable Qt plug-in: ").toUtf8()),
              result.err.constData());

@@ -77,12 +77,31 @@ namespace {
 const QString program = QStringLiteral(ASCIIEXPORT_PROGRAM);
 
 const QStringList everyGroup{
-    "exportDateTime", "exportUtc", "exportStatusFlags", "exportClipFlags", "exportRssi",
-    "exportCalibratedAcceleration", "exportFreeAcceleration", "exportCalibratedAngularVelocity",
-    "exportMagneticField", "exportVelocityIncrement", "exportOrientationIncrement", "exportPosition",
-    "exportVelocity", "exportTemperature", "exportGyroTemperature", "exportPressure",
-    "exportScrAcceleration", "exportScrGyroscopeData", "exportScrMagneticField", "exportScrTemperature",
-    "exportScrGyroTemperature", "exportRawGps", "exportRawGnss", "exportTriggerIn1", "exportTriggerIn2",
+    "exportDateTime",
+    "exportUtc",
+    "exportStatusFlags",
+    "exportClipFlags",
+    "exportRssi",
+    "exportCalibratedAcceleration",
+    "exportFreeAcceleration",
+    "exportCalibratedAngularVelocity",
+    "exportMagneticField",
+    "exportVelocityIncrement",
+    "exportOrientationIncrement",
+    "exportPosition",
+    "exportVelocity",
+    "exportTemperature",
+    "exportGyroTemperature",
+    "exportPressure",
+    "exportScrAcceleration",
+    "exportScrGyroscopeData",
+    "exportScrMagneticField",
+    "exportScrTemperature",
+    "exportScrGyroTemperature",
+    "exportRawGps",
+    "exportRawGnss",
+    "exportTriggerIn1",
+    "exportTriggerIn2",
 };
 
 QStringList setAll(const QStringList &keys)
@@ -112,7 +131,8 @@ void tst_HostProgram::cleanup()
     delete dir;
 }
 
-tst_HostProgram::Result tst_HostProgram::run(const QStringList &arguments, const QString &workingDirectory)
+tst_HostProgram::Result tst_HostProgram::run(const QStringList &arguments,
+                                             const QString &workingDirectory)
 {
     QProcess process;
     process.setWorkingDirectory(workingDirectory.isEmpty() ? dir->path() : workingDirectory);
@@ -135,7 +155,8 @@ QStringList tst_HostProgram::withSettings(QStringList arguments) const
 
 QString tst_HostProgram::generated(const QString &name, const QStringList &options)
 {
-    const Result result = run(QStringList{QStringLiteral("generate"), QStringLiteral("-o"), path(name)} + options);
+    const Result result =
+        run(QStringList{QStringLiteral("generate"), QStringLiteral("-o"), path(name)} + options);
     return result.status == 0 ? path(name) : QString();
 }
 
@@ -160,8 +181,9 @@ void tst_HostProgram::generatedExports_data()
     QTest::newRow("default settings") << QStringList() << "host-defaults.txt";
     QTest::newRow("every group with Euler angles") << setAll(everyGroup) << "host-all-euler.txt";
     QTest::newRow("every group with a matrix, commas, NaN and high precision")
-        << setAll(everyGroup) + QStringList{"--set", "exportOrientation=Matrix", "--set", "useCommaDelimiter=1",
-                                            "--set", "insertNan=true", "--set", "highPrecision=true"}
+        << setAll(everyGroup)
+            + QStringList{"--set", "exportOrientation=Matrix", "--set", "useCommaDelimiter=1",
+                          "--set", "insertNan=true",           "--set", "highPrecision=true"}
         << "host-all-matrix.txt";
 }
 
@@ -180,13 +202,13 @@ void tst_HostProgram::generatedExports()
     QFETCH(QStringList, options);
     QFETCH(QString, expected);
 
-    const QString recording = generated(QStringLiteral("rec.jsonl"),
-                                        {"--samples", "25", "--seed", "7", "--rate", "50"});
+    const QString recording =
+        generated(QStringLiteral("rec.jsonl"), {"--samples", "25", "--seed", "7", "--rate", "50"});
     QVERIFY(!recording.isEmpty());
     QCOMPARE(readFile(recording), readFile(QStringLiteral(TEST_DATA_DIR "/host-recording.jsonl")));
 
-    const Result result = run(withSettings(QStringList{"export", "--quiet", "-o", path("out.txt")} + options
-                                           + QStringList{recording}));
+    const Result result = run(withSettings(QStringList{"export", "--quiet", "-o", path("out.txt")}
+                                           + options + QStringList{recording}));
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("out.txt")), readFile(QStringLiteral(TEST_DATA_DIR "/") + expected));
@@ -194,15 +216,19 @@ void tst_HostProgram::generatedExports()
 
 void tst_HostProgram::generateIsDeterministic()
 {
-    const QString first = generated(QStringLiteral("a.jsonl"), {"--samples", "300", "--seed", "42"});
-    const QString second = generated(QStringLiteral("b.jsonl"), {"--samples", "300", "--seed", "42"});
-    const QString other = generated(QStringLiteral("c.jsonl"), {"--samples", "300", "--seed", "43"});
+    const QString first =
+        generated(QStringLiteral("a.jsonl"), {"--samples", "300", "--seed", "42"});
+    const QString second =
+        generated(QStringLiteral("b.jsonl"), {"--samples", "300", "--seed", "42"});
+    const QString other =
+        generated(QStringLiteral("c.jsonl"), {"--samples", "300", "--seed", "43"});
     QVERIFY(!first.isEmpty() && !second.isEmpty() && !other.isEmpty());
     QCOMPARE(readFile(first), readFile(second));
     QVERIFY(readFile(first) != readFile(other));
 
-    const QString some = generated(QStringLiteral("d.jsonl"),
-                                   {"--samples", "3", "--groups", "packetCounter,orientationQuaternion"});
+    const QString some =
+        generated(QStringLiteral("d.jsonl"),
+                  {"--samples", "3", "--groups", "packetCounter,orientationQuaternion"});
     const QList<QByteArray> lines = readFile(some).trimmed().split('\n');
     QCOMPARE(lines.size(), 4);
     QVERIFY(lines.at(1).startsWith("{\"packetCounter\":"));
@@ -217,20 +243,26 @@ void tst_HostProgram::setTyping_data()
     QTest::addColumn<QByteArray>("columnLine");
     QTest::addColumn<QByteArray>("error");
 
-    QTest::newRow("true for a boolean key") << QStringList{"exportRssi=true"} << 0
+    QTest::newRow("true for a boolean key")
+        << QStringList{"exportRssi=true"} << 0
         << QByteArray("PacketCounter\tSampleTimeFine\tRSSI\tRoll\tPitch\tYaw") << QByteArray();
-    QTest::newRow("1 for a boolean key") << QStringList{"exportRssi=1"} << 0
+    QTest::newRow("1 for a boolean key")
+        << QStringList{"exportRssi=1"} << 0
         << QByteArray("PacketCounter\tSampleTimeFine\tRSSI\tRoll\tPitch\tYaw") << QByteArray();
-    QTest::newRow("0 for a boolean key") << QStringList{"exportSampleTimeFine=0"} << 0
+    QTest::newRow("0 for a boolean key")
+        << QStringList{"exportSampleTimeFine=0"} << 0
         << QByteArray("PacketCounter\tRoll\tPitch\tYaw") << QByteArray();
-    QTest::newRow("false for a boolean key") << QStringList{"exportSampleTimeFine=false"} << 0
+    QTest::newRow("false for a boolean key")
+        << QStringList{"exportSampleTimeFine=false"} << 0
         << QByteArray("PacketCounter\tRoll\tPitch\tYaw") << QByteArray();
-    QTest::newRow("yes is a usage error for a boolean key") << QStringList{"exportRssi=yes"} << 2
-        << QByteArray() << QByteArray("asciiexport export: exportRssi takes true, false, 1 or 0, not \"yes\"\n"
-                                      "Try 'asciiexport export --help'.\n");
-    QTest::newRow("an empty value is a usage error for a boolean key") << QStringList{"exportRssi="} << 2
-        << QByteArray() << QByteArray("asciiexport export: exportRssi takes true, false, 1 or 0, not \"\"\n"
-                                      "Try 'asciiexport export --help'.\n");
+    QTest::newRow("yes is a usage error for a boolean key")
+        << QStringList{"exportRssi=yes"} << 2 << QByteArray()
+        << QByteArray("asciiexport export: exportRssi takes true, false, 1 or 0, not \"yes\"\n"
+                      "Try 'asciiexport export --help'.\n");
+    QTest::newRow("an empty value is a usage error for a boolean key")
+        << QStringList{"exportRssi="} << 2 << QByteArray()
+        << QByteArray("asciiexport export: exportRssi takes true, false, 1 or 0, not \"\"\n"
+                      "Try 'asciiexport export --help'.\n");
     // " = " loses its last blank only: one character comes off the line
     QTest::newRow("a string key takes the text after the first = verbatim")
         << QStringList{"useOtherDelimiter=true", "otherDelimiter= = "} << 0
@@ -238,11 +270,14 @@ void tst_HostProgram::setTyping_data()
     // read as ever, with a warning, since no options page offers it
     QTest::newRow("a string key keeps true as text")
         << QStringList{"exportOrientation=true"} << 0 << QByteArray("PacketCounter\tSampleTimeFine")
-        << QByteArray("asciiexport export: warning: --set exportOrientation=true: not one of Euler, Matrix, "
+        << QByteArray("asciiexport export: warning: --set exportOrientation=true: not one of "
+                      "Euler, Matrix, "
                       "Quaternion and None: the plug-in writes no orientation columns\n");
-    QTest::newRow("later changes win") << QStringList{"exportRssi=true", "exportRssi=false"} << 0
+    QTest::newRow("later changes win")
+        << QStringList{"exportRssi=true", "exportRssi=false"} << 0
         << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw") << QByteArray();
-    QTest::newRow("no = is a usage error") << QStringList{"exportRssi"} << 2 << QByteArray()
+    QTest::newRow("no = is a usage error")
+        << QStringList{"exportRssi"} << 2 << QByteArray()
         << QByteArray("asciiexport export: --set takes KEY=VALUE, not \"exportRssi\"\n"
                       "Try 'asciiexport export --help'.\n");
 }
@@ -271,7 +306,8 @@ void tst_HostProgram::setIsNotSaved()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
     writeFile(path("settings.ini"), "[General]\nexportRssi=false\n");
-    const Result result = run(withSettings({"export", "--quiet", "--set", "exportRssi=true", recording}));
+    const Result result =
+        run(withSettings({"export", "--quiet", "--set", "exportRssi=true", recording}));
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("settings.ini")), QByteArray("[General]\nexportRssi=false\n"));
 }
@@ -284,36 +320,43 @@ void tst_HostProgram::patternNaming()
     writeFile(path("in/walk.jsonl"), recordingObject + sample);
     writeFile(path("in/run.day2.jsonl"), recordingObject + sample);
     // the same recording twice on the command line: <seqnr> keeps them apart
-    const QStringList recordings{path("in/walk.jsonl"), path("in/run.day2.jsonl"), path("in/walk.jsonl")};
-    const Result beside = run(withSettings(QStringList{"export", "--quiet", "--set",
-                                                       "outputFileFormat=<inputfile>_<seqnr>_<deviceid>-<productcode>"}
-                                           + recordings));
+    const QStringList recordings{path("in/walk.jsonl"), path("in/run.day2.jsonl"),
+                                 path("in/walk.jsonl")};
+    const Result beside = run(
+        withSettings(QStringList{"export", "--quiet", "--set",
+                                 "outputFileFormat=<inputfile>_<seqnr>_<deviceid>-<productcode>"}
+                     + recordings));
     QCOMPARE(beside.err, QByteArray());
     QCOMPARE(beside.status, 0);
     QCOMPARE(QDir(path("in")).entryList(QDir::Files, QDir::Name),
              (QStringList{"run.day2.jsonl", "run.day2_002_0123ABCD-T100.txt", "walk.jsonl",
                           "walk_001_0123ABCD-T100.txt", "walk_003_0123ABCD-T100.txt"}));
 
-    const Result inFolder = run(withSettings(QStringList{"export", "--quiet", "--output-dir", path("out"),
-                                                         "--set", "outputFileExtension=csv",
-                                                         "--set", "outputFileFormat=<filterprofile>-<seqnr>"}
-                                             + recordings.mid(0, 2)));
+    const Result inFolder = run(withSettings(
+        QStringList{"export", "--quiet", "--output-dir", path("out"), "--set",
+                    "outputFileExtension=csv", "--set", "outputFileFormat=<filterprofile>-<seqnr>"}
+        + recordings.mid(0, 2)));
     QCOMPARE(inFolder.status, 0);
-    QCOMPARE(QDir(path("out")).entryList(QDir::Files, QDir::Name), (QStringList{"general-001.csv", "general-002.csv"}));
+    QCOMPARE(QDir(path("out")).entryList(QDir::Files, QDir::Name),
+             (QStringList{"general-001.csv", "general-002.csv"}));
 
-    const Result dated = run(withSettings({"export", "--quiet", "--output-dir", path("out"),
-                                           "--set", "outputFileFormat=<date>_<time>", recordings.first()}));
+    const Result dated =
+        run(withSettings({"export", "--quiet", "--output-dir", path("out"), "--set",
+                          "outputFileFormat=<date>_<time>", recordings.first()}));
     QCOMPARE(dated.status, 0);
     const QStringList names = QDir(path("out")).entryList({"*.txt"}, QDir::Files);
     QCOMPARE(names.size(), 1);
-    QVERIFY2(QRegularExpression(QStringLiteral("^\\d{4}-\\d\\d-\\d\\d_\\d\\dh\\d\\d\\.txt$")).match(names.first()).hasMatch(),
+    QVERIFY2(QRegularExpression(QStringLiteral("^\\d{4}-\\d\\d-\\d\\d_\\d\\dh\\d\\d\\.txt$"))
+                 .match(names.first())
+                 .hasMatch(),
              qPrintable(names.first()));
 }
 
 void tst_HostProgram::outputFileAndFolder()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "3"});
-    const Result result = run(withSettings({"export", "--quiet", "--output", QStringLiteral("exact name.dat"), recording}));
+    const Result result = run(withSettings(
+        {"export", "--quiet", "--output", QStringLiteral("exact name.dat"), recording}));
     QCOMPARE(result.status, 0);
     QVERIFY(QFile::exists(path("exact name.dat")));
     QVERIFY(!QFile::exists(path("rec-001.txt")));
@@ -324,7 +367,8 @@ void tst_HostProgram::progress()
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2000"});
     const Result shown = run(withSettings({"export", "--progress", recording}));
     QCOMPARE(shown.status, 0);
-    QVERIFY2(shown.err.startsWith("\r[") && shown.err.contains("] 100% rec.jsonl"), shown.err.constData());
+    QVERIFY2(shown.err.startsWith("\r[") && shown.err.contains("] 100% rec.jsonl"),
+             shown.err.constData());
     // the bar is wiped at the end, and the file written is named on a line of its own
     const QByteArray named = recording.toUtf8() + " -> " + path("rec-001.txt").toUtf8() + '\n';
     QVERIFY2(shown.err.endsWith('\r' + named), shown.err.constData());
@@ -345,15 +389,17 @@ void tst_HostProgram::badLine_data()
     QTest::newRow("at line 1: no recording object")
         << QByteArray("[1, 2, 3]\n") + good << QByteArray(":1: ");
     QTest::newRow("in the middle: out of range")
-        << recordingObject + good + "{\"packetCounter\": 70000}\n" + good << QByteArray(":3: \"packetCounter\": 70000 is out of range (0..65535)");
-    QTest::newRow("at the end: not an object")
-        << recordingObject + good + good + "42\n" << QByteArray(":4: ");
+        << recordingObject + good + "{\"packetCounter\": 70000}\n" + good
+        << QByteArray(":3: \"packetCounter\": 70000 is out of range (0..65535)");
+    QTest::newRow("at the end: not an object") << recordingObject + good + good + "42\n"
+                                               << QByteArray(":4: ");
     QTest::newRow("at the end: a line cut short")
-        << recordingObject + good + "{\"packetCounter\": 1, \"orientationEuler\": [1, 2" << QByteArray(":3: ");
-    QTest::newRow("a list of the wrong length")
-        << recordingObject + "{\"orientationEuler\": [1, 2]}\n" << QByteArray(":2: \"orientationEuler\"");
-    QTest::newRow("a value of the wrong type")
-        << recordingObject + "{\"pressure\": \"high\"}\n" << QByteArray(":2: \"pressure\"");
+        << recordingObject + good + "{\"packetCounter\": 1, \"orientationEuler\": [1, 2"
+        << QByteArray(":3: ");
+    QTest::newRow("a list of the wrong length") << recordingObject
+            + "{\"orientationEuler\": [1, 2]}\n" << QByteArray(":2: \"orientationEuler\"");
+    QTest::newRow("a value of the wrong type") << recordingObject + "{\"pressure\": \"high\"}\n"
+                                               << QByteArray(":2: \"pressure\"");
 }
 
 void tst_HostProgram::badLine()
@@ -366,10 +412,12 @@ void tst_HostProgram::badLine()
     const Result result = run(withSettings({"export", "--quiet", path("bad.jsonl"), good}));
     QCOMPARE(result.status, 1);
     const QList<QByteArray> lines = result.err.split('\n');
-    QCOMPARE(lines.size(), 2);  // one line, then the final line end
-    QVERIFY2(lines.first().startsWith(path("bad.jsonl").toUtf8() + message), result.err.constData());
+    QCOMPARE(lines.size(), 2); // one line, then the final line end
+    QVERIFY2(lines.first().startsWith(path("bad.jsonl").toUtf8() + message),
+             result.err.constData());
     // a bad sample line names the way to export the rest
-    QCOMPARE(lines.first().endsWith(" (--skip-bad-lines exports the other samples)"), !message.startsWith(":1:"));
+    QCOMPARE(lines.first().endsWith(" (--skip-bad-lines exports the other samples)"),
+             !message.startsWith(":1:"));
     QVERIFY(!QFile::exists(path("bad-001.txt")));
     // nothing else is left behind either
     QCOMPARE(QDir(dir->path()).entryList(QDir::Files, QDir::Name),
@@ -398,17 +446,21 @@ void tst_HostProgram::unwritableOutputFolder()
         // to pass over a folder's mode
         command = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
         if (command.isEmpty())
-            QSKIP("running as root, and setpriv is not there to drop root's powers over file modes");
+            QSKIP(
+                "running as root, and setpriv is not there to drop root's powers over file modes");
         const QString dropped = QStringLiteral("-dac_override,-dac_read_search");
-        arguments = QStringList{"--inh-caps=" + dropped, "--bounding-set=" + dropped, program} + arguments;
+        arguments =
+            QStringList{"--inh-caps=" + dropped, "--bounding-set=" + dropped, program} + arguments;
     }
     QProcess process;
     process.start(command, arguments);
     QVERIFY(process.waitForFinished(60000));
     QCOMPARE(process.exitCode(), 1);
     // the plug-in's message, the name of the file it could not open, and the system's reason
-    QCOMPARE(process.readAllStandardError(), (folder + QStringLiteral("/rec-001.txt: Permission denied\n")).toUtf8());
-    QFile::setPermissions(path(QStringLiteral("locked")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QCOMPARE(process.readAllStandardError(),
+             (folder + QStringLiteral("/rec-001.txt: Permission denied\n")).toUtf8());
+    QFile::setPermissions(path(QStringLiteral("locked")),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 void tst_HostProgram::sameOutputTwice()
@@ -416,10 +468,13 @@ void tst_HostProgram::sameOutputTwice()
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("a")));
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("b")));
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("out")));
-    const QString first = generated(QStringLiteral("a/rec.jsonl"), {"--samples", "2", "--seed", "1"});
-    const QString second = generated(QStringLiteral("b/rec.jsonl"), {"--samples", "2", "--seed", "2"});
-    const Result result = run(withSettings({"export", "--quiet", "--output-dir", path("out"),
-                                            "--set", "outputFileFormat=<inputfile>", first, second}));
+    const QString first =
+        generated(QStringLiteral("a/rec.jsonl"), {"--samples", "2", "--seed", "1"});
+    const QString second =
+        generated(QStringLiteral("b/rec.jsonl"), {"--samples", "2", "--seed", "2"});
+    const Result result =
+        run(withSettings({"export", "--quiet", "--output-dir", path("out"), "--set",
+                          "outputFileFormat=<inputfile>", first, second}));
     QCOMPARE(result.status, 1);
     QVERIFY2(result.err.contains("was written for"), result.err.constData());
     // the first export is kept, not overwritten by the second
@@ -432,44 +487,64 @@ void tst_HostProgram::usageErrors_data()
     QTest::addColumn<QByteArray>("message");
 
     QTest::newRow("no command") << QStringList() << QByteArray("asciiexport: no command given");
-    QTest::newRow("an unknown command") << QStringList{"transcode"} << QByteArray("asciiexport: unknown command \"transcode\"");
-    QTest::newRow("no recording") << QStringList{"export"} << QByteArray("asciiexport export: no recording given");
+    QTest::newRow("an unknown command")
+        << QStringList{"transcode"} << QByteArray("asciiexport: unknown command \"transcode\"");
+    QTest::newRow("no recording") << QStringList{"export"}
+                                  << QByteArray("asciiexport export: no recording given");
     QTest::newRow("an unknown option") << QStringList{"export", "--fast", "x.jsonl"}
-        << QByteArray("asciiexport export: Unknown option 'fast'.");
-    QTest::newRow("--output with two recordings") << QStringList{"export", "-o", "x.txt", "a.jsonl", "b.jsonl"}
-        << QByteArray("asciiexport export: --output takes one recording only; use --output-dir for several");
-    QTest::newRow("--output and --output-dir") << QStringList{"export", "-o", "x.txt", "--output-dir", ".", "a.jsonl"}
+                                       << QByteArray("asciiexport export: Unknown option 'fast'.");
+    QTest::newRow("--output with two recordings")
+        << QStringList{"export", "-o", "x.txt", "a.jsonl", "b.jsonl"}
+        << QByteArray("asciiexport export: --output takes one recording only; use --output-dir for "
+                      "several");
+    QTest::newRow("--output and --output-dir")
+        << QStringList{"export", "-o", "x.txt", "--output-dir", ".", "a.jsonl"}
         << QByteArray("asciiexport export: --output and --output-dir exclude each other");
-    QTest::newRow("--progress and --quiet") << QStringList{"export", "--progress", "--quiet", "a.jsonl"}
+    QTest::newRow("--progress and --quiet")
+        << QStringList{"export", "--progress", "--quiet", "a.jsonl"}
         << QByteArray("asciiexport export: --progress and --quiet exclude each other");
-    QTest::newRow("generate without output") << QStringList{"generate"}
-        << QByteArray("asciiexport generate: --output is required");
-    QTest::newRow("generate with a bad count") << QStringList{"generate", "--samples", "-3", "-o", "x"}
+    QTest::newRow("generate without output")
+        << QStringList{"generate"} << QByteArray("asciiexport generate: --output is required");
+    QTest::newRow("generate with a bad count")
+        << QStringList{"generate", "--samples", "-3", "-o", "x"}
         << QByteArray("asciiexport generate: --samples takes a whole number of 0 or more");
-    QTest::newRow("generate with a zero rate") << QStringList{"generate", "--rate", "0", "-o", "x"}
+    QTest::newRow("generate with a zero rate")
+        << QStringList{"generate", "--rate", "0", "-o", "x"}
         << QByteArray("asciiexport generate: --rate takes a number greater than 0");
-    QTest::newRow("generate with an unknown key") << QStringList{"generate", "--groups", "packetCounter,speed", "-o", "x"}
+    QTest::newRow("generate with an unknown key")
+        << QStringList{"generate", "--groups", "packetCounter,speed", "-o", "x"}
         << QByteArray("asciiexport generate: unknown sample key \"speed\"");
-    QTest::newRow("an empty output name") << QStringList{"export", "-o", "", "a.jsonl"}
+    QTest::newRow("an empty output name")
+        << QStringList{"export", "-o", "", "a.jsonl"}
         << QByteArray("asciiexport export: --output takes a file name, or - for standard output");
-    QTest::newRow("an empty output folder") << QStringList{"export", "--output-dir", "", "a.jsonl"}
+    QTest::newRow("an empty output folder")
+        << QStringList{"export", "--output-dir", "", "a.jsonl"}
         << QByteArray("asciiexport export: --output-dir takes a folder name");
-    QTest::newRow("standard input twice") << QStringList{"export", "-", "-"}
+    QTest::newRow("standard input twice")
+        << QStringList{"export", "-", "-"}
         << QByteArray("asciiexport export: standard input (-) can be read once only");
-    QTest::newRow("--every 0") << QStringList{"export", "--every", "0", "a.jsonl"}
-        << QByteArray("asciiexport export: --every takes a whole number of 1 or more");
-    QTest::newRow("--from after --to") << QStringList{"export", "--from", "20", "--to", "10", "a.jsonl"}
+    QTest::newRow("--every 0") << QStringList{
+        "export", "--every", "0",
+        "a.jsonl"} << QByteArray("asciiexport export: --every takes a whole number of 1 or more");
+    QTest::newRow("--from after --to")
+        << QStringList{"export", "--from", "20", "--to", "10", "a.jsonl"}
         << QByteArray("asciiexport export: --from must come before --to");
     QTest::newRow("--to in minutes") << QStringList{"export", "--to", "2m", "a.jsonl"}
-        << QByteArray("asciiexport export: --to takes a sample index (0 is the first sample) or seconds from the "
-                      "start such as 12.5s, not \"2m\"");
-    QTest::newRow("--jobs 0") << QStringList{"export", "--jobs", "0", "a.jsonl"}
-        << QByteArray("asciiexport export: --jobs takes a whole number of 1 or more");
-    QTest::newRow("--jobs with standard input") << QStringList{"export", "--jobs", "2", "a.jsonl", "-"}
-        << QByteArray("asciiexport export: --jobs cannot share standard input (-) between processes");
-    QTest::newRow("generate with an empty output name") << QStringList{"generate", "-o", ""}
+                                     << QByteArray("asciiexport export: --to takes a sample index "
+                                                   "(0 is the first sample) or seconds from the "
+                                                   "start such as 12.5s, not \"2m\"");
+    QTest::newRow("--jobs 0") << QStringList{
+        "export", "--jobs", "0",
+        "a.jsonl"} << QByteArray("asciiexport export: --jobs takes a whole number of 1 or more");
+    QTest::newRow("--jobs with standard input")
+        << QStringList{"export", "--jobs", "2", "a.jsonl", "-"}
+        << QByteArray(
+               "asciiexport export: --jobs cannot share standard input (-) between processes");
+    QTest::newRow("generate with an empty output name")
+        << QStringList{"generate", "-o", ""}
         << QByteArray("asciiexport generate: --output takes a file name, or - for standard output");
-    QTest::newRow("settings with an argument") << QStringList{"settings", "extra"}
+    QTest::newRow("settings with an argument")
+        << QStringList{"settings", "extra"}
         << QByteArray("asciiexport settings: unexpected argument \"extra\"");
 }
 
@@ -488,10 +563,14 @@ void tst_HostProgram::unknownSettingKeys_data()
 {
     QTest::addColumn<QString>("set");
     QTest::addColumn<QString>("suggestion");
-    QTest::newRow("a letter missing") << "exportAccleration=true" << "exportScrAcceleration";
-    QTest::newRow("another case") << "exportrssi=true" << "exportRssi";
-    QTest::newRow("a letter too many") << "highPrecission=true" << "highPrecision";
-    QTest::newRow("letters swapped") << "outputFileFromat=x" << "outputFileFormat";
+    QTest::newRow("a letter missing") << "exportAccleration=true"
+                                      << "exportScrAcceleration";
+    QTest::newRow("another case") << "exportrssi=true"
+                                  << "exportRssi";
+    QTest::newRow("a letter too many") << "highPrecission=true"
+                                       << "highPrecision";
+    QTest::newRow("letters swapped") << "outputFileFromat=x"
+                                     << "outputFileFormat";
 }
 
 void tst_HostProgram::unknownSettingKeys()
@@ -512,25 +591,38 @@ void tst_HostProgram::oddSettingValues_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("warning");  // empty for none
+    QTest::addColumn<QString>("warning"); // empty for none
     QTest::addColumn<QByteArray>("columnLine");
 
-    const QString noOrientation = "not one of Euler, Matrix, Quaternion and None: the plug-in writes no "
-                                  "orientation columns";
-    QTest::newRow("an orientation of another word") << "exportOrientation" << "Sideways" << noOrientation
-                                                    << QByteArray("PacketCounter\tSampleTimeFine");
-    QTest::newRow("an empty orientation") << "exportOrientation" << "" << noOrientation
-                                          << QByteArray("PacketCounter\tSampleTimeFine");
-    QTest::newRow("an orientation in odd case") << "exportOrientation" << "qUATERNION" << QString()
+    const QString noOrientation =
+        "not one of Euler, Matrix, Quaternion and None: the plug-in writes no "
+        "orientation columns";
+    QTest::newRow("an orientation of another word")
+        << "exportOrientation"
+        << "Sideways" << noOrientation << QByteArray("PacketCounter\tSampleTimeFine");
+    QTest::newRow("an empty orientation")
+        << "exportOrientation"
+        << "" << noOrientation << QByteArray("PacketCounter\tSampleTimeFine");
+    QTest::newRow("an orientation in odd case")
+        << "exportOrientation"
+        << "qUATERNION" << QString()
         << QByteArray("PacketCounter\tSampleTimeFine\tQuat_q0\tQuat_q1\tQuat_q2\tQuat_q3");
-    QTest::newRow("no orientation") << "exportOrientation" << "none" << QString()
-                                    << QByteArray("PacketCounter\tSampleTimeFine");
-    QTest::newRow("high precision read as on") << "highPrecision" << "no"
-        << "not one of true, false, 1 and 0: the plug-in reads it as true" << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw");
-    QTest::newRow("high precision read as off") << "highPrecision" << "FALSE"
-        << "not one of true, false, 1 and 0: the plug-in reads it as false" << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw");
-    QTest::newRow("high precision 0") << "highPrecision" << "0" << QString()
-                                      << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw");
+    QTest::newRow("no orientation")
+        << "exportOrientation"
+        << "none" << QString() << QByteArray("PacketCounter\tSampleTimeFine");
+    QTest::newRow("high precision read as on")
+        << "highPrecision"
+        << "no"
+        << "not one of true, false, 1 and 0: the plug-in reads it as true"
+        << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw");
+    QTest::newRow("high precision read as off")
+        << "highPrecision"
+        << "FALSE"
+        << "not one of true, false, 1 and 0: the plug-in reads it as false"
+        << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw");
+    QTest::newRow("high precision 0")
+        << "highPrecision"
+        << "0" << QString() << QByteArray("PacketCounter\tSampleTimeFine\tRoll\tPitch\tYaw");
 }
 
 // A value no options page could have stored is read as the plug-in always
@@ -545,20 +637,25 @@ void tst_HostProgram::oddSettingValues()
 
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
     const QString set = key + QLatin1Char('=') + value;
-    Result result = run(withSettings({"export", "--quiet", "-o", path("set.txt"), "--set", set, recording}));
+    Result result =
+        run(withSettings({"export", "--quiet", "-o", path("set.txt"), "--set", set, recording}));
     QCOMPARE(QString::fromUtf8(result.err),
-             warning.isEmpty() ? QString()
-                               : QStringLiteral("asciiexport export: warning: --set %1: %2\n").arg(set, warning));
+             warning.isEmpty()
+                 ? QString()
+                 : QStringLiteral("asciiexport export: warning: --set %1: %2\n").arg(set, warning));
     QCOMPARE(result.status, 0);
     const QByteArray exported = readFile(path("set.txt"));
     QCOMPARE(exported.split('\n').value(5), columnLine);
 
-    result = run(withSettings({"export", "--quiet", "--strict", "-o", path("strict.txt"), "--set", set, recording}));
+    result = run(withSettings(
+        {"export", "--quiet", "--strict", "-o", path("strict.txt"), "--set", set, recording}));
     if (warning.isEmpty()) {
         QCOMPARE(result.status, 0);
     } else {
-        QCOMPARE(QString::fromUtf8(result.err),
-                 QStringLiteral("asciiexport export: --set %1: %2\nTry 'asciiexport export --help'.\n").arg(set, warning));
+        QCOMPARE(
+            QString::fromUtf8(result.err),
+            QStringLiteral("asciiexport export: --set %1: %2\nTry 'asciiexport export --help'.\n")
+                .arg(set, warning));
         QCOMPARE(result.status, 2);
         QVERIFY(!QFile::exists(path("strict.txt")));
     }
@@ -571,20 +668,23 @@ void tst_HostProgram::oddSettingValues()
                                      .arg(path("settings.ini"), set, warning));
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("file.txt")), exported);
-    result = run(withSettings({"export", "--quiet", "--strict", "-o", path("strict.txt"), recording}));
+    result =
+        run(withSettings({"export", "--quiet", "--strict", "-o", path("strict.txt"), recording}));
     QCOMPARE(result.status, warning.isEmpty() ? 0 : 2);
 }
 
 void tst_HostProgram::outputFolderIsMade()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
-    const Result result = run(withSettings({"export", "--quiet", "--output-dir", path("new/deeper"), recording}));
+    const Result result =
+        run(withSettings({"export", "--quiet", "--output-dir", path("new/deeper"), recording}));
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QVERIFY(QFileInfo(path("new/deeper/rec-001.txt")).isFile());
 
     writeFile(path("file"), "not a folder\n");
-    const Result blocked = run(withSettings({"export", "--quiet", "--output-dir", path("file/sub"), recording}));
+    const Result blocked =
+        run(withSettings({"export", "--quiet", "--output-dir", path("file/sub"), recording}));
     QCOMPARE(QString::fromUtf8(blocked.err),
              path("file/sub") + QStringLiteral(": the folder cannot be made: Not a directory\n"));
     QCOMPARE(blocked.status, 1);
@@ -594,7 +694,8 @@ void tst_HostProgram::recordingFromStandardInput()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "50"});
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("work")));
-    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status, 0);
+    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status,
+             0);
 
     // Named "stdin" by the pattern, in the current folder.
     QProcess process;
@@ -612,7 +713,8 @@ void tst_HostProgram::recordingFromStandardInput()
     process.start(program, withSettings({"export", "--quiet", "-o", path("bad.txt"), "-"}));
     QVERIFY(process.waitForFinished(60000));
     QCOMPARE(process.exitCode(), 1);
-    QVERIFY2(process.readAllStandardError().startsWith("(standard input):2: \"packetCounter\": -1 is out of range"),
+    QVERIFY2(process.readAllStandardError().startsWith(
+                 "(standard input):2: \"packetCounter\": -1 is out of range"),
              "");
     QVERIFY(!QFile::exists(path("bad.txt")));
 }
@@ -621,7 +723,8 @@ void tst_HostProgram::recordingFromStandardInput()
 void tst_HostProgram::exportToStandardOutput()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "50"});
-    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status, 0);
+    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status,
+             0);
     const Result result = run(withSettings({"export", "--progress", "-o", "-", recording}));
     QCOMPARE(result.status, 0);
     QCOMPARE(result.out, readFile(path("expected.txt")));
@@ -629,25 +732,29 @@ void tst_HostProgram::exportToStandardOutput()
 
     const Result generatedOut = run({"generate", "--samples", "3", "-o", "-"});
     QCOMPARE(generatedOut.status, 0);
-    QCOMPARE(generatedOut.out, readFile(generated(QStringLiteral("three.jsonl"), {"--samples", "3"})));
+    QCOMPARE(generatedOut.out,
+             readFile(generated(QStringLiteral("three.jsonl"), {"--samples", "3"})));
 }
 
 // /dev/stdin, a FIFO and process substitution are recordings like files.
 void tst_HostProgram::recordingsFromPipes()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "50"});
-    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status, 0);
+    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status,
+             0);
     const QByteArray expected = readFile(path("expected.txt"));
     const QString settings = path(QStringLiteral("settings.ini"));
 
     QProcess process;
     process.setWorkingDirectory(dir->path());
-    process.start(QStringLiteral("/bin/bash"),
-                  {"-c", "cat \"$1\" | \"$0\" export --settings \"$2\" --quiet -o stdin.txt /dev/stdin "
-                         "&& \"$0\" export --settings \"$2\" --quiet -o substituted.txt <(cat \"$1\") "
-                         "&& mkfifo fifo && { cat \"$1\" > fifo & \"$0\" export --settings \"$2\" --quiet "
-                         "-o fifo.txt fifo; }",
-                   program, recording, settings});
+    process.start(
+        QStringLiteral("/bin/bash"),
+        {"-c",
+         "cat \"$1\" | \"$0\" export --settings \"$2\" --quiet -o stdin.txt /dev/stdin "
+         "&& \"$0\" export --settings \"$2\" --quiet -o substituted.txt <(cat \"$1\") "
+         "&& mkfifo fifo && { cat \"$1\" > fifo & \"$0\" export --settings \"$2\" --quiet "
+         "-o fifo.txt fifo; }",
+         program, recording, settings});
     QVERIFY(process.waitForFinished(60000));
     QCOMPARE(process.readAllStandardError(), QByteArray());
     QCOMPARE(process.exitCode(), 0);
@@ -662,40 +769,51 @@ void tst_HostProgram::groupsShorthand()
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "20"});
     QStringList longWay{"export", "--quiet", "-o", path("long.txt")};
     for (const QString &key : everyGroup)
-        longWay << "--set" << key + QStringLiteral("=") + (key == QLatin1String("exportRssi") || key == QLatin1String("exportRawGps") ? "true" : "false");
-    longWay << "--set" << "exportPacketCounter=false" << "--set" << "exportSampleTimeFine=false"
-            << "--set" << "exportOrientation=Matrix" << recording;
+        longWay << "--set"
+                << key + QStringLiteral("=")
+                + (key == QLatin1String("exportRssi") || key == QLatin1String("exportRawGps")
+                       ? "true"
+                       : "false");
+    longWay << "--set"
+            << "exportPacketCounter=false"
+            << "--set"
+            << "exportSampleTimeFine=false"
+            << "--set"
+            << "exportOrientation=Matrix" << recording;
     QCOMPARE(run(withSettings(longWay)).status, 0);
-    const Result result = run(withSettings({"export", "--quiet", "--groups", "rssi, GPS receiver message,matrix",
-                                            "-o", path("short.txt"), recording}));
+    const Result result =
+        run(withSettings({"export", "--quiet", "--groups", "rssi, GPS receiver message,matrix",
+                          "-o", path("short.txt"), recording}));
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("short.txt")), readFile(path("long.txt")));
 
     // --set goes on from what --groups made
-    const Result both = run(withSettings({"export", "--quiet", "--groups", "none", "--set", "exportRssi=true", "-o",
-                                          path("both.txt"), recording}));
+    const Result both = run(withSettings({"export", "--quiet", "--groups", "none", "--set",
+                                          "exportRssi=true", "-o", path("both.txt"), recording}));
     QCOMPARE(both.status, 0);
     QCOMPARE(readFile(path("both.txt")).split('\n').value(5), QByteArray("RSSI"));
 
     const Result unknown = run(withSettings({"export", "--groups", "speed", recording}));
     QCOMPARE(unknown.status, 2);
-    QVERIFY2(unknown.err.startsWith("asciiexport export: --groups: unknown group \"speed\"; the groups are: Packet "
-                                    "Counter, "),
+    QVERIFY2(unknown.err.startsWith(
+                 "asciiexport export: --groups: unknown group \"speed\"; the groups are: Packet "
+                 "Counter, "),
              unknown.err.constData());
 }
 
 void tst_HostProgram::partOfARecording_data()
 {
     QTest::addColumn<QStringList>("options");
-    QTest::addColumn<QList<int>>("rows");  // sample indexes of the whole export's rows
+    QTest::addColumn<QList<int>>("rows"); // sample indexes of the whole export's rows
 
     QTest::newRow("from an index") << QStringList{"--from", "95"} << QList<int>{95, 96, 97, 98, 99};
     QTest::newRow("up to an index") << QStringList{"--to", "3"} << QList<int>{0, 1, 2};
-    QTest::newRow("an index range, every second") << QStringList{"--from", "10", "--to", "17", "--every", "2"}
-                                                   << QList<int>{10, 12, 14, 16};
+    QTest::newRow("an index range, every second")
+        << QStringList{"--from", "10", "--to", "17", "--every", "2"} << QList<int>{10, 12, 14, 16};
     // generated at 50 Hz: sample i is at i / 50 s
-    QTest::newRow("seconds") << QStringList{"--from", "0.5s", "--to", "0.6s"} << QList<int>{25, 26, 27, 28, 29};
+    QTest::newRow("seconds") << QStringList{"--from", "0.5s", "--to", "0.6s"}
+                             << QList<int>{25, 26, 27, 28, 29};
     QTest::newRow("every 30th") << QStringList{"--every", "30"} << QList<int>{0, 30, 60, 90};
     QTest::newRow("past the end") << QStringList{"--from", "500"} << QList<int>{};
 }
@@ -706,16 +824,18 @@ void tst_HostProgram::partOfARecording()
     QFETCH(QStringList, options);
     QFETCH(QList<int>, rows);
 
-    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "100", "--rate", "50"});
-    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("whole.txt"), recording})).status, 0);
+    const QString recording =
+        generated(QStringLiteral("rec.jsonl"), {"--samples", "100", "--rate", "50"});
+    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("whole.txt"), recording})).status,
+             0);
     const QList<QByteArray> whole = readFile(path("whole.txt")).split('\n');
-    const int firstRow = 6;  // after the five header lines and the column line
+    const int firstRow = 6; // after the five header lines and the column line
     QByteArray expected = whole.mid(0, firstRow).join('\n') + '\n';
     for (const int row : rows)
         expected += whole.at(firstRow + row) + '\n';
 
-    const Result result = run(withSettings(QStringList{"export", "--quiet", "-o", path("part.txt")} + options
-                                           + QStringList{recording}));
+    const Result result = run(withSettings(QStringList{"export", "--quiet", "-o", path("part.txt")}
+                                           + options + QStringList{recording}));
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("part.txt")), expected);
@@ -727,8 +847,9 @@ void tst_HostProgram::writtenFilesAreNamed()
     const QString second = generated(QStringLiteral("b.jsonl"), {"--samples", "2"});
     const Result result = run(withSettings({"export", first, second}));
     QCOMPARE(result.status, 0);
-    QCOMPARE(QString::fromUtf8(result.err), first + " -> " + path("a-001.txt") + "\n" + second + " -> "
-                                                + path("b-002.txt") + "\n");
+    QCOMPARE(QString::fromUtf8(result.err),
+             first + " -> " + path("a-001.txt") + "\n" + second + " -> " + path("b-002.txt")
+                 + "\n");
     QCOMPARE(result.out, QByteArray());
     const Result quiet = run(withSettings({"export", "--quiet", first}));
     QCOMPARE(quiet.err, QByteArray());
@@ -745,19 +866,24 @@ void tst_HostProgram::parallelExportsAsOneAfterAnother()
     QVERIFY(QDir(dir->path()).mkpath(QStringLiteral("in")));
     QStringList recordings;
     for (int i = 1; i <= 7; ++i)
-        recordings << generated(QStringLiteral("in/r%1.jsonl").arg(i), {"--samples", "300", "--seed", QString::number(i)});
-    writeFile(path("in/r3.jsonl"), recordingObject + "{\"packetCounter\": 1}\n{\"packetCounter\": -1}\n");
-    writeFile(path("in/r5.jsonl"), recordingObject + "{\"packetCounter\": 1}\n{\"packetCounter\": 2, \"orient");
+        recordings << generated(QStringLiteral("in/r%1.jsonl").arg(i),
+                                {"--samples", "300", "--seed", QString::number(i)});
+    writeFile(path("in/r3.jsonl"),
+              recordingObject + "{\"packetCounter\": 1}\n{\"packetCounter\": -1}\n");
+    writeFile(path("in/r5.jsonl"),
+              recordingObject + "{\"packetCounter\": 1}\n{\"packetCounter\": 2, \"orient");
     // two recordings that name the same output file: the later one fails
     QVERIFY(QDir(dir->path()).mkpath(QStringLiteral("in/sub")));
     QVERIFY(QFile::rename(recordings.takeLast(), path("in/sub/r6.jsonl")));
     recordings << path("in/sub/r6.jsonl");
-    const QStringList common{"export", "--skip-bad-lines", "--set", "outputFileFormat=<inputfile>",
+    const QStringList common{"export",   "--skip-bad-lines",
+                             "--set",    "outputFileFormat=<inputfile>",
                              "--groups", "packet counter,rate of turn"};
 
-    const Result serial = run(withSettings(common + QStringList{"--output-dir", path("serial")} + recordings));
-    const Result parallel = run(withSettings(common + QStringList{"--jobs", "3", "--output-dir", path("parallel")}
-                                             + recordings));
+    const Result serial =
+        run(withSettings(common + QStringList{"--output-dir", path("serial")} + recordings));
+    const Result parallel = run(withSettings(
+        common + QStringList{"--jobs", "3", "--output-dir", path("parallel")} + recordings));
     QCOMPARE(parallel.status, serial.status);
     QCOMPARE(QString::fromUtf8(parallel.err).replace(path("parallel"), "OUT"),
              QString::fromUtf8(serial.err).replace(path("serial"), "OUT"));
@@ -774,11 +900,16 @@ void tst_HostProgram::pluginFaults_data()
     QTest::addColumn<QString>("plugin");
     QTest::addColumn<QString>("message");
 
-    QTest::newRow("a missing plug-in file") << "missing.so" << "no such plug-in file";
-    QTest::newRow("a file that is no plug-in") << "text.so" << "not a usable Qt plug-in";
-    QTest::newRow("a folder") << "." << "is a folder, not a plug-in file";
-    QTest::newRow("a Qt plug-in for another interface") << QStringLiteral(OTHER_QT_PLUGIN)
-        << "not an exporter plug-in (it does not provide com.korvat.Zentrel.AbstractExporterFactory/1.0)";
+    QTest::newRow("a missing plug-in file") << "missing.so"
+                                            << "no such plug-in file";
+    QTest::newRow("a file that is no plug-in") << "text.so"
+                                               << "not a usable Qt plug-in";
+    QTest::newRow("a folder") << "."
+                              << "is a folder, not a plug-in file";
+    QTest::newRow("a Qt plug-in for another interface")
+        << QStringLiteral(OTHER_QT_PLUGIN)
+        << "not an exporter plug-in (it does not provide "
+           "com.korvat.Zentrel.AbstractExporterFactory/1.0)";
 }
 
 void tst_HostProgram::pluginFaults()
@@ -813,7 +944,8 @@ void tst_HostProgram::helpForEveryCommand()
 
     const Result result = run({command, QStringLiteral("--help")});
     QCOMPARE(result.status, 0);
-    QVERIFY2(result.out.startsWith("Usage: asciiexport " + command.toUtf8() + " [options]"), result.out.constData());
+    QVERIFY2(result.out.startsWith("Usage: asciiexport " + command.toUtf8() + " [options]"),
+             result.out.constData());
     const Result overview = run({QStringLiteral("--help")});
     QCOMPARE(overview.status, 0);
     QVERIFY(overview.out.contains("  " + command.toUtf8() + " "));
@@ -825,10 +957,11 @@ void tst_HostProgram::settingsListing()
     const Result result = run(withSettings({"settings"}));
     QCOMPARE(result.status, 0);
     const QList<QByteArray> lines = result.out.trimmed().split('\n');
-    QCOMPARE(lines.size(), 43);  // 42 settings and the described spelling without a default
+    QCOMPARE(lines.size(), 43); // 42 settings and the described spelling without a default
     QVERIFY(lines.contains("exportRssi: true (default: false)  Export the RSSI"));
     QVERIFY(lines.contains("otherDelimiter: \"|\" (default: \"\")  Use this custom delimiter"));
-    QVERIFY(lines.contains("exportScrcceleration: (none) (default: (none))  Export SCR acceleration data"));
+    QVERIFY(lines.contains(
+        "exportScrcceleration: (none) (default: (none))  Export SCR acceleration data"));
     QVERIFY(lines.contains("exportScrAcceleration: false (default: false)"));
 }
 

@@ -37,18 +37,21 @@ void tst_JsonNumber::integers_data()
     QTest::addColumn<qint64>("value");
     QTest::addColumn<quint64>("unsignedValue");
     QTest::newRow("zero") << QByteArray("0") << Kind::Signed << qint64(0) << quint64(0);
-    QTest::newRow("negative zero is zero") << QByteArray("-0") << Kind::Signed << qint64(0) << quint64(0);
-    QTest::newRow("the highest signed") << QByteArray("9223372036854775807") << Kind::Signed
-                                        << std::numeric_limits<qint64>::max() << quint64(0x7FFFFFFFFFFFFFFF);
+    QTest::newRow("negative zero is zero")
+        << QByteArray("-0") << Kind::Signed << qint64(0) << quint64(0);
+    QTest::newRow("the highest signed")
+        << QByteArray("9223372036854775807") << Kind::Signed << std::numeric_limits<qint64>::max()
+        << quint64(0x7FFFFFFFFFFFFFFF);
     QTest::newRow("the lowest signed") << QByteArray("-9223372036854775808") << Kind::Signed
                                        << std::numeric_limits<qint64>::min() << quint64(0);
-    QTest::newRow("just beyond signed") << QByteArray("9223372036854775808") << Kind::Unsigned << qint64(0)
-                                        << quint64(0x8000000000000000);
-    QTest::newRow("the highest unsigned") << QByteArray("18446744073709551615") << Kind::Unsigned << qint64(0)
-                                          << std::numeric_limits<quint64>::max();
-    QTest::newRow("beyond 64 bits") << QByteArray("18446744073709551616") << Kind::Other << qint64(0) << quint64(0);
-    QTest::newRow("below the lowest signed") << QByteArray("-9223372036854775809") << Kind::Other << qint64(0)
-                                             << quint64(0);
+    QTest::newRow("just beyond signed") << QByteArray("9223372036854775808") << Kind::Unsigned
+                                        << qint64(0) << quint64(0x8000000000000000);
+    QTest::newRow("the highest unsigned") << QByteArray("18446744073709551615") << Kind::Unsigned
+                                          << qint64(0) << std::numeric_limits<quint64>::max();
+    QTest::newRow("beyond 64 bits")
+        << QByteArray("18446744073709551616") << Kind::Other << qint64(0) << quint64(0);
+    QTest::newRow("below the lowest signed")
+        << QByteArray("-9223372036854775809") << Kind::Other << qint64(0) << quint64(0);
     QTest::newRow("a decimal point") << QByteArray("1.0") << Kind::Other << qint64(0) << quint64(0);
     QTest::newRow("an exponent") << QByteArray("1e3") << Kind::Other << qint64(0) << quint64(0);
     QTest::newRow("NaN") << QByteArray("NaN") << Kind::Other << qint64(0) << quint64(0);
@@ -77,11 +80,12 @@ void tst_JsonNumber::doublesAtTheEdges_data()
     QTest::newRow("negative zero keeps its sign") << QByteArray("-0") << -0.0;
     QTest::newRow("an underflow is zero") << QByteArray("1e-400") << 0.0;
     QTest::newRow("a negative underflow is negative zero") << QByteArray("-1e-400") << -0.0;
-    QTest::newRow("an underflow in a long fraction") << QByteArray("0.000000000000000000001e-320") << 0.0;
+    QTest::newRow("an underflow in a long fraction")
+        << QByteArray("0.000000000000000000001e-320") << 0.0;
     QTest::newRow("an overflow is infinity") << QByteArray("10e308") << infinity;
     QTest::newRow("a negative overflow is -infinity") << QByteArray("-1.8e308") << -infinity;
     QTest::newRow("an overflow in a long integer part")
-            << QByteArray("1" + QByteArray(309, '0')) << infinity;
+        << QByteArray("1" + QByteArray(309, '0')) << infinity;
     QTest::newRow("Infinity") << QByteArray("Infinity") << infinity;
     QTest::newRow("Inf, which the parser also takes") << QByteArray("Inf") << infinity;
     QTest::newRow("-Infinity") << QByteArray("-Infinity") << -infinity;
@@ -102,10 +106,13 @@ void tst_JsonNumber::display_data()
     QTest::addColumn<QString>("shown");
     QTest::newRow("an integer") << QByteArray("-42") << QStringLiteral("-42");
     QTest::newRow("negative zero as an integer") << QByteArray("-0") << QStringLiteral("0");
-    QTest::newRow("beyond signed 64 bits") << QByteArray("9223372036854775808") << QStringLiteral("9223372036854775808");
-    QTest::newRow("beyond 64 bits, as a double") << QByteArray("100000000000000000000") << QStringLiteral("1e+20");
+    QTest::newRow("beyond signed 64 bits")
+        << QByteArray("9223372036854775808") << QStringLiteral("9223372036854775808");
+    QTest::newRow("beyond 64 bits, as a double")
+        << QByteArray("100000000000000000000") << QStringLiteral("1e+20");
     QTest::newRow("a whole number with a point") << QByteArray("3.0") << QStringLiteral("3.0");
-    QTest::newRow("a whole number with an exponent") << QByteArray("1e3") << QStringLiteral("1000.0");
+    QTest::newRow("a whole number with an exponent")
+        << QByteArray("1e3") << QStringLiteral("1000.0");
     QTest::newRow("a fraction") << QByteArray("1.50") << QStringLiteral("1.5");
     QTest::newRow("NaN, also with a sign") << QByteArray("-NaN") << QStringLiteral("NaN");
     QTest::newRow("-Infinity") << QByteArray("-Infinity") << QStringLiteral("-Infinity");

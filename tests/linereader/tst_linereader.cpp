@@ -13,7 +13,9 @@ class TrickleDevice : public QIODevice
 {
 public:
     TrickleDevice(const QByteArray &data, qint64 step, qint64 failAt = -1)
-        : data(data), step(step), failAt(failAt)
+        : data(data)
+        , step(step)
+        , failAt(failAt)
     {
         open(QIODevice::ReadOnly);
     }
@@ -93,10 +95,14 @@ void tst_LineReader::splitsLines_data()
     QTest::addColumn<QList<QByteArray>>("lines");
     QTest::newRow("nothing") << QByteArray() << QList<QByteArray>();
     QTest::newRow("one line feed is one empty line") << QByteArray("\n") << QList<QByteArray>{""};
-    QTest::newRow("a last line without a line feed") << QByteArray("a\nb") << QList<QByteArray>{"a", "b"};
-    QTest::newRow("empty lines in between") << QByteArray("a\n\n\nb\n") << QList<QByteArray>{"a", "", "", "b"};
-    QTest::newRow("carriage returns stay") << QByteArray("a\r\nb\r\n") << QList<QByteArray>{"a\r", "b\r"};
-    QTest::newRow("NUL bytes stay") << QByteArray("a\0b\n", 4) << QList<QByteArray>{QByteArray("a\0b", 3)};
+    QTest::newRow("a last line without a line feed")
+        << QByteArray("a\nb") << QList<QByteArray>{"a", "b"};
+    QTest::newRow("empty lines in between")
+        << QByteArray("a\n\n\nb\n") << QList<QByteArray>{"a", "", "", "b"};
+    QTest::newRow("carriage returns stay")
+        << QByteArray("a\r\nb\r\n") << QList<QByteArray>{"a\r", "b\r"};
+    QTest::newRow("NUL bytes stay")
+        << QByteArray("a\0b\n", 4) << QList<QByteArray>{QByteArray("a\0b", 3)};
 }
 
 void tst_LineReader::splitsLines()
@@ -130,7 +136,8 @@ void tst_LineReader::tooLongLineIsPassedOver_data()
 {
     QTest::addColumn<QByteArray>("tail");
     QTest::addColumn<QList<QByteArray>>("lines");
-    QTest::newRow("followed by a line") << QByteArray("\nnext\n") << QList<QByteArray>{"first", "<too long>", "next"};
+    QTest::newRow("followed by a line")
+        << QByteArray("\nnext\n") << QList<QByteArray>{"first", "<too long>", "next"};
     QTest::newRow("at the end") << QByteArray() << QList<QByteArray>{"first", "<too long>"};
 }
 

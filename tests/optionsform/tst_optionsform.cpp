@@ -47,7 +47,8 @@ QStringList namesOf(const QList<QObject *> &objects)
 {
     QStringList names;
     for (const QObject *object : objects) {
-        if (!object->objectName().isEmpty() && !object->objectName().startsWith(QLatin1String("qt_")))
+        if (!object->objectName().isEmpty()
+            && !object->objectName().startsWith(QLatin1String("qt_")))
             names.append(object->objectName());
     }
     return names;
@@ -87,7 +88,7 @@ private slots:
     void tabFollowsTheScreen();
 
 private:
-    template<typename T>
+    template <typename T>
     T *find(const char *name) const
     {
         return page->findChild<T *>(QString::fromLatin1(name));
@@ -136,25 +137,64 @@ void tst_OptionsForm::widgetsAreCreatedInTreeOrder()
     for (QWidget *widget : found)
         widgets.append(widget);
     const QStringList expected = {
-        "fileNameGroup", "outputFileNameLabel", "outputFileFormat", "extensionLabel",
-        "exampleLabel", "label", "outputFileExtension",
-        "delimiterOptionsGroup", "useOtherDelimiter", "useTabDelimiter", "useSpaceDelimiter",
-        "useSemiColonDelimiter", "useCommaDelimiter", "otherDelimiter",
-        "emptyFieldOptionsGroup", "otherPlaceholder", "insertNan", "insertNothing", "insertZero",
+        "fileNameGroup",
+        "outputFileNameLabel",
+        "outputFileFormat",
+        "extensionLabel",
+        "exampleLabel",
+        "label",
+        "outputFileExtension",
+        "delimiterOptionsGroup",
+        "useOtherDelimiter",
+        "useTabDelimiter",
+        "useSpaceDelimiter",
+        "useSemiColonDelimiter",
+        "useCommaDelimiter",
+        "otherDelimiter",
+        "emptyFieldOptionsGroup",
+        "otherPlaceholder",
+        "insertNan",
+        "insertNothing",
+        "insertZero",
         "insertOtherPlaceholder",
         "exportedDataGroup",
-        "OrientationGroup", "exportOrientation",
-        "positionAndVelocityGroup", "exportPosition", "exportVelocity",
-        "timestampGroup", "exportPacketCounter", "exportSampleTimeFine", "exportDateTime", "exportUtc",
-        "GNSSGroup", "exportRawGnss", "exportRawGps",
-        "statusGroup", "exportStatusFlags", "exportClipFlags", "exportRssi",
-        "sensorComponentReadoutGroup", "exportScrAcceleration", "exportScrGyroscopeData",
-        "exportScrMagneticField", "exportScrTemperature", "exportScrGyroTemperature",
-        "inertialDataGroup", "exportOrientationIncrement", "exportVelocityIncrement",
-        "exportCalibratedAngularVelocity", "exportCalibratedAcceleration", "exportFreeAcceleration",
-        "miscellaneousSensorsGroup", "exportMagneticField", "exportTemperature",
-        "exportGyroTemperature", "exportPressure",
-        "triggersGroup", "exportTriggerIn1", "exportTriggerIn2",
+        "OrientationGroup",
+        "exportOrientation",
+        "positionAndVelocityGroup",
+        "exportPosition",
+        "exportVelocity",
+        "timestampGroup",
+        "exportPacketCounter",
+        "exportSampleTimeFine",
+        "exportDateTime",
+        "exportUtc",
+        "GNSSGroup",
+        "exportRawGnss",
+        "exportRawGps",
+        "statusGroup",
+        "exportStatusFlags",
+        "exportClipFlags",
+        "exportRssi",
+        "sensorComponentReadoutGroup",
+        "exportScrAcceleration",
+        "exportScrGyroscopeData",
+        "exportScrMagneticField",
+        "exportScrTemperature",
+        "exportScrGyroTemperature",
+        "inertialDataGroup",
+        "exportOrientationIncrement",
+        "exportVelocityIncrement",
+        "exportCalibratedAngularVelocity",
+        "exportCalibratedAcceleration",
+        "exportFreeAcceleration",
+        "miscellaneousSensorsGroup",
+        "exportMagneticField",
+        "exportTemperature",
+        "exportGyroTemperature",
+        "exportPressure",
+        "triggersGroup",
+        "exportTriggerIn1",
+        "exportTriggerIn2",
     };
     QCOMPARE(namesOf(widgets), expected);
 }
@@ -166,10 +206,10 @@ void tst_OptionsForm::layoutsAreCreatedInTreeOrder()
     for (QLayout *layout : found)
         layouts.append(layout);
     const QStringList expected = {
-        "verticalLayout", "verticalLayout_2", "gridLayout_2", "gridLayout_3", "gridLayout_4",
-        "horizontalLayout_3", "horizontalLayout_2", "gridLayout",
-        "verticalLayout_11", "verticalLayout_8", "verticalLayout_9", "verticalLayout_12",
-        "verticalLayout_7", "verticalLayout_13", "verticalLayout_6", "verticalLayout_10",
+        "verticalLayout",    "verticalLayout_2",   "gridLayout_2",       "gridLayout_3",
+        "gridLayout_4",      "horizontalLayout_3", "horizontalLayout_2", "gridLayout",
+        "verticalLayout_11", "verticalLayout_8",   "verticalLayout_9",   "verticalLayout_12",
+        "verticalLayout_7",  "verticalLayout_13",  "verticalLayout_6",   "verticalLayout_10",
         "verticalLayout_3",
     };
     QCOMPARE(namesOf(layouts), expected);
@@ -226,8 +266,9 @@ void tst_OptionsForm::layouts()
     QCOMPARE(QString::fromLatin1(layout->metaObject()->className()), className);
 
     if (!ownerWidget.isEmpty()) {
-        QWidget *owner = page->objectName() == ownerWidget ? page.get()
-                                                           : page->findChild<QWidget *>(ownerWidget);
+        QWidget *owner = page->objectName() == ownerWidget
+            ? page.get()
+            : page->findChild<QWidget *>(ownerWidget);
         QVERIFY(owner);
         QCOMPARE(owner->layout(), layout);
         QCOMPARE(layout->parent(), owner);
@@ -345,8 +386,9 @@ void tst_OptionsForm::checkStatesAfterSetup()
 {
     const QStringList checked = {"useTabDelimiter", "insertNothing", "exportPacketCounter"};
     const QStringList exclusive = {
-        "useOtherDelimiter", "useTabDelimiter", "useSpaceDelimiter", "useSemiColonDelimiter",
-        "useCommaDelimiter", "insertNan", "insertNothing", "insertZero", "insertOtherPlaceholder",
+        "useOtherDelimiter",     "useTabDelimiter",   "useSpaceDelimiter",
+        "useSemiColonDelimiter", "useCommaDelimiter", "insertNan",
+        "insertNothing",         "insertZero",        "insertOtherPlaceholder",
     };
     const QList<QCheckBox *> boxes = page->findChildren<QCheckBox *>();
     QCOMPARE(boxes.size(), 36);
@@ -354,7 +396,8 @@ void tst_OptionsForm::checkStatesAfterSetup()
         const QString name = box->objectName();
         QVERIFY2(box->isChecked() == checked.contains(name), qPrintable(name));
         QVERIFY2(box->autoExclusive() == exclusive.contains(name), qPrintable(name));
-        QVERIFY2(box->isEnabled() == (name != QLatin1String("exportPacketCounter")), qPrintable(name));
+        QVERIFY2(box->isEnabled() == (name != QLatin1String("exportPacketCounter")),
+                 qPrintable(name));
     }
     QVERIFY(find<QLineEdit>("otherDelimiter")->isEnabled());
     QVERIFY(find<QLineEdit>("otherPlaceholder")->isEnabled());
@@ -377,12 +420,13 @@ void tst_OptionsForm::helpTextDocument()
     const QString help = edit->toolTip();
     QCOMPARE(edit->whatsThis(), help);
 
-    QVERIFY(help.startsWith(QLatin1String(
-        "<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0//EN\" \"http://www.w3.org/TR/REC-html40/strict.dtd\">")));
+    QVERIFY(help.startsWith(QLatin1String("<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0//EN\" "
+                                          "\"http://www.w3.org/TR/REC-html40/strict.dtd\">")));
     QVERIFY(help.contains(QLatin1String("<meta name=\"qrichtext\" content=\"1\" />")));
     QVERIFY(help.contains(QLatin1String("p, li { white-space: pre-wrap; }")));
-    QVERIFY(help.contains(QLatin1String(
-        "<body style=\" font-family:'MS Shell Dlg 2'; font-size:8.25pt; font-weight:400; font-style:normal;\">")));
+    QVERIFY(
+        help.contains(QLatin1String("<body style=\" font-family:'MS Shell Dlg 2'; "
+                                    "font-size:8.25pt; font-weight:400; font-style:normal;\">")));
     QVERIFY(Qt::mightBeRichText(help));
 
     QTextDocument document;
@@ -437,24 +481,63 @@ void tst_OptionsForm::retranslateOrderAndContext()
     }
     const QStringList expected = {
         "Ascii Exporter Options",
-        "File Name", "Output Filename:", "(help)", "(help)", "<inputfile>-<seqnr>", ".",
-        "myfile-003.txt", "Example:",
-        "Delimiter Options", "&Other", "&Tab", "&Space", "Se&micolon", "&Comma",
-        "Empty Field Options", "Use this custom placeholder for empty fields",
-        "NaN", "Empty", "0", "Other",
+        "File Name",
+        "Output Filename:",
+        "(help)",
+        "(help)",
+        "<inputfile>-<seqnr>",
+        ".",
+        "myfile-003.txt",
+        "Example:",
+        "Delimiter Options",
+        "&Other",
+        "&Tab",
+        "&Space",
+        "Se&micolon",
+        "&Comma",
+        "Empty Field Options",
+        "Use this custom placeholder for empty fields",
+        "NaN",
+        "Empty",
+        "0",
+        "Other",
         "Exported Data",
         "Orientation",
-        "Position and Velocity", "Position", "Velocity",
-        "Timestamp", "Packet Counter", "Sample Time Fine", "Date and time", "UTC Time",
-        "GNSS", "GNSS Receiver Message", "GPS Receiver Message",
-        "Status", "Status Word", "Clipping Flags", "RSSI",
-        "Sensor Component Readout", "SCR Acceleration", "SCR Gyroscope Data",
-        "SCR Magnetic Field", "SCR Temperature", "SCR Gyro Temperatures",
-        "Inertial Data", "Orientation Increment", "Velocity Increment", "Rate Of Turn",
-        "Acceleration", "Free Acceleration",
-        "Miscellaneous Sensors", "Magnetic Field", "Temperature", "Gyro Temperatures",
+        "Position and Velocity",
+        "Position",
+        "Velocity",
+        "Timestamp",
+        "Packet Counter",
+        "Sample Time Fine",
+        "Date and time",
+        "UTC Time",
+        "GNSS",
+        "GNSS Receiver Message",
+        "GPS Receiver Message",
+        "Status",
+        "Status Word",
+        "Clipping Flags",
+        "RSSI",
+        "Sensor Component Readout",
+        "SCR Acceleration",
+        "SCR Gyroscope Data",
+        "SCR Magnetic Field",
+        "SCR Temperature",
+        "SCR Gyro Temperatures",
+        "Inertial Data",
+        "Orientation Increment",
+        "Velocity Increment",
+        "Rate Of Turn",
+        "Acceleration",
+        "Free Acceleration",
+        "Miscellaneous Sensors",
+        "Magnetic Field",
+        "Temperature",
+        "Gyro Temperatures",
         "Barometric Pressure",
-        "Triggers", "Trigger In 1", "Trigger In 2",
+        "Triggers",
+        "Trigger In 1",
+        "Trigger In 2",
     };
     QCOMPARE(texts, expected);
 }
@@ -475,14 +558,16 @@ void tst_OptionsForm::exclusivityPerGroupBox_data()
         << "useSpaceDelimiter" << QStringList{"useSpaceDelimiter"} << nothing;
     QTest::newRow("other replaces tab, empty field untouched")
         << "useOtherDelimiter" << QStringList{"useOtherDelimiter"} << nothing;
-    QTest::newRow("clicking the checked tab keeps it checked") << "useTabDelimiter" << tab << nothing;
+    QTest::newRow("clicking the checked tab keeps it checked")
+        << "useTabDelimiter" << tab << nothing;
     QTest::newRow("NaN replaces empty, delimiter untouched")
         << "insertNan" << tab << QStringList{"insertNan"};
     QTest::newRow("zero replaces empty, delimiter untouched")
         << "insertZero" << tab << QStringList{"insertZero"};
     QTest::newRow("other replaces empty, delimiter untouched")
         << "insertOtherPlaceholder" << tab << QStringList{"insertOtherPlaceholder"};
-    QTest::newRow("clicking the checked empty keeps it checked") << "insertNothing" << tab << nothing;
+    QTest::newRow("clicking the checked empty keeps it checked")
+        << "insertNothing" << tab << nothing;
 }
 
 void tst_OptionsForm::exclusivityPerGroupBox()
@@ -527,10 +612,10 @@ void tst_OptionsForm::lineEditLengthLimits_data()
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("kept");
 
-    QTest::newRow("the custom delimiter takes one character")
-        << "otherDelimiter" << 1 << "|;," << "|";
-    QTest::newRow("the extension takes five characters")
-        << "outputFileExtension" << 5 << "csvdata" << "csvda";
+    QTest::newRow("the custom delimiter takes one character") << "otherDelimiter" << 1 << "|;,"
+                                                              << "|";
+    QTest::newRow("the extension takes five characters") << "outputFileExtension" << 5 << "csvdata"
+                                                         << "csvda";
 }
 
 void tst_OptionsForm::lineEditLengthLimits()
@@ -579,20 +664,51 @@ void tst_OptionsForm::tabFollowsTheScreen_data()
     // texts left to right, then the data boxes row by row, each from top to
     // bottom.
     const QStringList screen = {
-        "outputFileFormat", "outputFileExtension", "useTabDelimiter", "useSemiColonDelimiter",
-        "useCommaDelimiter", "useSpaceDelimiter", "useOtherDelimiter", "otherDelimiter",
-        "insertNan", "insertNothing", "insertZero", "insertOtherPlaceholder", "otherPlaceholder",
-        "exportOrientation", "exportPosition", "exportVelocity", "exportRawGnss", "exportRawGps",
-        "exportOrientationIncrement", "exportVelocityIncrement", "exportCalibratedAngularVelocity",
-        "exportCalibratedAcceleration", "exportFreeAcceleration", "exportMagneticField",
-        "exportTemperature", "exportGyroTemperature", "exportPressure", "exportScrAcceleration",
-        "exportScrGyroscopeData", "exportScrMagneticField", "exportScrTemperature",
-        "exportScrGyroTemperature", "exportPacketCounter", "exportSampleTimeFine",
-        "exportDateTime", "exportUtc", "exportStatusFlags", "exportClipFlags", "exportRssi",
-        "exportTriggerIn1", "exportTriggerIn2",
+        "outputFileFormat",
+        "outputFileExtension",
+        "useTabDelimiter",
+        "useSemiColonDelimiter",
+        "useCommaDelimiter",
+        "useSpaceDelimiter",
+        "useOtherDelimiter",
+        "otherDelimiter",
+        "insertNan",
+        "insertNothing",
+        "insertZero",
+        "insertOtherPlaceholder",
+        "otherPlaceholder",
+        "exportOrientation",
+        "exportPosition",
+        "exportVelocity",
+        "exportRawGnss",
+        "exportRawGps",
+        "exportOrientationIncrement",
+        "exportVelocityIncrement",
+        "exportCalibratedAngularVelocity",
+        "exportCalibratedAcceleration",
+        "exportFreeAcceleration",
+        "exportMagneticField",
+        "exportTemperature",
+        "exportGyroTemperature",
+        "exportPressure",
+        "exportScrAcceleration",
+        "exportScrGyroscopeData",
+        "exportScrMagneticField",
+        "exportScrTemperature",
+        "exportScrGyroTemperature",
+        "exportPacketCounter",
+        "exportSampleTimeFine",
+        "exportDateTime",
+        "exportUtc",
+        "exportStatusFlags",
+        "exportClipFlags",
+        "exportRssi",
+        "exportTriggerIn1",
+        "exportTriggerIn2",
     };
     for (int i = 0; i + 1 < screen.size(); ++i) {
-        QTest::addRow("Tab from %s goes to %s", qPrintable(screen.at(i)), qPrintable(screen.at(i + 1)))
+        QTest::addRow("Tab from %s goes to %s", qPrintable(screen.at(i)),
+                      qPrintable(screen.at(i + 1)))
             << screen.at(i) << screen.at(i + 1);
     }
 }

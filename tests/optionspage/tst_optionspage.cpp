@@ -51,91 +51,179 @@ struct WidgetRow
 };
 
 constexpr WidgetRow widgetTable[] = {
-    {"fileNameGroup", "QGroupBox", "AsciiExporterOptionsPage", "verticalLayout", InBox, 0, 1, "File Name", 467, 74, Unlimited, Policy::Wide, 0, Plain},
-    {"outputFileNameLabel", "QLabel", "fileNameGroup", "gridLayout_2", 0, 0, 1, "Output Filename:", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"outputFileFormat", "QLineEdit", "fileNameGroup", "gridLayout_2", 0, 1, 1, "<inputfile>-<seqnr>", 0, 0, Unlimited, Policy::Wide, NoLimit, Plain},
-    {"extensionLabel", "QLabel", "fileNameGroup", "gridLayout_2", 0, 2, 1, ".", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exampleLabel", "QLabel", "fileNameGroup", "gridLayout_2", 1, 1, 4, "myfile-003.txt", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"label", "QLabel", "fileNameGroup", "gridLayout_2", 1, 0, 1, "Example:", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"outputFileExtension", "QLineEdit", "fileNameGroup", "gridLayout_2", 0, 3, 1, "txt", 0, 0, Unlimited, Policy::Wide, 5, Plain},
+    {"fileNameGroup", "QGroupBox", "AsciiExporterOptionsPage", "verticalLayout", InBox, 0, 1,
+     "File Name", 467, 74, Unlimited, Policy::Wide, 0, Plain},
+    {"outputFileNameLabel", "QLabel", "fileNameGroup", "gridLayout_2", 0, 0, 1,
+     "Output Filename:", 0, 0, Unlimited, Policy::Grow, 0, Plain},
+    {"outputFileFormat", "QLineEdit", "fileNameGroup", "gridLayout_2", 0, 1, 1,
+     "<inputfile>-<seqnr>", 0, 0, Unlimited, Policy::Wide, NoLimit, Plain},
+    {"extensionLabel", "QLabel", "fileNameGroup", "gridLayout_2", 0, 2, 1, ".", 0, 0, Unlimited,
+     Policy::Default, 0, Plain},
+    {"exampleLabel", "QLabel", "fileNameGroup", "gridLayout_2", 1, 1, 4, "myfile-003.txt", 0, 0,
+     Unlimited, Policy::Grow, 0, Plain},
+    {"label", "QLabel", "fileNameGroup", "gridLayout_2", 1, 0, 1, "Example:", 0, 0, Unlimited,
+     Policy::Grow, 0, Plain},
+    {"outputFileExtension", "QLineEdit", "fileNameGroup", "gridLayout_2", 0, 3, 1, "txt", 0, 0,
+     Unlimited, Policy::Wide, 5, Plain},
 
-    {"delimiterOptionsGroup", "QGroupBox", "AsciiExporterOptionsPage", "verticalLayout", InBox, 1, 1, "Delimiter Options", 467, 0, Unlimited, Policy::Wide, 0, Plain},
-    {"useOtherDelimiter", "QCheckBox", "delimiterOptionsGroup", "gridLayout_3", 0, 4, 1, "&Other", 51, 0, Unlimited, Policy::Grow, 0, Exclusive},
-    {"useTabDelimiter", "QCheckBox", "delimiterOptionsGroup", "gridLayout_3", 0, 0, 1, "&Tab", 40, 0, Unlimited, Policy::Grow, 0, Checked | Exclusive},
-    {"useSpaceDelimiter", "QCheckBox", "delimiterOptionsGroup", "gridLayout_3", 0, 3, 1, "&Space", 52, 0, Unlimited, Policy::Grow, 0, Exclusive},
-    {"useSemiColonDelimiter", "QCheckBox", "delimiterOptionsGroup", "gridLayout_3", 0, 1, 1, "Se&micolon", 70, 0, Unlimited, Policy::Grow, 0, Exclusive},
-    {"useCommaDelimiter", "QCheckBox", "delimiterOptionsGroup", "gridLayout_3", 0, 2, 1, "&Comma", 58, 0, Unlimited, Policy::Grow, 0, Exclusive},
-    {"otherDelimiter", "QLineEdit", "delimiterOptionsGroup", "gridLayout_3", 0, 5, 1, "", 30, 0, 30, Policy::Fixed, 1, Disabled},
+    {"delimiterOptionsGroup", "QGroupBox", "AsciiExporterOptionsPage", "verticalLayout", InBox, 1,
+     1, "Delimiter Options", 467, 0, Unlimited, Policy::Wide, 0, Plain},
+    {"useOtherDelimiter", "QCheckBox", "delimiterOptionsGroup", "gridLayout_3", 0, 4, 1, "&Other",
+     51, 0, Unlimited, Policy::Grow, 0, Exclusive},
+    {"useTabDelimiter", "QCheckBox", "delimiterOptionsGroup", "gridLayout_3", 0, 0, 1, "&Tab", 40,
+     0, Unlimited, Policy::Grow, 0, Checked | Exclusive},
+    {"useSpaceDelimiter", "QCheckBox", "delimiterOptionsGroup", "gridLayout_3", 0, 3, 1, "&Space",
+     52, 0, Unlimited, Policy::Grow, 0, Exclusive},
+    {"useSemiColonDelimiter", "QCheckBox", "delimiterOptionsGroup", "gridLayout_3", 0, 1, 1,
+     "Se&micolon", 70, 0, Unlimited, Policy::Grow, 0, Exclusive},
+    {"useCommaDelimiter", "QCheckBox", "delimiterOptionsGroup", "gridLayout_3", 0, 2, 1, "&Comma",
+     58, 0, Unlimited, Policy::Grow, 0, Exclusive},
+    {"otherDelimiter", "QLineEdit", "delimiterOptionsGroup", "gridLayout_3", 0, 5, 1, "", 30, 0, 30,
+     Policy::Fixed, 1, Disabled},
 
-    {"emptyFieldOptionsGroup", "QGroupBox", "AsciiExporterOptionsPage", "verticalLayout", InBox, 2, 1, "Empty Field Options", 467, 0, Unlimited, Policy::Wide, 0, Plain},
-    {"otherPlaceholder", "QLineEdit", "emptyFieldOptionsGroup", "horizontalLayout_3", InBox, 0, 1, "", 225, 0, Unlimited, Policy::Wide, NoLimit, Disabled},
-    {"insertNan", "QCheckBox", "emptyFieldOptionsGroup", "horizontalLayout_2", InBox, 0, 1, "NaN", 43, 0, Unlimited, Policy::Tall, 0, Exclusive},
-    {"insertNothing", "QCheckBox", "emptyFieldOptionsGroup", "horizontalLayout_2", InBox, 1, 1, "Empty", 53, 0, Unlimited, Policy::Tall, 0, Checked | Exclusive},
-    {"insertZero", "QCheckBox", "emptyFieldOptionsGroup", "horizontalLayout_2", InBox, 2, 1, "0", 29, 0, Unlimited, Policy::Fixed, 0, Exclusive},
-    {"insertOtherPlaceholder", "QCheckBox", "emptyFieldOptionsGroup", "horizontalLayout_2", InBox, 3, 1, "Other", 51, 0, Unlimited, Policy::Tall, 0, Exclusive},
+    {"emptyFieldOptionsGroup", "QGroupBox", "AsciiExporterOptionsPage", "verticalLayout", InBox, 2,
+     1, "Empty Field Options", 467, 0, Unlimited, Policy::Wide, 0, Plain},
+    {"otherPlaceholder", "QLineEdit", "emptyFieldOptionsGroup", "horizontalLayout_3", InBox, 0, 1,
+     "", 225, 0, Unlimited, Policy::Wide, NoLimit, Disabled},
+    {"insertNan", "QCheckBox", "emptyFieldOptionsGroup", "horizontalLayout_2", InBox, 0, 1, "NaN",
+     43, 0, Unlimited, Policy::Tall, 0, Exclusive},
+    {"insertNothing", "QCheckBox", "emptyFieldOptionsGroup", "horizontalLayout_2", InBox, 1, 1,
+     "Empty", 53, 0, Unlimited, Policy::Tall, 0, Checked | Exclusive},
+    {"insertZero", "QCheckBox", "emptyFieldOptionsGroup", "horizontalLayout_2", InBox, 2, 1, "0",
+     29, 0, Unlimited, Policy::Fixed, 0, Exclusive},
+    {"insertOtherPlaceholder", "QCheckBox", "emptyFieldOptionsGroup", "horizontalLayout_2", InBox,
+     3, 1, "Other", 51, 0, Unlimited, Policy::Tall, 0, Exclusive},
 
-    {"exportedDataGroup", "QGroupBox", "AsciiExporterOptionsPage", "verticalLayout", InBox, 3, 1, "Exported Data", 0, 0, Unlimited, Policy::Grow, 0, Plain},
+    {"exportedDataGroup", "QGroupBox", "AsciiExporterOptionsPage", "verticalLayout", InBox, 3, 1,
+     "Exported Data", 0, 0, Unlimited, Policy::Grow, 0, Plain},
 
-    {"OrientationGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 0, 0, 1, "Orientation", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"exportOrientation", "QComboBox", "OrientationGroup", "verticalLayout_11", InBox, 0, 1, "Euler Angles", 0, 0, Unlimited, Policy::Wide, 0, Plain},
+    {"OrientationGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 0, 0, 1, "Orientation", 0,
+     0, Unlimited, Policy::Grow, 0, Plain},
+    {"exportOrientation", "QComboBox", "OrientationGroup", "verticalLayout_11", InBox, 0, 1,
+     "Euler Angles", 0, 0, Unlimited, Policy::Wide, 0, Plain},
 
-    {"positionAndVelocityGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 0, 3, 1, "Position and Velocity", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"exportPosition", "QCheckBox", "positionAndVelocityGroup", "verticalLayout_8", InBox, 0, 1, "Position", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportVelocity", "QCheckBox", "positionAndVelocityGroup", "verticalLayout_8", InBox, 1, 1, "Velocity", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"positionAndVelocityGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 0, 3, 1,
+     "Position and Velocity", 0, 0, Unlimited, Policy::Grow, 0, Plain},
+    {"exportPosition", "QCheckBox", "positionAndVelocityGroup", "verticalLayout_8", InBox, 0, 1,
+     "Position", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportVelocity", "QCheckBox", "positionAndVelocityGroup", "verticalLayout_8", InBox, 1, 1,
+     "Velocity", 0, 0, Unlimited, Policy::Default, 0, Plain},
 
-    {"timestampGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 4, 0, 1, "Timestamp", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"exportPacketCounter", "QCheckBox", "timestampGroup", "verticalLayout_9", InBox, 0, 1, "Packet Counter", 0, 0, Unlimited, Policy::Default, 0, Checked | Disabled},
-    {"exportSampleTimeFine", "QCheckBox", "timestampGroup", "verticalLayout_9", InBox, 1, 1, "Sample Time Fine", 0, 0, Unlimited, Policy::Default, 0, Checked},
-    {"exportDateTime", "QCheckBox", "timestampGroup", "verticalLayout_9", InBox, 2, 1, "Date and time", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportUtc", "QCheckBox", "timestampGroup", "verticalLayout_9", InBox, 3, 1, "UTC Time", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"timestampGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 4, 0, 1, "Timestamp", 0, 0,
+     Unlimited, Policy::Grow, 0, Plain},
+    {"exportPacketCounter", "QCheckBox", "timestampGroup", "verticalLayout_9", InBox, 0, 1,
+     "Packet Counter", 0, 0, Unlimited, Policy::Default, 0, Checked | Disabled},
+    {"exportSampleTimeFine", "QCheckBox", "timestampGroup", "verticalLayout_9", InBox, 1, 1,
+     "Sample Time Fine", 0, 0, Unlimited, Policy::Default, 0, Checked},
+    {"exportDateTime", "QCheckBox", "timestampGroup", "verticalLayout_9", InBox, 2, 1,
+     "Date and time", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportUtc", "QCheckBox", "timestampGroup", "verticalLayout_9", InBox, 3, 1, "UTC Time", 0, 0,
+     Unlimited, Policy::Default, 0, Plain},
 
-    {"GNSSGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 0, 6, 1, "GNSS", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"exportRawGnss", "QCheckBox", "GNSSGroup", "verticalLayout_12", InBox, 0, 1, "GNSS Receiver Message", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportRawGps", "QCheckBox", "GNSSGroup", "verticalLayout_12", InBox, 1, 1, "GPS Receiver Message", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"GNSSGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 0, 6, 1, "GNSS", 0, 0, Unlimited,
+     Policy::Grow, 0, Plain},
+    {"exportRawGnss", "QCheckBox", "GNSSGroup", "verticalLayout_12", InBox, 0, 1,
+     "GNSS Receiver Message", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportRawGps", "QCheckBox", "GNSSGroup", "verticalLayout_12", InBox, 1, 1,
+     "GPS Receiver Message", 0, 0, Unlimited, Policy::Default, 0, Plain},
 
-    {"statusGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 4, 3, 1, "Status", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"exportStatusFlags", "QCheckBox", "statusGroup", "verticalLayout_7", InBox, 0, 1, "Status Word", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportClipFlags", "QCheckBox", "statusGroup", "verticalLayout_7", InBox, 1, 1, "Clipping Flags", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportRssi", "QCheckBox", "statusGroup", "verticalLayout_7", InBox, 2, 1, "RSSI", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"statusGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 4, 3, 1, "Status", 0, 0,
+     Unlimited, Policy::Grow, 0, Plain},
+    {"exportStatusFlags", "QCheckBox", "statusGroup", "verticalLayout_7", InBox, 0, 1,
+     "Status Word", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportClipFlags", "QCheckBox", "statusGroup", "verticalLayout_7", InBox, 1, 1,
+     "Clipping Flags", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportRssi", "QCheckBox", "statusGroup", "verticalLayout_7", InBox, 2, 1, "RSSI", 0, 0,
+     Unlimited, Policy::Default, 0, Plain},
 
-    {"sensorComponentReadoutGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 1, 6, 1, "Sensor Component Readout", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"exportScrAcceleration", "QCheckBox", "sensorComponentReadoutGroup", "verticalLayout_13", InBox, 0, 1, "SCR Acceleration", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportScrGyroscopeData", "QCheckBox", "sensorComponentReadoutGroup", "verticalLayout_13", InBox, 1, 1, "SCR Gyroscope Data", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportScrMagneticField", "QCheckBox", "sensorComponentReadoutGroup", "verticalLayout_13", InBox, 2, 1, "SCR Magnetic Field", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportScrTemperature", "QCheckBox", "sensorComponentReadoutGroup", "verticalLayout_13", InBox, 3, 1, "SCR Temperature", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportScrGyroTemperature", "QCheckBox", "sensorComponentReadoutGroup", "verticalLayout_13", InBox, 4, 1, "SCR Gyro Temperatures", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"sensorComponentReadoutGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 1, 6, 1,
+     "Sensor Component Readout", 0, 0, Unlimited, Policy::Grow, 0, Plain},
+    {"exportScrAcceleration", "QCheckBox", "sensorComponentReadoutGroup", "verticalLayout_13",
+     InBox, 0, 1, "SCR Acceleration", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportScrGyroscopeData", "QCheckBox", "sensorComponentReadoutGroup", "verticalLayout_13",
+     InBox, 1, 1, "SCR Gyroscope Data", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportScrMagneticField", "QCheckBox", "sensorComponentReadoutGroup", "verticalLayout_13",
+     InBox, 2, 1, "SCR Magnetic Field", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportScrTemperature", "QCheckBox", "sensorComponentReadoutGroup", "verticalLayout_13", InBox,
+     3, 1, "SCR Temperature", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportScrGyroTemperature", "QCheckBox", "sensorComponentReadoutGroup", "verticalLayout_13",
+     InBox, 4, 1, "SCR Gyro Temperatures", 0, 0, Unlimited, Policy::Default, 0, Plain},
 
-    {"inertialDataGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 1, 0, 1, "Inertial Data", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"exportOrientationIncrement", "QCheckBox", "inertialDataGroup", "verticalLayout_6", InBox, 0, 1, "Orientation Increment", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportVelocityIncrement", "QCheckBox", "inertialDataGroup", "verticalLayout_6", InBox, 1, 1, "Velocity Increment", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportCalibratedAngularVelocity", "QCheckBox", "inertialDataGroup", "verticalLayout_6", InBox, 2, 1, "Rate Of Turn", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportCalibratedAcceleration", "QCheckBox", "inertialDataGroup", "verticalLayout_6", InBox, 3, 1, "Acceleration", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportFreeAcceleration", "QCheckBox", "inertialDataGroup", "verticalLayout_6", InBox, 4, 1, "Free Acceleration", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"inertialDataGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 1, 0, 1, "Inertial Data",
+     0, 0, Unlimited, Policy::Grow, 0, Plain},
+    {"exportOrientationIncrement", "QCheckBox", "inertialDataGroup", "verticalLayout_6", InBox, 0,
+     1, "Orientation Increment", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportVelocityIncrement", "QCheckBox", "inertialDataGroup", "verticalLayout_6", InBox, 1, 1,
+     "Velocity Increment", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportCalibratedAngularVelocity", "QCheckBox", "inertialDataGroup", "verticalLayout_6", InBox,
+     2, 1, "Rate Of Turn", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportCalibratedAcceleration", "QCheckBox", "inertialDataGroup", "verticalLayout_6", InBox, 3,
+     1, "Acceleration", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportFreeAcceleration", "QCheckBox", "inertialDataGroup", "verticalLayout_6", InBox, 4, 1,
+     "Free Acceleration", 0, 0, Unlimited, Policy::Default, 0, Plain},
 
-    {"miscellaneousSensorsGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 1, 3, 1, "Miscellaneous Sensors", 0, 0, Unlimited, Policy::Grow, 0, Plain},
-    {"exportMagneticField", "QCheckBox", "miscellaneousSensorsGroup", "verticalLayout_10", InBox, 0, 1, "Magnetic Field", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportTemperature", "QCheckBox", "miscellaneousSensorsGroup", "verticalLayout_10", InBox, 1, 1, "Temperature", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportGyroTemperature", "QCheckBox", "miscellaneousSensorsGroup", "verticalLayout_10", InBox, 2, 1, "Gyro Temperatures", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportPressure", "QCheckBox", "miscellaneousSensorsGroup", "verticalLayout_10", InBox, 3, 1, "Barometric Pressure", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"miscellaneousSensorsGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 1, 3, 1,
+     "Miscellaneous Sensors", 0, 0, Unlimited, Policy::Grow, 0, Plain},
+    {"exportMagneticField", "QCheckBox", "miscellaneousSensorsGroup", "verticalLayout_10", InBox, 0,
+     1, "Magnetic Field", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportTemperature", "QCheckBox", "miscellaneousSensorsGroup", "verticalLayout_10", InBox, 1,
+     1, "Temperature", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportGyroTemperature", "QCheckBox", "miscellaneousSensorsGroup", "verticalLayout_10", InBox,
+     2, 1, "Gyro Temperatures", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportPressure", "QCheckBox", "miscellaneousSensorsGroup", "verticalLayout_10", InBox, 3, 1,
+     "Barometric Pressure", 0, 0, Unlimited, Policy::Default, 0, Plain},
 
-    {"triggersGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 4, 6, 1, "Triggers", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportTriggerIn1", "QCheckBox", "triggersGroup", "verticalLayout_3", InBox, 0, 1, "Trigger In 1", 0, 0, Unlimited, Policy::Default, 0, Plain},
-    {"exportTriggerIn2", "QCheckBox", "triggersGroup", "verticalLayout_3", InBox, 1, 1, "Trigger In 2", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"triggersGroup", "QGroupBox", "exportedDataGroup", "gridLayout", 4, 6, 1, "Triggers", 0, 0,
+     Unlimited, Policy::Default, 0, Plain},
+    {"exportTriggerIn1", "QCheckBox", "triggersGroup", "verticalLayout_3", InBox, 0, 1,
+     "Trigger In 1", 0, 0, Unlimited, Policy::Default, 0, Plain},
+    {"exportTriggerIn2", "QCheckBox", "triggersGroup", "verticalLayout_3", InBox, 1, 1,
+     "Trigger In 2", 0, 0, Unlimited, Policy::Default, 0, Plain},
 };
 
 // The keys apply() writes: the four texts, every check box and the combo box.
 const QStringList appliedKeys = {
-    "exportCalibratedAcceleration", "exportCalibratedAngularVelocity", "exportClipFlags",
-    "exportDateTime", "exportFreeAcceleration", "exportGyroTemperature", "exportMagneticField",
-    "exportOrientation", "exportOrientationIncrement", "exportPacketCounter", "exportPosition",
-    "exportPressure", "exportRawGnss", "exportRawGps", "exportRssi", "exportSampleTimeFine",
-    "exportScrAcceleration", "exportScrGyroTemperature", "exportScrGyroscopeData",
-    "exportScrMagneticField", "exportScrTemperature", "exportStatusFlags", "exportTemperature",
-    "exportTriggerIn1", "exportTriggerIn2", "exportUtc", "exportVelocity",
-    "exportVelocityIncrement", "insertNan", "insertNothing", "insertOtherPlaceholder",
-    "insertZero", "otherDelimiter", "otherPlaceholder", "outputFileExtension",
-    "outputFileFormat", "useCommaDelimiter", "useOtherDelimiter", "useSemiColonDelimiter",
-    "useSpaceDelimiter", "useTabDelimiter",
+    "exportCalibratedAcceleration",
+    "exportCalibratedAngularVelocity",
+    "exportClipFlags",
+    "exportDateTime",
+    "exportFreeAcceleration",
+    "exportGyroTemperature",
+    "exportMagneticField",
+    "exportOrientation",
+    "exportOrientationIncrement",
+    "exportPacketCounter",
+    "exportPosition",
+    "exportPressure",
+    "exportRawGnss",
+    "exportRawGps",
+    "exportRssi",
+    "exportSampleTimeFine",
+    "exportScrAcceleration",
+    "exportScrGyroTemperature",
+    "exportScrGyroscopeData",
+    "exportScrMagneticField",
+    "exportScrTemperature",
+    "exportStatusFlags",
+    "exportTemperature",
+    "exportTriggerIn1",
+    "exportTriggerIn2",
+    "exportUtc",
+    "exportVelocity",
+    "exportVelocityIncrement",
+    "insertNan",
+    "insertNothing",
+    "insertOtherPlaceholder",
+    "insertZero",
+    "otherDelimiter",
+    "otherPlaceholder",
+    "outputFileExtension",
+    "outputFileFormat",
+    "useCommaDelimiter",
+    "useOtherDelimiter",
+    "useSemiColonDelimiter",
+    "useSpaceDelimiter",
+    "useTabDelimiter",
 };
 
 QSizePolicy policyFor(Policy policy, const char *className)
@@ -263,7 +351,7 @@ private slots:
 private:
     AsciiExporterOptionsPage *makePage();
 
-    template<typename T>
+    template <typename T>
     T *find(const char *name) const
     {
         T *widget = page->findChild<T *>(QString::fromLatin1(name));
@@ -367,7 +455,8 @@ void tst_OptionsPage::everyNamedWidgetIsInTheTable()
     QStringList found;
     const QList<QWidget *> widgets = page->findChildren<QWidget *>();
     for (const QWidget *widget : widgets) {
-        if (!widget->objectName().isEmpty() && !widget->objectName().startsWith(QLatin1String("qt_")))
+        if (!widget->objectName().isEmpty()
+            && !widget->objectName().startsWith(QLatin1String("qt_")))
             found.append(widget->objectName());
     }
     QStringList table;
@@ -409,11 +498,13 @@ void tst_OptionsPage::helpTextShowsExampleValues()
         "<deviceid>\t: Device ID (e.g. " + FileNamePatternReplacer::exampleDeviceId() + ")",
         "<inputfile>\t: Original filename without extension (e.g. "
             + FileNamePatternReplacer::exampleInputFile() + ")",
-        "<seqnr>\t: Sequential number (e.g. " + FileNamePatternReplacer::exampleSequenceNumber() + ")",
+        "<seqnr>\t: Sequential number (e.g. " + FileNamePatternReplacer::exampleSequenceNumber()
+            + ")",
         "<productcode> : Product code (e.g. " + FileNamePatternReplacer::exampleProductCode() + ")",
         "<filterprofile>\t: Filter profile in use (e.g. "
             + FileNamePatternReplacer::exampleFilterProfile() + ")",
-        "<time>\t: Time read from system clock (e.g. " + FileNamePatternReplacer::exampleTime() + ")",
+        "<time>\t: Time read from system clock (e.g. " + FileNamePatternReplacer::exampleTime()
+            + ")",
     };
     QCOMPARE(paragraphs, expected);
 }
@@ -438,10 +529,14 @@ void tst_OptionsPage::names_data()
     QTest::addColumn<QString>("operation");
     QTest::addColumn<QString>("result");
 
-    QTest::newRow("the page id is the exporter's name") << "pageId" << "ASCII Exporter";
-    QTest::newRow("the page title is the exporter's name") << "pageTitle" << "ASCII Exporter";
-    QTest::newRow("the category id is Exporters") << "categoryId" << "Exporters";
-    QTest::newRow("the category title is Exporters") << "categoryTitle" << "Exporters";
+    QTest::newRow("the page id is the exporter's name") << "pageId"
+                                                        << "ASCII Exporter";
+    QTest::newRow("the page title is the exporter's name") << "pageTitle"
+                                                           << "ASCII Exporter";
+    QTest::newRow("the category id is Exporters") << "categoryId"
+                                                  << "Exporters";
+    QTest::newRow("the category title is Exporters") << "categoryTitle"
+                                                     << "Exporters";
 }
 
 void tst_OptionsPage::names()
@@ -473,7 +568,10 @@ void tst_OptionsPage::slotsInOrder()
     QCOMPARE(meta.enumeratorCount(), meta.enumeratorOffset());
 
     const QByteArrayList expected = {
-        "refreshUi()", "apply()", "updateExampleFileName()", "updateCustomDelimiter(bool)",
+        "refreshUi()",
+        "apply()",
+        "updateExampleFileName()",
+        "updateCustomDelimiter(bool)",
         "updateCustomPlaceholder(bool)",
     };
     QCOMPARE(meta.methodCount() - meta.methodOffset(), expected.size());
@@ -538,7 +636,8 @@ void tst_OptionsPage::translatedInThePageContext()
     }
     QCOMPARE(page->windowTitle(), QStringLiteral("~Ascii Exporter Options"));
     QVERIFY(find<QLineEdit>("outputFileFormat")->toolTip().startsWith(QLatin1String("~<!DOCTYPE")));
-    QVERIFY(find<QLineEdit>("outputFileFormat")->whatsThis().startsWith(QLatin1String("~<!DOCTYPE")));
+    QVERIFY(
+        find<QLineEdit>("outputFileFormat")->whatsThis().startsWith(QLatin1String("~<!DOCTYPE")));
 
     auto *combo = find<QComboBox>("exportOrientation");
     QCOMPARE(combo->itemText(0), QStringLiteral("~None"));
@@ -591,7 +690,8 @@ void tst_OptionsPage::orientationSelection_data()
         << QVariant("Euler") << 2 << "Euler Angles" << QVariant("Euler");
     QTest::newRow("Quaternion selects Quaternion")
         << QVariant("Quaternion") << 1 << "Quaternion" << QVariant("Quaternion");
-    QTest::newRow("Matrix selects Matrix") << QVariant("Matrix") << 3 << "Matrix" << QVariant("Matrix");
+    QTest::newRow("Matrix selects Matrix")
+        << QVariant("Matrix") << 3 << "Matrix" << QVariant("Matrix");
     QTest::newRow("None selects None") << QVariant("None") << 0 << "None" << QVariant("None");
     QTest::newRow("the shown text is not a value, the default's item is chosen")
         << QVariant("Euler Angles") << 2 << "Euler Angles" << QVariant("Euler");
@@ -710,12 +810,21 @@ void tst_OptionsPage::emptyPatternOrExtensionStoresDefault_data()
     QTest::addColumn<QString>("storedExtension");
     QTest::addColumn<QString>("example");
 
-    QTest::newRow("an empty pattern stores the default pattern")
-        << "" << "csv" << "<inputfile>-<seqnr>" << "csv" << ".csv";
+    QTest::newRow("an empty pattern stores the default pattern") << ""
+                                                                 << "csv"
+                                                                 << "<inputfile>-<seqnr>"
+                                                                 << "csv"
+                                                                 << ".csv";
     QTest::newRow("an empty extension stores the default extension")
-        << "<seqnr>" << "" << "<seqnr>" << "txt" << FileNamePatternReplacer::exampleSequenceNumber() + ".";
-    QTest::newRow("both empty store both defaults")
-        << "" << "" << "<inputfile>-<seqnr>" << "txt" << ".";
+        << "<seqnr>"
+        << ""
+        << "<seqnr>"
+        << "txt" << FileNamePatternReplacer::exampleSequenceNumber() + ".";
+    QTest::newRow("both empty store both defaults") << ""
+                                                    << ""
+                                                    << "<inputfile>-<seqnr>"
+                                                    << "txt"
+                                                    << ".";
 }
 
 void tst_OptionsPage::emptyPatternOrExtensionStoresDefault()
@@ -771,21 +880,28 @@ void tst_OptionsPage::exampleFileName_data()
     const QString input = FileNamePatternReplacer::exampleInputFile();
     const QString sequence = FileNamePatternReplacer::exampleSequenceNumber();
     QTest::newRow("the default pattern names the input file and the sequence number")
-        << "<inputfile>-<seqnr>" << "txt" << input + "-" + sequence + ".txt";
+        << "<inputfile>-<seqnr>"
+        << "txt" << input + "-" + sequence + ".txt";
     QTest::newRow("device id, product code and filter profile take the example values")
-        << "<deviceid>_<productcode>_<filterprofile>" << "csv"
-        << FileNamePatternReplacer::exampleDeviceId() + "_" + FileNamePatternReplacer::exampleProductCode()
-               + "_" + FileNamePatternReplacer::exampleFilterProfile() + ".csv";
-    QTest::newRow("an unknown pattern is shown as it is")
-        << "<foo>-<seqnr>" << "txt" << "<foo>-" + sequence + ".txt";
-    QTest::newRow("characters that no file name may hold are shown as they are")
-        << "a/b:c*?" << "txt" << "a/b:c*?.txt";
-    QTest::newRow("a %2 in the base name is filled with the extension too")
-        << "run%2" << "txt" << "runtxt.txt";
-    QTest::newRow("an empty extension still gets the dot")
-        << "<inputfile>" << "" << input + ".";
-    QTest::newRow("an empty pattern shows the dot and the extension")
-        << "" << "txt" << ".txt";
+        << "<deviceid>_<productcode>_<filterprofile>"
+        << "csv"
+        << FileNamePatternReplacer::exampleDeviceId() + "_"
+            + FileNamePatternReplacer::exampleProductCode() + "_"
+            + FileNamePatternReplacer::exampleFilterProfile() + ".csv";
+    QTest::newRow("an unknown pattern is shown as it is") << "<foo>-<seqnr>"
+                                                          << "txt"
+                                                          << "<foo>-" + sequence + ".txt";
+    QTest::newRow("characters that no file name may hold are shown as they are") << "a/b:c*?"
+                                                                                 << "txt"
+                                                                                 << "a/b:c*?.txt";
+    QTest::newRow("a %2 in the base name is filled with the extension too") << "run%2"
+                                                                            << "txt"
+                                                                            << "runtxt.txt";
+    QTest::newRow("an empty extension still gets the dot") << "<inputfile>"
+                                                           << "" << input + ".";
+    QTest::newRow("an empty pattern shows the dot and the extension") << ""
+                                                                      << "txt"
+                                                                      << ".txt";
 }
 
 void tst_OptionsPage::exampleFileName()
@@ -935,24 +1051,33 @@ void tst_OptionsPage::loadingExclusiveGroups_data()
     QTest::addColumn<QString>("delimiter");
     QTest::addColumn<QString>("emptyField");
 
-    QTest::newRow("the defaults check tab and empty")
-        << QVariantMap() << "useTabDelimiter" << "insertNothing";
+    QTest::newRow("the defaults check tab and empty") << QVariantMap() << "useTabDelimiter"
+                                                      << "insertNothing";
     QTest::newRow("a stored comma replaces tab")
         << QVariantMap{{"useTabDelimiter", false}, {"useCommaDelimiter", true}}
-        << "useCommaDelimiter" << "insertNothing";
+        << "useCommaDelimiter"
+        << "insertNothing";
     QTest::newRow("of several true the last in child order wins")
-        << QVariantMap{{"useCommaDelimiter", true}, {"useSemiColonDelimiter", true}, {"useSpaceDelimiter", true}}
-        << "useCommaDelimiter" << "insertNothing";
+        << QVariantMap{{"useCommaDelimiter", true},
+                       {"useSemiColonDelimiter", true},
+                       {"useSpaceDelimiter", true}}
+        << "useCommaDelimiter"
+        << "insertNothing";
     QTest::newRow("tab comes after other in child order")
-        << QVariantMap{{"useOtherDelimiter", true}} << "useTabDelimiter" << "insertNothing";
+        << QVariantMap{{"useOtherDelimiter", true}} << "useTabDelimiter"
+        << "insertNothing";
     QTest::newRow("all delimiters false keep the form's tab")
-        << QVariantMap{{"useTabDelimiter", false}} << "useTabDelimiter" << "insertNothing";
+        << QVariantMap{{"useTabDelimiter", false}} << "useTabDelimiter"
+        << "insertNothing";
     QTest::newRow("zero comes after NaN and empty in child order")
-        << QVariantMap{{"insertNan", true}, {"insertZero", true}} << "useTabDelimiter" << "insertZero";
+        << QVariantMap{{"insertNan", true}, {"insertZero", true}} << "useTabDelimiter"
+        << "insertZero";
     QTest::newRow("all empty-field choices false keep the form's empty")
-        << QVariantMap{{"insertNothing", false}} << "useTabDelimiter" << "insertNothing";
+        << QVariantMap{{"insertNothing", false}} << "useTabDelimiter"
+        << "insertNothing";
     QTest::newRow("a stored NaN replaces empty")
-        << QVariantMap{{"insertNothing", false}, {"insertNan", true}} << "useTabDelimiter" << "insertNan";
+        << QVariantMap{{"insertNothing", false}, {"insertNan", true}} << "useTabDelimiter"
+        << "insertNan";
 }
 
 void tst_OptionsPage::loadingExclusiveGroups()
@@ -982,8 +1107,9 @@ void tst_OptionsPage::groupWithAllFalseKeepsPreviousChoice()
 {
     makePage();
     find<QCheckBox>("useCommaDelimiter")->click();
-    const QStringList delimiters = {"useCommaDelimiter", "useOtherDelimiter", "useSemiColonDelimiter",
-                                    "useSpaceDelimiter", "useTabDelimiter"};
+    const QStringList delimiters = {"useCommaDelimiter", "useOtherDelimiter",
+                                    "useSemiColonDelimiter", "useSpaceDelimiter",
+                                    "useTabDelimiter"};
     for (const QString &key : delimiters)
         store->setSetting(key, false);
     page->refreshUi();
@@ -1019,14 +1145,19 @@ void tst_OptionsPage::itemChangedOnEveryEdit_data()
     QTest::addColumn<QString>("typed");
     QTest::addColumn<int>("perKeystroke");
 
-    QTest::newRow("typing in the pattern emits twice per keystroke")
-        << "" << "outputFileFormat" << "_abc" << 2;
-    QTest::newRow("typing in the extension emits once per keystroke")
-        << "" << "outputFileExtension" << "x" << 1;
-    QTest::newRow("typing a custom delimiter emits once")
-        << "useOtherDelimiter" << "otherDelimiter" << "|" << 1;
+    QTest::newRow("typing in the pattern emits twice per keystroke") << ""
+                                                                     << "outputFileFormat"
+                                                                     << "_abc" << 2;
+    QTest::newRow("typing in the extension emits once per keystroke") << ""
+                                                                      << "outputFileExtension"
+                                                                      << "x" << 1;
+    QTest::newRow("typing a custom delimiter emits once") << "useOtherDelimiter"
+                                                          << "otherDelimiter"
+                                                          << "|" << 1;
     QTest::newRow("typing a custom placeholder emits once per keystroke")
-        << "insertOtherPlaceholder" << "otherPlaceholder" << "NA" << 1;
+        << "insertOtherPlaceholder"
+        << "otherPlaceholder"
+        << "NA" << 1;
 }
 
 void tst_OptionsPage::itemChangedOnEveryEdit()

@@ -2,5 +2,4 @@
 
 NotAnExporter::NotAnExporter(QObject *parent)
     : QObject(parent)
-{
-}
+{ }

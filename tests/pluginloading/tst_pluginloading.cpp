@@ -75,8 +75,10 @@ void tst_PluginLoading::metaData()
 {
     QPluginLoader loader(pluginPath);
     const QJsonObject metaData = loader.metaData();
-    QCOMPARE(metaData.value(QStringLiteral("IID")).toString(), QStringLiteral("AsciiExporterFactory"));
-    QCOMPARE(metaData.value(QStringLiteral("className")).toString(), QStringLiteral("AsciiExporterFactory"));
+    QCOMPARE(metaData.value(QStringLiteral("IID")).toString(),
+             QStringLiteral("AsciiExporterFactory"));
+    QCOMPARE(metaData.value(QStringLiteral("className")).toString(),
+             QStringLiteral("AsciiExporterFactory"));
     QCOMPARE(metaData.value(QStringLiteral("debug")).toBool(true), false);
     QVERIFY(metaData.value(QStringLiteral("debug")).isBool());
     // the loader records the major and minor version of the Qt moc wrote for
@@ -101,7 +103,7 @@ void tst_PluginLoading::metaDataRecordInTheFile()
     QCOMPARE(quint8(header.at(0)), quint8(0));
     QCOMPARE(quint8(header.at(1)), quint8(QT_VERSION_MAJOR));
     QCOMPARE(quint8(header.at(2)), quint8(QT_VERSION_MINOR));
-    QCOMPARE(quint8(header.at(3)) & 1, 0);   // not a debug build
+    QCOMPARE(quint8(header.at(3)) & 1, 0); // not a debug build
 
     QCborParserError error;
     const QCborValue record = QCborValue::fromCbor(bytes.mid(at + marker.size() + 4), &error);
@@ -115,7 +117,8 @@ void tst_PluginLoading::metaDataRecordInTheFile()
 
 void tst_PluginLoading::qtPluginInfoReadsTheRecord()
 {
-    const QString tool = QLibraryInfo::location(QLibraryInfo::BinariesPath) + QStringLiteral("/qtplugininfo");
+    const QString tool =
+        QLibraryInfo::location(QLibraryInfo::BinariesPath) + QStringLiteral("/qtplugininfo");
     if (!QFile::exists(tool))
         QSKIP("qtplugininfo is not installed");
     QProcess process;
@@ -124,7 +127,8 @@ void tst_PluginLoading::qtPluginInfoReadsTheRecord()
     QCOMPARE(process.exitCode(), 0);
     const QJsonObject json = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
     QCOMPARE(json.value(QStringLiteral("IID")).toString(), QStringLiteral("AsciiExporterFactory"));
-    QCOMPARE(json.value(QStringLiteral("className")).toString(), QStringLiteral("AsciiExporterFactory"));
+    QCOMPARE(json.value(QStringLiteral("className")).toString(),
+             QStringLiteral("AsciiExporterFactory"));
     QCOMPARE(json.value(QStringLiteral("debug")).toBool(true), false);
     QCOMPARE(json.value(QStringLiteral("version")).toInt(), QT_VERSION & 0xFFFF00);
 }
@@ -167,14 +171,16 @@ void tst_PluginLoading::castsByName_data()
     QTest::addColumn<QString>("answer");
 
     QTest::newRow("the class itself") << QByteArray("AsciiExporterFactory") << "object";
-    QTest::newRow("the exporter factory base") << QByteArray("AbstractExporterFactory") << "factory";
+    QTest::newRow("the exporter factory base")
+        << QByteArray("AbstractExporterFactory") << "factory";
     QTest::newRow("the plug-in factory identifier")
         << QByteArray("com.korvat.Zentrel.AbstractPluginFactory/1.0") << "factory";
     QTest::newRow("the exporter factory identifier")
         << QByteArray("com.korvat.Zentrel.AbstractExporterFactory/1.0") << "factory";
     QTest::newRow("QObject") << QByteArray("QObject") << "object";
     QTest::newRow("the exporter is something else") << QByteArray("AsciiExporter") << "null";
-    QTest::newRow("the plug-in factory class name is not declared") << QByteArray("AbstractPluginFactory") << "null";
+    QTest::newRow("the plug-in factory class name is not declared")
+        << QByteArray("AbstractPluginFactory") << "null";
 }
 
 void tst_PluginLoading::castsByName()

@@ -17,7 +17,8 @@
 
 namespace {
 
-GeneratorOptions options(qint64 samples, double rate = 100.0, quint64 seed = 1, const QStringList &keys = {})
+GeneratorOptions options(qint64 samples, double rate = 100.0, quint64 seed = 1,
+                         const QStringList &keys = {})
 {
     GeneratorOptions o;
     o.samples = samples;
@@ -94,8 +95,10 @@ void tst_RecordingGenerator::otherSeedGivesOtherNoise()
     QCOMPARE(b.size(), 10);
     const QJsonObject first = QJsonDocument::fromJson(a.first()).object();
     const QJsonObject second = QJsonDocument::fromJson(b.first()).object();
-    QCOMPARE(first.value(QStringLiteral("orientationQuaternion")), second.value(QStringLiteral("orientationQuaternion")));
-    QVERIFY(first.value(QStringLiteral("calibratedAcceleration")) != second.value(QStringLiteral("calibratedAcceleration")));
+    QCOMPARE(first.value(QStringLiteral("orientationQuaternion")),
+             second.value(QStringLiteral("orientationQuaternion")));
+    QVERIFY(first.value(QStringLiteral("calibratedAcceleration"))
+            != second.value(QStringLiteral("calibratedAcceleration")));
 }
 
 void tst_RecordingGenerator::everyLineReadsBack_data()
@@ -108,7 +111,8 @@ void tst_RecordingGenerator::everyLineReadsBack_data()
     QTest::newRow("one sample a second for ten minutes") << qint64(600) << 1.0 << quint64(7);
     QTest::newRow("two seconds at 2000 Hz") << qint64(4000) << 2000.0 << quint64(8);
     QTest::newRow("a rate with a fraction") << qint64(500) << 33.3 << quint64(9);
-    QTest::newRow("more samples than the packet counter counts") << qint64(70000) << 400.0 << quint64(10);
+    QTest::newRow("more samples than the packet counter counts")
+        << qint64(70000) << 400.0 << quint64(10);
     QTest::newRow("the largest seed") << qint64(100) << 100.0 << quint64(~0ULL);
     QTest::newRow("no samples at all") << qint64(0) << 100.0 << quint64(1);
 }
@@ -168,7 +172,8 @@ void tst_RecordingGenerator::motionIsPlausible()
         const RecordingSample &s = reader.sample();
         const KvQuaternion &q = s.orientationQuaternion;
         QVERIFY(!q.isEmpty());
-        QVERIFY(std::fabs(std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]) - 1.0) < 1e-8);
+        QVERIFY(std::fabs(std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]) - 1.0)
+                < 1e-8);
 
         const KvEulerAngles derived = OrientationMath::eulerFromQuaternion(q);
         QVERIFY(s.hasOrientationEuler);
@@ -217,7 +222,8 @@ void tst_RecordingGenerator::motionIsPlausible()
     QCOMPARE(triggers2, 4);
     // About 13 m of walking in ten seconds.
     const double northMetres = (lastPosition[0] - firstPosition[0]) * 111132.954;
-    const double eastMetres = (lastPosition[1] - firstPosition[1]) * 111319.49 * std::cos(47.3769 * M_PI / 180);
+    const double eastMetres =
+        (lastPosition[1] - firstPosition[1]) * 111319.49 * std::cos(47.3769 * M_PI / 180);
     const double walked = std::sqrt(northMetres * northMetres + eastMetres * eastMetres);
     QVERIFY2(walked > 10.0 && walked < 14.0, qPrintable(QString::number(walked)));
 }
@@ -285,14 +291,15 @@ void tst_RecordingGenerator::keyListLimitsTheKeys_data()
     QTest::addColumn<bool>("everyLineHoldsEveryKey");
 
     const QStringList basic = {QStringLiteral("packetCounter"), QStringLiteral("sampleTimeFine"),
-                               QStringLiteral("calibratedAcceleration"), QStringLiteral("orientationQuaternion")};
+                               QStringLiteral("calibratedAcceleration"),
+                               QStringLiteral("orientationQuaternion")};
     QTest::newRow("counter, time, acceleration and quaternion") << basic << basic << true;
     QTest::newRow("a key given twice is written once")
-            << QStringList{QStringLiteral("gnssPvt"), QStringLiteral("gnssPvt")}
-            << QStringList{QStringLiteral("gnssPvt")} << true;
+        << QStringList{QStringLiteral("gnssPvt"), QStringLiteral("gnssPvt")}
+        << QStringList{QStringLiteral("gnssPvt")} << true;
     QTest::newRow("triggers only appear where they fire")
-            << QStringList{QStringLiteral("triggerIn1"), QStringLiteral("triggerIn2")}
-            << QStringList{QStringLiteral("triggerIn1"), QStringLiteral("triggerIn2")} << false;
+        << QStringList{QStringLiteral("triggerIn1"), QStringLiteral("triggerIn2")}
+        << QStringList{QStringLiteral("triggerIn1"), QStringLiteral("triggerIn2")} << false;
 }
 
 void tst_RecordingGenerator::keyListLimitsTheKeys()
@@ -321,8 +328,8 @@ void tst_RecordingGenerator::keyListLimitsTheKeys()
 
 void tst_RecordingGenerator::keyListKeepsTheValues()
 {
-    const QStringList keys = {QStringLiteral("calibratedAcceleration"), QStringLiteral("gnssSatellites"),
-                              QStringLiteral("triggerIn1")};
+    const QStringList keys = {QStringLiteral("calibratedAcceleration"),
+                              QStringLiteral("gnssSatellites"), QStringLiteral("triggerIn1")};
     const QList<QByteArray> all = sampleLines(generated(options(300, 100.0, 5)));
     const QList<QByteArray> some = sampleLines(generated(options(300, 100.0, 5, keys)));
     QCOMPARE(some.size(), all.size());
@@ -342,20 +349,23 @@ void tst_RecordingGenerator::badOptions_data()
     QTest::addColumn<QString>("message");
 
     QTest::newRow("a negative number of samples")
-            << qint64(-1) << 100.0 << QStringList() << "the number of samples must not be negative";
+        << qint64(-1) << 100.0 << QStringList() << "the number of samples must not be negative";
     QTest::newRow("a rate of 0") << qint64(10) << 0.0 << QStringList()
                                  << "the rate must be above 0 and at most 10000 Hz";
-    QTest::newRow("a negative rate") << qint64(10) << -100.0 << QStringList()
-                                     << "the rate must be above 0 and at most 10000 Hz";
-    QTest::newRow("a rate that is not a number")
-            << qint64(10) << std::nan("") << QStringList() << "the rate must be above 0 and at most 10000 Hz";
+    QTest::newRow("a negative rate")
+        << qint64(10) << -100.0 << QStringList() << "the rate must be above 0 and at most 10000 Hz";
+    QTest::newRow("a rate that is not a number") << qint64(10) << std::nan("") << QStringList()
+                                                 << "the rate must be above 0 and at most 10000 Hz";
     QTest::newRow("a rate above the fine clock's ticks")
-            << qint64(10) << 10001.0 << QStringList() << "the rate must be above 0 and at most 10000 Hz";
+        << qint64(10) << 10001.0 << QStringList()
+        << "the rate must be above 0 and at most 10000 Hz";
     QTest::newRow("an unknown key")
-            << qint64(10) << 100.0 << QStringList{QStringLiteral("packetCounter"), QStringLiteral("acceleration")}
-            << "unknown sample key \"acceleration\"";
+        << qint64(10) << 100.0
+        << QStringList{QStringLiteral("packetCounter"), QStringLiteral("acceleration")}
+        << "unknown sample key \"acceleration\"";
     QTest::newRow("the word all is not a key")
-            << qint64(10) << 100.0 << QStringList{QStringLiteral("all")} << "unknown sample key \"all\"";
+        << qint64(10) << 100.0 << QStringList{QStringLiteral("all")}
+        << "unknown sample key \"all\"";
 }
 
 void tst_RecordingGenerator::badOptions()

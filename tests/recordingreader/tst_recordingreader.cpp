@@ -1,5 +1,5 @@
-#include "recordmembertables.h"
 #include "recordingreader.h"
+#include "recordmembertables.h"
 
 #include <samplelines.h>
 
@@ -12,7 +12,8 @@
 
 namespace {
 
-const QByteArray header = R"({"properties": {}, "updateRate": 100})" "\n";
+const QByteArray header = R"({"properties": {}, "updateRate": 100})"
+                          "\n";
 
 template <typename Record, std::size_t count>
 bool allZero(const RecordFields::Field<Record> (&fields)[count], const Record &record)
@@ -327,8 +328,8 @@ void tst_RecordingReader::missingData_data()
 
     QTest::newRow("an empty object holds no data") << QByteArray("{}");
     QTest::newRow("receiver records and triggers with every field null hold no data")
-            << QByteArray(R"({"gpsSolution": {"iTOW": null}, "gnssPvt": {"iTOW": null, "lat": null},)"
-                          R"( "gpsSatellites": {"channels": null}, "utcTime": {"nano": null}})");
+        << QByteArray(R"({"gpsSolution": {"iTOW": null}, "gnssPvt": {"iTOW": null, "lat": null},)"
+                      R"( "gpsSatellites": {"channels": null}, "utcTime": {"nano": null}})");
     for (const QString &key : SampleReader::keys()) {
         const QByteArray row = "a null " + key.toLatin1() + " counts as absent";
         QTest::newRow(row.constData()) << QByteArray("{\"" + key.toLatin1() + "\": null}");
@@ -349,15 +350,18 @@ void tst_RecordingReader::properties()
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("p.jsonl")));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(R"({"properties": {"StartTime": "2026-11-21 09:30:00", "FilterProfileVersion": 1,)"
-               R"( "Big": 9223372036854775807, "Bigger": 9223372036854775808, "Negative": -5, "Ratio": 1.5,)"
-               R"( "Whole": 2.0, "Flag": true, "Off": false, "Nothing": null, "Text": "\u00e9\"\t"}})");
+    file.write(
+        R"({"properties": {"StartTime": "2026-11-21 09:30:00", "FilterProfileVersion": 1,)"
+        R"( "Big": 9223372036854775807, "Bigger": 9223372036854775808, "Negative": -5, "Ratio": 1.5,)"
+        R"( "Whole": 2.0, "Flag": true, "Off": false, "Nothing": null, "Text": "\u00e9\"\t"}})");
     file.close();
     RecordingReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
 
-    QCOMPARE(reader.property(QStringLiteral("StartTime")), QVariant(QStringLiteral("2026-11-21 09:30:00")));
-    QCOMPARE(reader.property(QStringLiteral("FilterProfileVersion")).userType(), int(QMetaType::LongLong));
+    QCOMPARE(reader.property(QStringLiteral("StartTime")),
+             QVariant(QStringLiteral("2026-11-21 09:30:00")));
+    QCOMPARE(reader.property(QStringLiteral("FilterProfileVersion")).userType(),
+             int(QMetaType::LongLong));
     QCOMPARE(reader.property(QStringLiteral("FilterProfileVersion")).toLongLong(), 1);
     QCOMPARE(reader.property(QStringLiteral("Big")), QVariant(qint64(9223372036854775807LL)));
     QCOMPARE(reader.property(QStringLiteral("Bigger")).userType(), int(QMetaType::Double));
@@ -379,10 +383,13 @@ void tst_RecordingReader::updateRate_data()
     QTest::addColumn<QByteArray>("firstLine");
     QTest::addColumn<double>("rate");
 
-    QTest::newRow("an integer rate") << QByteArray(R"({"properties": {}, "updateRate": 100})") << 100.0;
-    QTest::newRow("a fractional rate") << QByteArray(R"({"properties": {}, "updateRate": 99.5})") << 99.5;
+    QTest::newRow("an integer rate")
+        << QByteArray(R"({"properties": {}, "updateRate": 100})") << 100.0;
+    QTest::newRow("a fractional rate")
+        << QByteArray(R"({"properties": {}, "updateRate": 99.5})") << 99.5;
     QTest::newRow("no rate reads as 0") << QByteArray(R"({"properties": {}})") << 0.0;
-    QTest::newRow("a null rate reads as 0") << QByteArray(R"({"properties": {}, "updateRate": null})") << 0.0;
+    QTest::newRow("a null rate reads as 0")
+        << QByteArray(R"({"properties": {}, "updateRate": null})") << 0.0;
 }
 
 void tst_RecordingReader::updateRate()
@@ -402,8 +409,8 @@ void tst_RecordingReader::updateRate()
 void tst_RecordingReader::nanAndInfinityLiterals()
 {
     const RecordingSample s = readOne(
-            R"({"temperature": NaN, "pressure": Infinity, "altitude": -Infinity, "rssi": NaN,)"
-            R"( "calibratedAcceleration": [NaN, Infinity, -Infinity], "orientationQuaternion": [NaN, 0, 0, 1]})");
+        R"({"temperature": NaN, "pressure": Infinity, "altitude": -Infinity, "rssi": NaN,)"
+        R"( "calibratedAcceleration": [NaN, Infinity, -Infinity], "orientationQuaternion": [NaN, 0, 0, 1]})");
     QVERIFY(std::isnan(s.temperature));
     QCOMPARE(s.pressure, std::numeric_limits<double>::infinity());
     QCOMPARE(s.altitude, -std::numeric_limits<double>::infinity());
@@ -422,37 +429,43 @@ void tst_RecordingReader::acceptedLimits_data()
     QTest::addColumn<QString>("field");
     QTest::addColumn<qint64>("value");
 
-    QTest::newRow("packet counter 0") << QByteArray(R"({"packetCounter": 0})") << "packetCounter" << qint64(0);
-    QTest::newRow("packet counter 65535") << QByteArray(R"({"packetCounter": 65535})") << "packetCounter"
-                                          << qint64(65535);
+    QTest::newRow("packet counter 0")
+        << QByteArray(R"({"packetCounter": 0})") << "packetCounter" << qint64(0);
+    QTest::newRow("packet counter 65535")
+        << QByteArray(R"({"packetCounter": 65535})") << "packetCounter" << qint64(65535);
     QTest::newRow("sample time fine 4294967295") << QByteArray(R"({"sampleTimeFine": 4294967295})")
                                                  << "sampleTimeFine" << qint64(4294967295LL);
-    QTest::newRow("clipping flags 65535") << QByteArray(R"({"clippingFlags": 65535})") << "clippingFlags"
-                                          << qint64(65535);
-    QTest::newRow("raw temperature 65535") << QByteArray(R"({"scrTemperature": 65535})") << "scrTemperature"
-                                           << qint64(65535);
-    QTest::newRow("an 8-bit field at 255") << QByteArray(R"({"gnssPvt": {"iTOW": 1, "numSV": 255}})")
-                                           << "gnssPvt.numSV" << qint64(255);
-    QTest::newRow("a signed 16-bit field at -32768") << QByteArray(R"({"gpsSolution": {"iTOW": 1, "week": -32768}})")
-                                                     << "gpsSolution.week" << qint64(-32768);
-    QTest::newRow("a signed 16-bit field at 32767") << QByteArray(R"({"gpsSolution": {"iTOW": 1, "week": 32767}})")
-                                                    << "gpsSolution.week" << qint64(32767);
+    QTest::newRow("clipping flags 65535")
+        << QByteArray(R"({"clippingFlags": 65535})") << "clippingFlags" << qint64(65535);
+    QTest::newRow("raw temperature 65535")
+        << QByteArray(R"({"scrTemperature": 65535})") << "scrTemperature" << qint64(65535);
+    QTest::newRow("an 8-bit field at 255")
+        << QByteArray(R"({"gnssPvt": {"iTOW": 1, "numSV": 255}})") << "gnssPvt.numSV"
+        << qint64(255);
+    QTest::newRow("a signed 16-bit field at -32768")
+        << QByteArray(R"({"gpsSolution": {"iTOW": 1, "week": -32768}})") << "gpsSolution.week"
+        << qint64(-32768);
+    QTest::newRow("a signed 16-bit field at 32767")
+        << QByteArray(R"({"gpsSolution": {"iTOW": 1, "week": 32767}})") << "gpsSolution.week"
+        << qint64(32767);
     QTest::newRow("a signed 32-bit field at -2147483648")
-            << QByteArray(R"({"gnssPvt": {"iTOW": 1, "lat": -2147483648}})") << "gnssPvt.lat"
-            << qint64(-2147483648LL);
+        << QByteArray(R"({"gnssPvt": {"iTOW": 1, "lat": -2147483648}})") << "gnssPvt.lat"
+        << qint64(-2147483648LL);
     QTest::newRow("a signed 32-bit field at 2147483647")
-            << QByteArray(R"({"gnssPvt": {"iTOW": 1, "lat": 2147483647}})") << "gnssPvt.lat"
-            << qint64(2147483647);
+        << QByteArray(R"({"gnssPvt": {"iTOW": 1, "lat": 2147483647}})") << "gnssPvt.lat"
+        << qint64(2147483647);
     QTest::newRow("an unsigned 32-bit field at 4294967295")
-            << QByteArray(R"({"gnssPvt": {"iTOW": 4294967295}})") << "gnssPvt.iTOW" << qint64(4294967295LL);
+        << QByteArray(R"({"gnssPvt": {"iTOW": 4294967295}})") << "gnssPvt.iTOW"
+        << qint64(4294967295LL);
     QTest::newRow("a UTC nanosecond count at 4294967295")
-            << QByteArray(R"({"utcTime": {"nano": 4294967295}})") << "utcTime.nano" << qint64(4294967295LL);
+        << QByteArray(R"({"utcTime": {"nano": 4294967295}})") << "utcTime.nano"
+        << qint64(4294967295LL);
     QTest::newRow("a trigger frame number at 65535")
-            << QByteArray(R"({"triggerIn2": {"frameNumber": 65535}})") << "triggerIn2.frameNumber"
-            << qint64(65535);
+        << QByteArray(R"({"triggerIn2": {"frameNumber": 65535}})") << "triggerIn2.frameNumber"
+        << qint64(65535);
     QTest::newRow("satellite flags at 4294967295")
-            << QByteArray(R"({"gnssSatellites": {"iTOW": 1, "satellites": [{"flags": 4294967295}]}})")
-            << "gnssSatellites.satellites[0].flags" << qint64(4294967295LL);
+        << QByteArray(R"({"gnssSatellites": {"iTOW": 1, "satellites": [{"flags": 4294967295}]}})")
+        << "gnssSatellites.satellites[0].flags" << qint64(4294967295LL);
 }
 
 void tst_RecordingReader::acceptedLimits()
@@ -475,7 +488,8 @@ void tst_RecordingReader::acceptedLimits()
         {QStringLiteral("gnssPvt.iTOW"), s.gnssPvt.iTOW},
         {QStringLiteral("utcTime.nano"), s.utcTime.nano},
         {QStringLiteral("triggerIn2.frameNumber"), s.triggerIn2.frameNumber},
-        {QStringLiteral("gnssSatellites.satellites[0].flags"), s.gnssSatellites.satellites[0].flags},
+        {QStringLiteral("gnssSatellites.satellites[0].flags"),
+         s.gnssSatellites.satellites[0].flags},
     };
     QVERIFY(read.contains(field));
     QCOMPARE(read.value(field), value);
@@ -487,23 +501,27 @@ namespace {
 // back from the sample.
 struct FieldPlace
 {
-    QByteArray before;  // the line up to the value
-    QByteArray after;   // the rest of the line
-    QString path;       // as the reader's messages name it
+    QByteArray before; // the line up to the value
+    QByteArray after; // the rest of the line
+    QString path; // as the reader's messages name it
 };
 
 // Rows for one integer field: its lowest and highest values are read, the
 // values just past them are refused. @p stored gives the value a written
 // number is kept as.
-void addRangeRows(const FieldPlace &place, qint64 minimum, qint64 maximum,
-                  qint64 (*stored)(qint64) = [](qint64 value) { return value; })
+void addRangeRows(
+    const FieldPlace &place, qint64 minimum, qint64 maximum,
+    qint64 (*stored)(qint64) = [](qint64 value) { return value; })
 {
     const auto line = [&place](qint64 value) -> QByteArray {
         return place.before + QByteArray::number(value) + place.after;
     };
     const QString range = QStringLiteral("(%1..%2)").arg(minimum).arg(maximum);
     const auto refused = [&](qint64 value) {
-        return QStringLiteral("rec.jsonl:2: \"%1\": %2 is out of range %3").arg(place.path).arg(value).arg(range);
+        return QStringLiteral("rec.jsonl:2: \"%1\": %2 is out of range %3")
+            .arg(place.path)
+            .arg(value)
+            .arg(range);
     };
     const QByteArray name = place.path.toLatin1();
     QTest::addRow("%s at its lowest, %lld, is read", name.constData(), minimum)
@@ -520,15 +538,16 @@ void addRangeRows(const FieldPlace &place, qint64 minimum, qint64 maximum,
 // time of week to count as present; entries of a satellite list sit in the
 // list @p listName of a record that has one.
 template <typename Record, std::size_t count>
-void addRecordRows(const char *key, const RecordFields::Field<Record> (&fields)[count], bool receiver,
-                   const char *listName = nullptr)
+void addRecordRows(const char *key, const RecordFields::Field<Record> (&fields)[count],
+                   bool receiver, const char *listName = nullptr)
 {
     for (const RecordFields::Field<Record> &field : fields) {
         FieldPlace place;
         const QByteArray name(field.name.data());
         const QByteArray timeOfWeek = receiver && name != "iTOW" ? "\"iTOW\": 1, " : "";
         if (listName) {
-            place.before = "{\"" + QByteArray(key) + "\": {\"iTOW\": 1, \"" + listName + "\": [{\"" + name + "\": ";
+            place.before = "{\"" + QByteArray(key) + "\": {\"iTOW\": 1, \"" + listName + "\": [{\""
+                + name + "\": ";
             place.after = "}]}}";
             place.path = QStringLiteral("%1.%2[0].%3").arg(key, listName, field.name.data());
         } else {
@@ -541,7 +560,8 @@ void addRecordRows(const char *key, const RecordFields::Field<Record> (&fields)[
 }
 
 template <typename Record, std::size_t count>
-qint64 loadField(const RecordFields::Field<Record> (&fields)[count], const Record &record, const QString &name)
+qint64 loadField(const RecordFields::Field<Record> (&fields)[count], const Record &record,
+                 const QString &name)
 {
     for (const RecordFields::Field<Record> &field : fields) {
         if (name == QLatin1String(field.name.data()))
@@ -606,18 +626,21 @@ void tst_RecordingReader::everyFieldAtAndPastItsRange_data()
     addRangeRows(key("scrTemperature"), 0, 65535);
     addRangeRows(key("statusWord"), -2147483648LL, 4294967295LL,
                  [](qint64 value) { return qint64(qint32(quint32(value))); });
-    addRangeRows(FieldPlace{"{\"gyroTemperatures\": [", "]}", QStringLiteral("gyroTemperatures[0]")}, -32768, 65535,
-                 [](qint64 value) { return qint64(quint16(value)); });
+    addRangeRows(
+        FieldPlace{"{\"gyroTemperatures\": [", "]}", QStringLiteral("gyroTemperatures[0]")}, -32768,
+        65535, [](qint64 value) { return qint64(quint16(value)); });
     addRecordRows("utcTime", RecordFields::utcTime, false);
     addRecordRows("triggerIn1", RecordFields::trigger, false);
     addRecordRows("gpsSolution", RecordFields::gpsSolution, true);
     addRecordRows("gpsDop", RecordFields::gpsDop, true);
     addRecordRows("gpsUtcTime", RecordFields::gpsUtcTime, true);
     addRecordRows("gpsSatellites", RecordFields::gpsSatellites, true);
-    addRecordRows("gpsSatellites", RecordFields::gpsChannel, true, RecordFields::gpsChannelList.data());
+    addRecordRows("gpsSatellites", RecordFields::gpsChannel, true,
+                  RecordFields::gpsChannelList.data());
     addRecordRows("gnssPvt", RecordFields::gnssPvt, true);
     addRecordRows("gnssSatellites", RecordFields::gnssSatellites, true);
-    addRecordRows("gnssSatellites", RecordFields::gnssSatellite, true, RecordFields::gnssSatelliteList.data());
+    addRecordRows("gnssSatellites", RecordFields::gnssSatellite, true,
+                  RecordFields::gnssSatelliteList.data());
 }
 
 void tst_RecordingReader::everyFieldAtAndPastItsRange()
@@ -642,13 +665,15 @@ void tst_RecordingReader::statusWordTakesTheLow32Bits_data()
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<qint32>("word");
 
-    QTest::newRow("the lowest signed word") << QByteArray(R"({"statusWord": -2147483648})") << qint32(INT_MIN);
+    QTest::newRow("the lowest signed word")
+        << QByteArray(R"({"statusWord": -2147483648})") << qint32(INT_MIN);
     QTest::newRow("-1 stays -1") << QByteArray(R"({"statusWord": -1})") << qint32(-1);
-    QTest::newRow("the highest signed word") << QByteArray(R"({"statusWord": 2147483647})") << qint32(INT_MAX);
-    QTest::newRow("the top bit written unsigned turns negative") << QByteArray(R"({"statusWord": 2147483648})")
-                                                               << qint32(INT_MIN);
-    QTest::newRow("all bits written unsigned read as -1") << QByteArray(R"({"statusWord": 4294967295})")
-                                                          << qint32(-1);
+    QTest::newRow("the highest signed word")
+        << QByteArray(R"({"statusWord": 2147483647})") << qint32(INT_MAX);
+    QTest::newRow("the top bit written unsigned turns negative")
+        << QByteArray(R"({"statusWord": 2147483648})") << qint32(INT_MIN);
+    QTest::newRow("all bits written unsigned read as -1")
+        << QByteArray(R"({"statusWord": 4294967295})") << qint32(-1);
 }
 
 void tst_RecordingReader::statusWordTakesTheLow32Bits()
@@ -671,12 +696,14 @@ void tst_RecordingReader::sampleDateTime_data()
     QTest::addColumn<QDateTime>("expected");
 
     QTest::newRow("milliseconds without a zone are local time")
-            << QByteArray(R"({"sampleDateTime": "2026-11-21T09:30:00.250"})")
-            << QDateTime(QDate(2026, 11, 21), QTime(9, 30, 0, 250), Qt::LocalTime);
-    QTest::newRow("a trailing Z is UTC") << QByteArray(R"({"sampleDateTime": "2026-11-21T09:30:00.250Z"})")
-                                         << QDateTime(QDate(2026, 11, 21), QTime(9, 30, 0, 250), Qt::UTC);
-    QTest::newRow("whole seconds are accepted") << QByteArray(R"({"sampleDateTime": "2026-11-21T09:30:07"})")
-                                                << QDateTime(QDate(2026, 11, 21), QTime(9, 30, 7));
+        << QByteArray(R"({"sampleDateTime": "2026-11-21T09:30:00.250"})")
+        << QDateTime(QDate(2026, 11, 21), QTime(9, 30, 0, 250), Qt::LocalTime);
+    QTest::newRow("a trailing Z is UTC")
+        << QByteArray(R"({"sampleDateTime": "2026-11-21T09:30:00.250Z"})")
+        << QDateTime(QDate(2026, 11, 21), QTime(9, 30, 0, 250), Qt::UTC);
+    QTest::newRow("whole seconds are accepted")
+        << QByteArray(R"({"sampleDateTime": "2026-11-21T09:30:07"})")
+        << QDateTime(QDate(2026, 11, 21), QTime(9, 30, 7));
 }
 
 void tst_RecordingReader::sampleDateTime()
@@ -692,7 +719,8 @@ void tst_RecordingReader::satelliteListsAreTruncated()
 {
     QByteArray gps = R"({"gpsSatellites": {"iTOW": 5, "numCh": 20, "channels": [)";
     for (int i = 0; i < 20; ++i)
-        gps += (i ? ", " : "") + QByteArray(R"({"svid": )") + QByteArray::number(i + 1) + R"(, "quality": 7})";
+        gps += (i ? ", " : "") + QByteArray(R"({"svid": )") + QByteArray::number(i + 1)
+            + R"(, "quality": 7})";
     gps += "]}}";
     const RecordingSample withGps = readOne(gps);
     QCOMPARE(withGps.gpsSatellites.numCh, quint8(20));
@@ -712,9 +740,9 @@ void tst_RecordingReader::satelliteListsAreTruncated()
 void tst_RecordingReader::receiverRecordWithoutTimeOfWeekIsAbsent()
 {
     const RecordingSample s = readOne(
-            R"({"gnssPvt": {"iTOW": 0, "lat": 5}, "gpsSolution": {"week": 3}, "gpsDop": {"iTOW": 0, "pDOP": 1},)"
-            R"( "gpsUtcTime": {"year": 2026}, "gpsSatellites": {"numCh": 1, "channels": [{"svid": 3}]},)"
-            R"( "gnssSatellites": {"iTOW": 0, "numSvs": 1, "satellites": [{"svId": 3}]}})");
+        R"({"gnssPvt": {"iTOW": 0, "lat": 5}, "gpsSolution": {"week": 3}, "gpsDop": {"iTOW": 0, "pDOP": 1},)"
+        R"( "gpsUtcTime": {"year": 2026}, "gpsSatellites": {"numCh": 1, "channels": [{"svid": 3}]},)"
+        R"( "gnssSatellites": {"iTOW": 0, "numSvs": 1, "satellites": [{"svId": 3}]}})");
     verifyMissing(s);
 }
 
@@ -729,8 +757,8 @@ void tst_RecordingReader::emptyTriggerObjectIsAPresentTrigger()
 void tst_RecordingReader::unknownKeysAreIgnored()
 {
     const RecordingSample s = readOne(
-            R"({"future": [1, {"a": "b"}], "future": 2, "packetCounter": 7,)"
-            R"( "gnssPvt": {"iTOW": 9, "extra": "x", "extra": [1]}, "triggerIn1": {"colour": "red"}})");
+        R"({"future": [1, {"a": "b"}], "future": 2, "packetCounter": 7,)"
+        R"( "gnssPvt": {"iTOW": 9, "extra": "x", "extra": [1]}, "triggerIn1": {"colour": "red"}})");
     QCOMPARE(s.packetCounter, quint16(7));
     QCOMPARE(s.gnssPvt.iTOW, quint32(9));
     QVERIFY(s.triggerIn1.isValid());
@@ -738,8 +766,12 @@ void tst_RecordingReader::unknownKeysAreIgnored()
 
 void tst_RecordingReader::emptyLinesAreSkipped()
 {
-    const Result result = readAll("\n  \n" + header + "\n\t\n" R"({"packetCounter": 1})" "\n\n"
-                                  R"({"packetCounter": 2})" "\n \n");
+    const Result result = readAll("\n  \n" + header
+                                  + "\n\t\n"
+                                    R"({"packetCounter": 1})"
+                                    "\n\n"
+                                    R"({"packetCounter": 2})"
+                                    "\n \n");
     QCOMPARE(result.error, QString());
     QCOMPARE(result.samples.size(), 2);
     QCOMPARE(result.samples.at(0).packetCounter, quint16(1));
@@ -748,8 +780,12 @@ void tst_RecordingReader::emptyLinesAreSkipped()
 
 void tst_RecordingReader::windowsLineEndsAndByteOrderMark()
 {
-    const Result result = readAll("\xEF\xBB\xBF" R"({"properties": {"A": "b"}, "updateRate": 50})" "\r\n"
-                                  R"({"packetCounter": 1})" "\r\n\r\n" R"({"packetCounter": 2})");
+    const Result result = readAll("\xEF\xBB\xBF"
+                                  R"({"properties": {"A": "b"}, "updateRate": 50})"
+                                  "\r\n"
+                                  R"({"packetCounter": 1})"
+                                  "\r\n\r\n"
+                                  R"({"packetCounter": 2})");
     QCOMPARE(result.error, QString());
     QCOMPARE(result.samples.size(), 2);
     QCOMPARE(result.samples.at(1).packetCounter, quint16(2));
@@ -759,8 +795,8 @@ void tst_RecordingReader::samplesAreReadOneAtATime()
 {
     QByteArray content = header;
     for (int i = 0; i < 20000; ++i)
-        content += R"({"packetCounter": )" + QByteArray::number(i % 65536) + R"(, "sampleTimeFine": )"
-                + QByteArray::number(i * 100) + "}\n";
+        content += R"({"packetCounter": )" + QByteArray::number(i % 65536)
+            + R"(, "sampleTimeFine": )" + QByteArray::number(i * 100) + "}\n";
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("long.jsonl")));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -786,262 +822,339 @@ void tst_RecordingReader::badLines_data()
     QTest::addColumn<QString>("message");
     QTest::addColumn<int>("samplesBefore");
 
-    const QByteArray good = R"({"packetCounter": 1})" "\n";
+    const QByteArray good = R"({"packetCounter": 1})"
+                            "\n";
     const auto file = [](const QByteArray &body) { return QByteArray(header + body); };
 
     QTest::newRow("an empty file has no recording object")
-            << QByteArray() << "rec.jsonl:1: the file holds no recording object" << 0;
+        << QByteArray() << "rec.jsonl:1: the file holds no recording object" << 0;
     QTest::newRow("a file of empty lines has no recording object")
-            << QByteArray("\n \n\n") << "rec.jsonl:4: the file holds no recording object" << 0;
+        << QByteArray("\n \n\n") << "rec.jsonl:4: the file holds no recording object" << 0;
     QTest::newRow("a first line that is a list")
-            << QByteArray("[1, 2]\n") << "rec.jsonl:1: expected a JSON object, got a list" << 0;
+        << QByteArray("[1, 2]\n") << "rec.jsonl:1: expected a JSON object, got a list" << 0;
     QTest::newRow("a first line without properties")
-            << QByteArray(R"({"updateRate": 100})" "\n")
-            << "rec.jsonl:1: the first line must be the recording object, with \"properties\"" << 0;
+        << QByteArray(R"({"updateRate": 100})"
+                      "\n")
+        << "rec.jsonl:1: the first line must be the recording object, with \"properties\"" << 0;
     QTest::newRow("a sample as the first line")
-            << QByteArray(good) << "rec.jsonl:1: the first line must be the recording object, with \"properties\""
-            << 0;
+        << QByteArray(good)
+        << "rec.jsonl:1: the first line must be the recording object, with \"properties\"" << 0;
     QTest::newRow("properties that are a list")
-            << QByteArray(R"({"properties": []})" "\n")
-            << "rec.jsonl:1: \"properties\": expected an object, got a list" << 0;
+        << QByteArray(R"({"properties": []})"
+                      "\n")
+        << "rec.jsonl:1: \"properties\": expected an object, got a list" << 0;
     QTest::newRow("a property that is an object")
-            << QByteArray(R"({"properties": {"DeviceId": {"a": 1}}})" "\n")
-            << "rec.jsonl:1: \"properties.DeviceId\": expected a string, a number, a boolean or null, got an object"
-            << 0;
+        << QByteArray(R"({"properties": {"DeviceId": {"a": 1}}})"
+                      "\n")
+        << "rec.jsonl:1: \"properties.DeviceId\": expected a string, a number, a boolean or null, "
+           "got an object"
+        << 0;
     QTest::newRow("an update rate that is a string")
-            << QByteArray(R"({"properties": {}, "updateRate": "100"})" "\n")
-            << "rec.jsonl:1: \"updateRate\": expected a number, got a string" << 0;
+        << QByteArray(R"({"properties": {}, "updateRate": "100"})"
+                      "\n")
+        << "rec.jsonl:1: \"updateRate\": expected a number, got a string" << 0;
     QTest::newRow("a property given twice")
-            << QByteArray(R"({"properties": {"DeviceId": "A", "DeviceId": "B"}})" "\n")
-            << "rec.jsonl:1: \"properties.DeviceId\": the key appears more than once" << 0;
+        << QByteArray(R"({"properties": {"DeviceId": "A", "DeviceId": "B"}})"
+                      "\n")
+        << "rec.jsonl:1: \"properties.DeviceId\": the key appears more than once" << 0;
     QTest::newRow("properties given twice")
-            << QByteArray(R"({"properties": {}, "properties": {}})" "\n")
-            << "rec.jsonl:1: \"properties\": the key appears more than once" << 0;
+        << QByteArray(R"({"properties": {}, "properties": {}})"
+                      "\n")
+        << "rec.jsonl:1: \"properties\": the key appears more than once" << 0;
     QTest::newRow("malformed JSON on the first line")
-            << QByteArray(R"({"properties": {})" "\n")
-            << "rec.jsonl:1: malformed JSON at column 18: Missing a comma or '}' after an object member." << 0;
+        << QByteArray(R"({"properties": {})"
+                      "\n")
+        << "rec.jsonl:1: malformed JSON at column 18: Missing a comma or '}' after an object "
+           "member."
+        << 0;
 
     QTest::newRow("a bad line in the middle")
-            << file(good + R"({"packetCounter": "1"})" "\n" + good)
-            << "rec.jsonl:3: \"packetCounter\": expected an integer, got a string" << 1;
+        << file(good
+                + R"({"packetCounter": "1"})"
+                  "\n"
+                + good)
+        << "rec.jsonl:3: \"packetCounter\": expected an integer, got a string" << 1;
     QTest::newRow("a bad line at the end")
-            << file(good + good + R"({"packetCounter": -1})")
-            << "rec.jsonl:4: \"packetCounter\": -1 is out of range (0..65535)" << 2;
+        << file(good + good + R"({"packetCounter": -1})")
+        << "rec.jsonl:4: \"packetCounter\": -1 is out of range (0..65535)" << 2;
     QTest::newRow("empty lines count in the line number")
-            << file("\n\n" + good + "\n" + R"({"rssi": true})" "\n")
-            << "rec.jsonl:6: \"rssi\": expected a number, got a boolean" << 1;
+        << file("\n\n" + good + "\n"
+                + R"({"rssi": true})"
+                  "\n")
+        << "rec.jsonl:6: \"rssi\": expected a number, got a boolean" << 1;
     QTest::newRow("a file ending in the middle of a line")
-            << file(good + R"({"packetCounter": 2, "calibratedAcc)")
-            << "rec.jsonl:3: malformed JSON at column 36: Missing a closing quotation mark in string." << 1;
+        << file(good + R"({"packetCounter": 2, "calibratedAcc)")
+        << "rec.jsonl:3: malformed JSON at column 36: Missing a closing quotation mark in string."
+        << 1;
     QTest::newRow("a file ending after a comma")
-            << file(good + R"({"packetCounter": 2,)")
-            << "rec.jsonl:3: malformed JSON at column 21: Missing a name for object member." << 1;
+        << file(good + R"({"packetCounter": 2,)")
+        << "rec.jsonl:3: malformed JSON at column 21: Missing a name for object member." << 1;
     QTest::newRow("trailing text after the object")
-            << file(R"({"packetCounter": 2} x)" "\n")
-            << "rec.jsonl:2: malformed JSON at column 22: The document root must not be followed by other values."
-            << 0;
+        << file(R"({"packetCounter": 2} x)"
+                "\n")
+        << "rec.jsonl:2: malformed JSON at column 22: The document root must not be followed by "
+           "other values."
+        << 0;
     QTest::newRow("two objects on one line")
-            << file(R"({"packetCounter": 2}{"packetCounter": 3})" "\n")
-            << "rec.jsonl:2: malformed JSON at column 21: The document root must not be followed by other values."
-            << 0;
-    QTest::newRow("a sample that is a number") << file("42\n")
-                                               << "rec.jsonl:2: expected a JSON object, got a number" << 0;
-    QTest::newRow("a sample that is a string") << file("\"text\"\n")
-                                               << "rec.jsonl:2: expected a JSON object, got a string" << 0;
-    QTest::newRow("a sample that is null") << file("null\n") << "rec.jsonl:2: expected a JSON object, got null"
-                                           << 0;
+        << file(R"({"packetCounter": 2}{"packetCounter": 3})"
+                "\n")
+        << "rec.jsonl:2: malformed JSON at column 21: The document root must not be followed by "
+           "other values."
+        << 0;
+    QTest::newRow("a sample that is a number")
+        << file("42\n") << "rec.jsonl:2: expected a JSON object, got a number" << 0;
+    QTest::newRow("a sample that is a string")
+        << file("\"text\"\n") << "rec.jsonl:2: expected a JSON object, got a string" << 0;
+    QTest::newRow("a sample that is null")
+        << file("null\n") << "rec.jsonl:2: expected a JSON object, got null" << 0;
 
     QTest::newRow("a fraction where an integer belongs")
-            << file(R"({"packetCounter": 1.5})" "\n") << "rec.jsonl:2: \"packetCounter\": 1.5 is not an integer"
-            << 0;
+        << file(R"({"packetCounter": 1.5})"
+                "\n")
+        << "rec.jsonl:2: \"packetCounter\": 1.5 is not an integer" << 0;
     QTest::newRow("an integer written with a decimal point")
-            << file(R"({"clippingFlags": 3.0})" "\n") << "rec.jsonl:2: \"clippingFlags\": 3.0 is not an integer"
-            << 0;
+        << file(R"({"clippingFlags": 3.0})"
+                "\n")
+        << "rec.jsonl:2: \"clippingFlags\": 3.0 is not an integer" << 0;
     QTest::newRow("an integer written with an exponent")
-            << file(R"({"scrTemperature": 1e3})" "\n")
-            << "rec.jsonl:2: \"scrTemperature\": 1000.0 is not an integer" << 0;
+        << file(R"({"scrTemperature": 1e3})"
+                "\n")
+        << "rec.jsonl:2: \"scrTemperature\": 1000.0 is not an integer" << 0;
     QTest::newRow("NaN where an integer belongs")
-            << file(R"({"packetCounter": NaN})" "\n") << "rec.jsonl:2: \"packetCounter\": NaN is not an integer"
-            << 0;
+        << file(R"({"packetCounter": NaN})"
+                "\n")
+        << "rec.jsonl:2: \"packetCounter\": NaN is not an integer" << 0;
     QTest::newRow("an integer beyond 64 bits")
-            << file(R"({"sampleTimeFine": 100000000000000000000})" "\n")
-            << "rec.jsonl:2: \"sampleTimeFine\": 1e+20 is out of range (0..4294967295)" << 0;
+        << file(R"({"sampleTimeFine": 100000000000000000000})"
+                "\n")
+        << "rec.jsonl:2: \"sampleTimeFine\": 1e+20 is out of range (0..4294967295)" << 0;
     QTest::newRow("an integer just beyond signed 64 bits")
-            << file(R"({"sampleTimeFine": 9223372036854775808})" "\n")
-            << "rec.jsonl:2: \"sampleTimeFine\": 9223372036854775808 is out of range (0..4294967295)" << 0;
+        << file(R"({"sampleTimeFine": 9223372036854775808})"
+                "\n")
+        << "rec.jsonl:2: \"sampleTimeFine\": 9223372036854775808 is out of range (0..4294967295)"
+        << 0;
     QTest::newRow("a packet counter of 65536")
-            << file(R"({"packetCounter": 65536})" "\n")
-            << "rec.jsonl:2: \"packetCounter\": 65536 is out of range (0..65535)" << 0;
+        << file(R"({"packetCounter": 65536})"
+                "\n")
+        << "rec.jsonl:2: \"packetCounter\": 65536 is out of range (0..65535)" << 0;
     QTest::newRow("a sample time fine of 4294967296")
-            << file(R"({"sampleTimeFine": 4294967296})" "\n")
-            << "rec.jsonl:2: \"sampleTimeFine\": 4294967296 is out of range (0..4294967295)" << 0;
+        << file(R"({"sampleTimeFine": 4294967296})"
+                "\n")
+        << "rec.jsonl:2: \"sampleTimeFine\": 4294967296 is out of range (0..4294967295)" << 0;
     QTest::newRow("a negative sample time fine")
-            << file(R"({"sampleTimeFine": -1})" "\n")
-            << "rec.jsonl:2: \"sampleTimeFine\": -1 is out of range (0..4294967295)" << 0;
+        << file(R"({"sampleTimeFine": -1})"
+                "\n")
+        << "rec.jsonl:2: \"sampleTimeFine\": -1 is out of range (0..4294967295)" << 0;
     QTest::newRow("clipping flags of 65536")
-            << file(R"({"clippingFlags": 65536})" "\n")
-            << "rec.jsonl:2: \"clippingFlags\": 65536 is out of range (0..65535)" << 0;
+        << file(R"({"clippingFlags": 65536})"
+                "\n")
+        << "rec.jsonl:2: \"clippingFlags\": 65536 is out of range (0..65535)" << 0;
     QTest::newRow("a raw temperature of -1")
-            << file(R"({"scrTemperature": -1})" "\n")
-            << "rec.jsonl:2: \"scrTemperature\": -1 is out of range (0..65535)" << 0;
+        << file(R"({"scrTemperature": -1})"
+                "\n")
+        << "rec.jsonl:2: \"scrTemperature\": -1 is out of range (0..65535)" << 0;
     QTest::newRow("a status word beyond 32 bits")
-            << file(R"({"statusWord": 4294967296})" "\n")
-            << "rec.jsonl:2: \"statusWord\": 4294967296 is out of range (-2147483648..4294967295)" << 0;
+        << file(R"({"statusWord": 4294967296})"
+                "\n")
+        << "rec.jsonl:2: \"statusWord\": 4294967296 is out of range (-2147483648..4294967295)" << 0;
     QTest::newRow("a status word below the lowest signed word")
-            << file(R"({"statusWord": -2147483649})" "\n")
-            << "rec.jsonl:2: \"statusWord\": -2147483649 is out of range (-2147483648..4294967295)" << 0;
+        << file(R"({"statusWord": -2147483649})"
+                "\n")
+        << "rec.jsonl:2: \"statusWord\": -2147483649 is out of range (-2147483648..4294967295)"
+        << 0;
     QTest::newRow("a gyroscope temperature beyond 16 bits")
-            << file(R"({"gyroTemperatures": [1, 65536]})" "\n")
-            << "rec.jsonl:2: \"gyroTemperatures[1]\": 65536 is out of range (-32768..65535)" << 0;
+        << file(R"({"gyroTemperatures": [1, 65536]})"
+                "\n")
+        << "rec.jsonl:2: \"gyroTemperatures[1]\": 65536 is out of range (-32768..65535)" << 0;
     QTest::newRow("a gyroscope temperature below the lowest signed word")
-            << file(R"({"gyroTemperatures": [-32769]})" "\n")
-            << "rec.jsonl:2: \"gyroTemperatures[0]\": -32769 is out of range (-32768..65535)" << 0;
+        << file(R"({"gyroTemperatures": [-32769]})"
+                "\n")
+        << "rec.jsonl:2: \"gyroTemperatures[0]\": -32769 is out of range (-32768..65535)" << 0;
     QTest::newRow("gyroscope temperatures that are a number")
-            << file(R"({"gyroTemperatures": 6400})" "\n")
-            << "rec.jsonl:2: \"gyroTemperatures\": expected a list of integers, got a number" << 0;
+        << file(R"({"gyroTemperatures": 6400})"
+                "\n")
+        << "rec.jsonl:2: \"gyroTemperatures\": expected a list of integers, got a number" << 0;
     QTest::newRow("an 8-bit field at 256")
-            << file(R"({"utcTime": {"month": 256}})" "\n")
-            << "rec.jsonl:2: \"utcTime.month\": 256 is out of range (0..255)" << 0;
+        << file(R"({"utcTime": {"month": 256}})"
+                "\n")
+        << "rec.jsonl:2: \"utcTime.month\": 256 is out of range (0..255)" << 0;
     QTest::newRow("an unsigned 16-bit field at -1")
-            << file(R"({"gpsDop": {"iTOW": 1, "hDOP": -1}})" "\n")
-            << "rec.jsonl:2: \"gpsDop.hDOP\": -1 is out of range (0..65535)" << 0;
+        << file(R"({"gpsDop": {"iTOW": 1, "hDOP": -1}})"
+                "\n")
+        << "rec.jsonl:2: \"gpsDop.hDOP\": -1 is out of range (0..65535)" << 0;
     QTest::newRow("a signed 16-bit field at 32768")
-            << file(R"({"gpsSolution": {"iTOW": 1, "week": 32768}})" "\n")
-            << "rec.jsonl:2: \"gpsSolution.week\": 32768 is out of range (-32768..32767)" << 0;
+        << file(R"({"gpsSolution": {"iTOW": 1, "week": 32768}})"
+                "\n")
+        << "rec.jsonl:2: \"gpsSolution.week\": 32768 is out of range (-32768..32767)" << 0;
     QTest::newRow("a signed 32-bit field at 2147483648")
-            << file(R"({"gnssPvt": {"iTOW": 1, "lat": 2147483648}})" "\n")
-            << "rec.jsonl:2: \"gnssPvt.lat\": 2147483648 is out of range (-2147483648..2147483647)" << 0;
+        << file(R"({"gnssPvt": {"iTOW": 1, "lat": 2147483648}})"
+                "\n")
+        << "rec.jsonl:2: \"gnssPvt.lat\": 2147483648 is out of range (-2147483648..2147483647)"
+        << 0;
     QTest::newRow("an unsigned 32-bit field at 4294967296")
-            << file(R"({"gnssPvt": {"iTOW": 4294967296}})" "\n")
-            << "rec.jsonl:2: \"gnssPvt.iTOW\": 4294967296 is out of range (0..4294967295)" << 0;
+        << file(R"({"gnssPvt": {"iTOW": 4294967296}})"
+                "\n")
+        << "rec.jsonl:2: \"gnssPvt.iTOW\": 4294967296 is out of range (0..4294967295)" << 0;
     QTest::newRow("a trigger polarity of 256")
-            << file(R"({"triggerIn2": {"polarity": 256}})" "\n")
-            << "rec.jsonl:2: \"triggerIn2.polarity\": 256 is out of range (0..255)" << 0;
+        << file(R"({"triggerIn2": {"polarity": 256}})"
+                "\n")
+        << "rec.jsonl:2: \"triggerIn2.polarity\": 256 is out of range (0..255)" << 0;
     QTest::newRow("a trigger that is true")
-            << file(R"({"triggerIn1": true})" "\n")
-            << "rec.jsonl:2: \"triggerIn1\": expected an object, got a boolean" << 0;
+        << file(R"({"triggerIn1": true})"
+                "\n")
+        << "rec.jsonl:2: \"triggerIn1\": expected an object, got a boolean" << 0;
     QTest::newRow("a receiver record that is a list")
-            << file(R"({"gnssPvt": [1, 2]})" "\n")
-            << "rec.jsonl:2: \"gnssPvt\": expected an object, got a list" << 0;
+        << file(R"({"gnssPvt": [1, 2]})"
+                "\n")
+        << "rec.jsonl:2: \"gnssPvt\": expected an object, got a list" << 0;
     QTest::newRow("a receiver field that is a string")
-            << file(R"({"gpsDop": {"iTOW": 1, "pDOP": "1.2"}})" "\n")
-            << "rec.jsonl:2: \"gpsDop.pDOP\": expected an integer, got a string" << 0;
+        << file(R"({"gpsDop": {"iTOW": 1, "pDOP": "1.2"}})"
+                "\n")
+        << "rec.jsonl:2: \"gpsDop.pDOP\": expected an integer, got a string" << 0;
     QTest::newRow("a UTC time that is a string")
-            << file(R"({"utcTime": "09:30"})" "\n")
-            << "rec.jsonl:2: \"utcTime\": expected an object, got a string" << 0;
+        << file(R"({"utcTime": "09:30"})"
+                "\n")
+        << "rec.jsonl:2: \"utcTime\": expected an object, got a string" << 0;
     QTest::newRow("a satellite list that is an object")
-            << file(R"({"gnssSatellites": {"iTOW": 1, "satellites": {}}})" "\n")
-            << "rec.jsonl:2: \"gnssSatellites.satellites\": expected a list, got an object" << 0;
+        << file(R"({"gnssSatellites": {"iTOW": 1, "satellites": {}}})"
+                "\n")
+        << "rec.jsonl:2: \"gnssSatellites.satellites\": expected a list, got an object" << 0;
     QTest::newRow("a satellite entry that is not an object")
-            << file(R"({"gnssSatellites": {"iTOW": 1, "satellites": [{}, {}, 3]}})" "\n")
-            << "rec.jsonl:2: \"gnssSatellites.satellites[2]\": expected an object, got a number" << 0;
+        << file(R"({"gnssSatellites": {"iTOW": 1, "satellites": [{}, {}, 3]}})"
+                "\n")
+        << "rec.jsonl:2: \"gnssSatellites.satellites[2]\": expected an object, got a number" << 0;
     QTest::newRow("a bad channel beyond the sixteenth is still checked")
-            << file(R"({"gpsSatellites": {"iTOW": 1, "channels": [)" + QByteArray("{}, ").repeated(16)
-                       + R"({"svid": 256}]}})" "\n")
-            << "rec.jsonl:2: \"gpsSatellites.channels[16].svid\": 256 is out of range (0..255)" << 0;
-    QTest::newRow("a bad satellite beyond the sixtieth is still checked")
-            << file(R"({"gnssSatellites": {"iTOW": 1, "satellites": [)" + QByteArray("{}, ").repeated(60)
-                       + R"({"cno": -1}]}})" "\n")
-            << "rec.jsonl:2: \"gnssSatellites.satellites[60].cno\": -1 is out of range (0..255)" << 0;
+        << file(R"({"gpsSatellites": {"iTOW": 1, "channels": [)" + QByteArray("{}, ").repeated(16)
+                + R"({"svid": 256}]}})"
+                  "\n")
+        << "rec.jsonl:2: \"gpsSatellites.channels[16].svid\": 256 is out of range (0..255)" << 0;
+    QTest::newRow("a bad satellite beyond the sixtieth is still checked") << file(
+        R"({"gnssSatellites": {"iTOW": 1, "satellites": [)" + QByteArray("{}, ").repeated(60)
+        + R"({"cno": -1}]}})"
+          "\n") << "rec.jsonl:2: \"gnssSatellites.satellites[60].cno\": -1 is out of range (0..255)"
+                                                                          << 0;
 
     QTest::newRow("a vector that is a string")
-            << file(R"({"calibratedAcceleration": "1 2 3"})" "\n")
-            << "rec.jsonl:2: \"calibratedAcceleration\": expected a list of 3 numbers, got a string" << 0;
+        << file(R"({"calibratedAcceleration": "1 2 3"})"
+                "\n")
+        << "rec.jsonl:2: \"calibratedAcceleration\": expected a list of 3 numbers, got a string"
+        << 0;
     QTest::newRow("a vector of two numbers")
-            << file(R"({"magneticField": [1, 2]})" "\n")
-            << "rec.jsonl:2: \"magneticField\": expected a list of 3 numbers, got 2 entries" << 0;
+        << file(R"({"magneticField": [1, 2]})"
+                "\n")
+        << "rec.jsonl:2: \"magneticField\": expected a list of 3 numbers, got 2 entries" << 0;
     QTest::newRow("a vector with a string in it")
-            << file(R"({"velocity": [1, "2", 3]})" "\n")
-            << "rec.jsonl:2: \"velocity[1]\": expected a number, got a string" << 0;
+        << file(R"({"velocity": [1, "2", 3]})"
+                "\n")
+        << "rec.jsonl:2: \"velocity[1]\": expected a number, got a string" << 0;
     QTest::newRow("a vector with null in it")
-            << file(R"({"scrAcceleration": [1, 2, null]})" "\n")
-            << "rec.jsonl:2: \"scrAcceleration[2]\": expected a number, got null" << 0;
+        << file(R"({"scrAcceleration": [1, 2, null]})"
+                "\n")
+        << "rec.jsonl:2: \"scrAcceleration[2]\": expected a number, got null" << 0;
     QTest::newRow("a quaternion of three numbers")
-            << file(R"({"orientationQuaternion": [1, 0, 0]})" "\n")
-            << "rec.jsonl:2: \"orientationQuaternion\": expected a list of 4 numbers, got 3 entries" << 0;
+        << file(R"({"orientationQuaternion": [1, 0, 0]})"
+                "\n")
+        << "rec.jsonl:2: \"orientationQuaternion\": expected a list of 4 numbers, got 3 entries"
+        << 0;
     QTest::newRow("Euler angles of four numbers")
-            << file(R"({"orientationEuler": [1, 2, 3, 4]})" "\n")
-            << "rec.jsonl:2: \"orientationEuler\": expected a list of 3 numbers, got 4 entries" << 0;
+        << file(R"({"orientationEuler": [1, 2, 3, 4]})"
+                "\n")
+        << "rec.jsonl:2: \"orientationEuler\": expected a list of 3 numbers, got 4 entries" << 0;
     QTest::newRow("a position of three numbers")
-            << file(R"({"latitudeLongitude": [47, 8, 400]})" "\n")
-            << "rec.jsonl:2: \"latitudeLongitude\": expected a list of 2 numbers, got 3 entries" << 0;
+        << file(R"({"latitudeLongitude": [47, 8, 400]})"
+                "\n")
+        << "rec.jsonl:2: \"latitudeLongitude\": expected a list of 2 numbers, got 3 entries" << 0;
     QTest::newRow("a matrix of two rows")
-            << file(R"({"orientationMatrix": [[1, 0, 0], [0, 1, 0]]})" "\n")
-            << "rec.jsonl:2: \"orientationMatrix\": expected a list of 3 rows, got 2 entries" << 0;
+        << file(R"({"orientationMatrix": [[1, 0, 0], [0, 1, 0]]})"
+                "\n")
+        << "rec.jsonl:2: \"orientationMatrix\": expected a list of 3 rows, got 2 entries" << 0;
     QTest::newRow("a matrix with a short row")
-            << file(R"({"orientationMatrix": [[1, 0, 0], [0, 1, 0], [0, 0]]})" "\n")
-            << "rec.jsonl:2: \"orientationMatrix[2]\": expected a list of 3 numbers, got 2 entries" << 0;
+        << file(R"({"orientationMatrix": [[1, 0, 0], [0, 1, 0], [0, 0]]})"
+                "\n")
+        << "rec.jsonl:2: \"orientationMatrix[2]\": expected a list of 3 numbers, got 2 entries"
+        << 0;
     QTest::newRow("a matrix written flat")
-            << file(R"({"orientationMatrix": [1, 0, 0, 0, 1, 0, 0, 0, 1]})" "\n")
-            << "rec.jsonl:2: \"orientationMatrix\": expected a list of 3 rows, got 9 entries" << 0;
+        << file(R"({"orientationMatrix": [1, 0, 0, 0, 1, 0, 0, 0, 1]})"
+                "\n")
+        << "rec.jsonl:2: \"orientationMatrix\": expected a list of 3 rows, got 9 entries" << 0;
     QTest::newRow("a matrix row that is a number")
-            << file(R"({"orientationMatrix": [[1, 0, 0], 5, [0, 0, 1]]})" "\n")
-            << "rec.jsonl:2: \"orientationMatrix[1]\": expected a list of 3 numbers, got a number" << 0;
+        << file(R"({"orientationMatrix": [[1, 0, 0], 5, [0, 0, 1]]})"
+                "\n")
+        << "rec.jsonl:2: \"orientationMatrix[1]\": expected a list of 3 numbers, got a number" << 0;
     QTest::newRow("a temperature that is a string")
-            << file(R"({"temperature": "25"})" "\n")
-            << "rec.jsonl:2: \"temperature\": expected a number, got a string" << 0;
+        << file(R"({"temperature": "25"})"
+                "\n")
+        << "rec.jsonl:2: \"temperature\": expected a number, got a string" << 0;
     QTest::newRow("an altitude that is a list")
-            << file(R"({"altitude": [400]})" "\n") << "rec.jsonl:2: \"altitude\": expected a number, got a list"
-            << 0;
+        << file(R"({"altitude": [400]})"
+                "\n")
+        << "rec.jsonl:2: \"altitude\": expected a number, got a list" << 0;
     QTest::newRow("a date that is not a date")
-            << file(R"({"sampleDateTime": "yesterday"})" "\n")
-            << "rec.jsonl:2: \"sampleDateTime\": \"yesterday\" is not an ISO 8601 date and time" << 0;
+        << file(R"({"sampleDateTime": "yesterday"})"
+                "\n")
+        << "rec.jsonl:2: \"sampleDateTime\": \"yesterday\" is not an ISO 8601 date and time" << 0;
     QTest::newRow("a date that is a number")
-            << file(R"({"sampleDateTime": 20261121})" "\n")
-            << "rec.jsonl:2: \"sampleDateTime\": expected a string, got a number" << 0;
+        << file(R"({"sampleDateTime": 20261121})"
+                "\n")
+        << "rec.jsonl:2: \"sampleDateTime\": expected a string, got a number" << 0;
     QTest::newRow("a long bad date is shortened in the message")
-            << file(R"({"sampleDateTime": ")" + QByteArray(100, 'x') + "\"}\n")
-            << QString("rec.jsonl:2: \"sampleDateTime\": \"" + QString(60, QLatin1Char('x'))
-                       + "...\" is not an ISO 8601 date and time")
-            << 0;
+        << file(R"({"sampleDateTime": ")" + QByteArray(100, 'x') + "\"}\n")
+        << QString("rec.jsonl:2: \"sampleDateTime\": \"" + QString(60, QLatin1Char('x'))
+                   + "...\" is not an ISO 8601 date and time")
+        << 0;
 
     QTest::newRow("a sample key given twice")
-            << file(R"({"packetCounter": 1, "packetCounter": 2})" "\n")
-            << "rec.jsonl:2: \"packetCounter\": the key appears more than once" << 0;
+        << file(R"({"packetCounter": 1, "packetCounter": 2})"
+                "\n")
+        << "rec.jsonl:2: \"packetCounter\": the key appears more than once" << 0;
     QTest::newRow("a sample key given as null and again")
-            << file(R"({"temperature": null, "temperature": 20})" "\n")
-            << "rec.jsonl:2: \"temperature\": the key appears more than once" << 0;
+        << file(R"({"temperature": null, "temperature": 20})"
+                "\n")
+        << "rec.jsonl:2: \"temperature\": the key appears more than once" << 0;
     QTest::newRow("a record field given twice")
-            << file(R"({"gnssPvt": {"iTOW": 1, "lat": 1, "lat": 2}})" "\n")
-            << "rec.jsonl:2: \"gnssPvt.lat\": the key appears more than once" << 0;
+        << file(R"({"gnssPvt": {"iTOW": 1, "lat": 1, "lat": 2}})"
+                "\n")
+        << "rec.jsonl:2: \"gnssPvt.lat\": the key appears more than once" << 0;
     QTest::newRow("a satellite list given twice")
-            << file(R"({"gpsSatellites": {"iTOW": 1, "channels": [], "channels": []}})" "\n")
-            << "rec.jsonl:2: \"gpsSatellites.channels\": the key appears more than once" << 0;
+        << file(R"({"gpsSatellites": {"iTOW": 1, "channels": [], "channels": []}})"
+                "\n")
+        << "rec.jsonl:2: \"gpsSatellites.channels\": the key appears more than once" << 0;
 
     QTest::newRow("lists nested too deep")
-            << file(QByteArray(100000, '[') + QByteArray(100000, ']') + "\n")
-            << "rec.jsonl:2: lists and objects nested deeper than 32 levels" << 0;
+        << file(QByteArray(100000, '[') + QByteArray(100000, ']') + "\n")
+        << "rec.jsonl:2: lists and objects nested deeper than 32 levels" << 0;
     QTest::newRow("objects nested too deep under an unknown key")
-            << file(R"({"future": )" + QByteArray(R"({"a": )").repeated(40) + "1"
-                       + QByteArray(40, '}') + "}\n")
-            << "rec.jsonl:2: lists and objects nested deeper than 32 levels" << 0;
+        << file(R"({"future": )" + QByteArray(R"({"a": )").repeated(40) + "1" + QByteArray(40, '}')
+                + "}\n")
+        << "rec.jsonl:2: lists and objects nested deeper than 32 levels" << 0;
     QTest::newRow("an unclosed deep nesting")
-            << file(QByteArray(3000000, '['))
-            << "rec.jsonl:2: lists and objects nested deeper than 32 levels" << 0;
+        << file(QByteArray(3000000, '['))
+        << "rec.jsonl:2: lists and objects nested deeper than 32 levels" << 0;
     QTest::newRow("invalid UTF-8 in a string")
-            << file("{\"sampleDateTime\": \"2026\xff\"}\n")
-            << "rec.jsonl:2: malformed JSON at column 25: Invalid encoding in string." << 0;
+        << file("{\"sampleDateTime\": \"2026\xff\"}\n")
+        << "rec.jsonl:2: malformed JSON at column 25: Invalid encoding in string." << 0;
     QTest::newRow("invalid UTF-8 in a key")
-            << file("{\"\xc3\x28\": 1}\n")
-            << "rec.jsonl:2: malformed JSON at column 3: Invalid encoding in string." << 0;
+        << file("{\"\xc3\x28\": 1}\n")
+        << "rec.jsonl:2: malformed JSON at column 3: Invalid encoding in string." << 0;
     // The text ends right after the first byte of a four-byte character:
     // nothing past the line's end may be read for the missing three.
     QTest::newRow("a recording object cut short inside a character")
-            << QByteArray("{\"properties\": {\"DeviceId\": \"\xf0")
-            << "rec.jsonl:1: malformed JSON at column 30: Invalid encoding in string." << 0;
+        << QByteArray("{\"properties\": {\"DeviceId\": \"\xf0")
+        << "rec.jsonl:1: malformed JSON at column 30: Invalid encoding in string." << 0;
     QTest::newRow("a sample cut short inside a character")
-            << file("{\"sampleDateTime\": \"2026-11-21T09:30:00\xf4")
-            << "rec.jsonl:2: malformed JSON at column 40: Invalid encoding in string." << 0;
+        << file("{\"sampleDateTime\": \"2026-11-21T09:30:00\xf4")
+        << "rec.jsonl:2: malformed JSON at column 40: Invalid encoding in string." << 0;
     QTest::newRow("invalid UTF-8 outside strings")
-            << file("\xfe\xff\n") << "rec.jsonl:2: malformed JSON at column 1: Invalid value." << 0;
+        << file("\xfe\xff\n") << "rec.jsonl:2: malformed JSON at column 1: Invalid value." << 0;
     QTest::newRow("a NUL byte after the object")
-            << file(QByteArray("{}\0garbage\n", 11)) << "rec.jsonl:2: NUL byte at column 3" << 0;
+        << file(QByteArray("{}\0garbage\n", 11)) << "rec.jsonl:2: NUL byte at column 3" << 0;
     QTest::newRow("a number too large for a double")
-            << file(R"({"rssi": 1e999})" "\n")
-            << "rec.jsonl:2: malformed JSON at column 10: Number too big to be stored in double." << 0;
+        << file(R"({"rssi": 1e999})"
+                "\n")
+        << "rec.jsonl:2: malformed JSON at column 10: Number too big to be stored in double." << 0;
     QTest::newRow("a control character in a string")
-            << file("{\"sampleDateTime\": \"a\tb\"}\n")
-            << "rec.jsonl:2: malformed JSON at column 22: Invalid escape character in string." << 0;
+        << file("{\"sampleDateTime\": \"a\tb\"}\n")
+        << "rec.jsonl:2: malformed JSON at column 22: Invalid escape character in string." << 0;
 }
 
 void tst_RecordingReader::badLines()
@@ -1070,13 +1183,15 @@ void tst_RecordingReader::hugeLine()
     RecordingReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
     QVERIFY(!reader.readNext());
-    QCOMPARE(reader.errorString(), file.fileName() + QStringLiteral(":2: the line is longer than 4194304 bytes"));
+    QCOMPARE(reader.errorString(),
+             file.fileName() + QStringLiteral(":2: the line is longer than 4194304 bytes"));
 }
 
 void tst_RecordingReader::largeLineBelowTheLimit()
 {
-    const RecordingSample s = readOne(R"({"packetCounter": 3, "note": ")" + QByteArray(3 * 1024 * 1024, 'a')
-                                      + R"(", "temperature": 21.5})");
+    const RecordingSample s =
+        readOne(R"({"packetCounter": 3, "note": ")" + QByteArray(3 * 1024 * 1024, 'a')
+                + R"(", "temperature": 21.5})");
     QCOMPARE(s.packetCounter, quint16(3));
     QCOMPARE(s.temperature, 21.5);
 }
@@ -1086,7 +1201,12 @@ void tst_RecordingReader::readingStopsAfterABadLine()
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("bad.jsonl")));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(header + R"({"packetCounter": 1})" "\n" "[]\n" R"({"packetCounter": 3})" "\n");
+    file.write(header
+               + R"({"packetCounter": 1})"
+                 "\n"
+                 "[]\n"
+                 R"({"packetCounter": 3})"
+                 "\n");
     file.close();
 
     RecordingReader reader;
@@ -1105,7 +1225,8 @@ void tst_RecordingReader::directoryAsInput()
     QTemporaryDir dir;
     RecordingReader reader;
     QVERIFY(!reader.open(dir.path()));
-    QCOMPARE(reader.errorString(), dir.path() + QStringLiteral(": is a directory, not a recording"));
+    QCOMPARE(reader.errorString(),
+             dir.path() + QStringLiteral(": is a directory, not a recording"));
     QVERIFY(!reader.readNext());
 }
 
@@ -1115,7 +1236,8 @@ void tst_RecordingReader::missingFile()
     const QString path = dir.filePath(QStringLiteral("absent.jsonl"));
     RecordingReader reader;
     QVERIFY(!reader.open(path));
-    QCOMPARE(reader.errorString(), path + QStringLiteral(": cannot be read: No such file or directory"));
+    QCOMPARE(reader.errorString(),
+             path + QStringLiteral(": cannot be read: No such file or directory"));
     QVERIFY(!reader.readNext());
 }
 
@@ -1132,7 +1254,8 @@ void tst_RecordingReader::unreadableFile()
 
     RecordingReader reader;
     QVERIFY(!reader.open(file.fileName()));
-    QCOMPARE(reader.errorString(), file.fileName() + QStringLiteral(": cannot be read: Permission denied"));
+    QCOMPARE(reader.errorString(),
+             file.fileName() + QStringLiteral(": cannot be read: Permission denied"));
 }
 
 QTEST_GUILESS_MAIN(tst_RecordingReader)

@@ -13,8 +13,9 @@
 namespace {
 
 const QByteArray header =
-        R"({"properties": {"DeviceId": "0123ABCD", "FilterProfileVersion": 1, "Gain": 2.5, "Flag": true,)"
-        R"( "Nothing": null}, "updateRate": 400})" "\n";
+    R"({"properties": {"DeviceId": "0123ABCD", "FilterProfileVersion": 1, "Gain": 2.5, "Flag": true,)"
+    R"( "Nothing": null}, "updateRate": 400})"
+    "\n";
 
 // A reader positioned on the one sample of a file made for the test, and the
 // source over it.
@@ -66,7 +67,8 @@ void tst_RecordingSource::propertiesAndRate()
     QCOMPARE(source.updateRate(), 400.0);
     QCOMPARE(source.property(QStringLiteral("DeviceId")), QVariant(QStringLiteral("0123ABCD")));
     QCOMPARE(source.property(QStringLiteral("FilterProfileVersion")), QVariant(qint64(1)));
-    QCOMPARE(source.property(QStringLiteral("FilterProfileVersion")).toString(), QStringLiteral("1"));
+    QCOMPARE(source.property(QStringLiteral("FilterProfileVersion")).toString(),
+             QStringLiteral("1"));
     QCOMPARE(source.property(QStringLiteral("Gain")), QVariant(2.5));
     QCOMPARE(source.property(QStringLiteral("Flag")), QVariant(true));
     QVERIFY(!source.property(QStringLiteral("Nothing")).isValid());
@@ -76,30 +78,34 @@ void tst_RecordingSource::propertiesAndRate()
 void tst_RecordingSource::rateIsZeroWithoutOne()
 {
     Fixture f;
-    QVERIFY2(f.load(R"({"properties": {}})" "\n{}\n"), qPrintable(f.reader.errorString()));
+    QVERIFY2(f.load(R"({"properties": {}})"
+                    "\n{}\n"),
+             qPrintable(f.reader.errorString()));
     QCOMPARE(f.source->updateRate(), 0.0);
 }
 
 void tst_RecordingSource::accessorsAnswerForTheCurrentSample()
 {
     Fixture f;
-    QVERIFY2(f.load(header
-                    + R"({"packetCounter": 42, "sampleTimeFine": 123456, "sampleDateTime": "2026-11-21T09:30:00.250",)"
-                      R"( "utcTime": {"nano": 5, "year": 2026, "month": 11, "day": 21, "hour": 9, "minute": 30,)"
-                      R"( "second": 1, "valid": 7}, "statusWord": 2147483648, "clippingFlags": 9, "rssi": -60,)"
-                      R"( "calibratedAcceleration": [1, 2, 3], "freeAcceleration": [4, 5, 6],)"
-                      R"( "calibratedAngularVelocity": [7, 8, 9], "magneticField": [10, 11, 12],)"
-                      R"( "velocityIncrement": [13, 14, 15], "scrAcceleration": [16, 17, 18],)"
-                      R"( "scrGyroscopeData": [19, 20, 21], "scrMagneticField": [22, 23, 24], "velocity": [25, 26, 27],)"
-                      R"( "orientationIncrement": [1, 0, 0, 0], "orientationQuaternion": [0, 1, 0, 0],)"
-                      R"( "latitudeLongitude": [47.5, 8.5], "altitude": 0, "temperature": 25.5, "pressure": 96000,)"
-                      R"( "scrTemperature": 11500, "gyroTemperatures": [6400],)"
-                      R"( "gpsSolution": {"iTOW": 1, "numSV": 9}, "gpsDop": {"iTOW": 2, "pDOP": 150},)"
-                      R"( "gpsUtcTime": {"iTOW": 3, "sec": 59}, "gpsSatellites": {"iTOW": 4, "numCh": 1,)"
-                      R"( "channels": [{"svid": 12, "quality": 7}]}, "gnssPvt": {"iTOW": 5, "lat": -12345},)"
-                      R"( "gnssSatellites": {"iTOW": 6, "numSvs": 1, "satellites": [{"gnssId": 2, "cno": 40}]}})"
-                      "\n"),
-             qPrintable(f.reader.errorString()));
+    QVERIFY2(
+        f.load(
+            header
+            + R"({"packetCounter": 42, "sampleTimeFine": 123456, "sampleDateTime": "2026-11-21T09:30:00.250",)"
+              R"( "utcTime": {"nano": 5, "year": 2026, "month": 11, "day": 21, "hour": 9, "minute": 30,)"
+              R"( "second": 1, "valid": 7}, "statusWord": 2147483648, "clippingFlags": 9, "rssi": -60,)"
+              R"( "calibratedAcceleration": [1, 2, 3], "freeAcceleration": [4, 5, 6],)"
+              R"( "calibratedAngularVelocity": [7, 8, 9], "magneticField": [10, 11, 12],)"
+              R"( "velocityIncrement": [13, 14, 15], "scrAcceleration": [16, 17, 18],)"
+              R"( "scrGyroscopeData": [19, 20, 21], "scrMagneticField": [22, 23, 24], "velocity": [25, 26, 27],)"
+              R"( "orientationIncrement": [1, 0, 0, 0], "orientationQuaternion": [0, 1, 0, 0],)"
+              R"( "latitudeLongitude": [47.5, 8.5], "altitude": 0, "temperature": 25.5, "pressure": 96000,)"
+              R"( "scrTemperature": 11500, "gyroTemperatures": [6400],)"
+              R"( "gpsSolution": {"iTOW": 1, "numSV": 9}, "gpsDop": {"iTOW": 2, "pDOP": 150},)"
+              R"( "gpsUtcTime": {"iTOW": 3, "sec": 59}, "gpsSatellites": {"iTOW": 4, "numCh": 1,)"
+              R"( "channels": [{"svid": 12, "quality": 7}]}, "gnssPvt": {"iTOW": 5, "lat": -12345},)"
+              R"( "gnssSatellites": {"iTOW": 6, "numSvs": 1, "satellites": [{"gnssId": 2, "cno": 40}]}})"
+              "\n"),
+        qPrintable(f.reader.errorString()));
     const ExportSource &s = *f.source;
 
     QCOMPARE(s.packetCounter(), quint16(42));
@@ -141,7 +147,11 @@ void tst_RecordingSource::accessorsAnswerForTheCurrentSample()
 void tst_RecordingSource::accessorsFollowTheReader()
 {
     Fixture f;
-    QVERIFY2(f.load(header + R"({"packetCounter": 1, "temperature": 20})" "\n" R"({"packetCounter": 2})" "\n"),
+    QVERIFY2(f.load(header
+                    + R"({"packetCounter": 1, "temperature": 20})"
+                      "\n"
+                      R"({"packetCounter": 2})"
+                      "\n"),
              qPrintable(f.reader.errorString()));
     QCOMPARE(f.source->packetCounter(), quint16(1));
     QCOMPARE(f.source->temperature(), 20.0);
@@ -204,33 +214,36 @@ void tst_RecordingSource::derivedOrientation_data()
     const double h = std::sqrt(0.5);
     const QByteArray half = QByteArray::number(h, 'g', 17);
     QTest::newRow("the identity is no rotation")
-            << QByteArray("[1, 0, 0, 0]") << QVector<double>{0, 0, 0}
-            << QVector<double>{1, 0, 0, 0, 1, 0, 0, 0, 1};
+        << QByteArray("[1, 0, 0, 0]") << QVector<double>{0, 0, 0}
+        << QVector<double>{1, 0, 0, 0, 1, 0, 0, 0, 1};
     QTest::newRow("a 90 degree yaw turns x onto y")
-            << QByteArray("[" + half + ", 0, 0, " + half + "]") << QVector<double>{0, 0, 90}
-            << QVector<double>{0, -1, 0, 1, 0, 0, 0, 0, 1};
+        << QByteArray("[" + half + ", 0, 0, " + half + "]") << QVector<double>{0, 0, 90}
+        << QVector<double>{0, -1, 0, 1, 0, 0, 0, 0, 1};
     QTest::newRow("a 90 degree roll turns y onto z")
-            << QByteArray("[" + half + ", " + half + ", 0, 0]") << QVector<double>{90, 0, 0}
-            << QVector<double>{1, 0, 0, 0, 0, -1, 0, 1, 0};
+        << QByteArray("[" + half + ", " + half + ", 0, 0]") << QVector<double>{90, 0, 0}
+        << QVector<double>{1, 0, 0, 0, 0, -1, 0, 1, 0};
     const double c15 = std::cos(M_PI / 12), s15 = std::sin(M_PI / 12);
     QTest::newRow("a 30 degree pitch tilts z towards x")
-            << QByteArray("[" + QByteArray::number(c15, 'g', 17) + ", 0, " + QByteArray::number(s15, 'g', 17) + ", 0]")
-            << QVector<double>{0, 30, 0}
-            << QVector<double>{std::sqrt(3.0) / 2, 0, 0.5, 0, 1, 0, -0.5, 0, std::sqrt(3.0) / 2};
+        << QByteArray("[" + QByteArray::number(c15, 'g', 17) + ", 0, "
+                      + QByteArray::number(s15, 'g', 17) + ", 0]")
+        << QVector<double>{0, 30, 0}
+        << QVector<double>{std::sqrt(3.0) / 2, 0, 0.5, 0, 1, 0, -0.5, 0, std::sqrt(3.0) / 2};
     QTest::newRow("a half turn about z is a yaw of 180 degrees")
-            << QByteArray("[0, 0, 0, 1]") << QVector<double>{0, 0, 180}
-            << QVector<double>{-1, 0, 0, 0, -1, 0, 0, 0, 1};
+        << QByteArray("[0, 0, 0, 1]") << QVector<double>{0, 0, 180}
+        << QVector<double>{-1, 0, 0, 0, -1, 0, 0, 0, 1};
     // Yaw 90 degrees, then pitch 45 degrees: q = q(yaw) * q(pitch).
     const double c45 = std::cos(M_PI / 4), s45 = std::sin(M_PI / 4);
     const double c22 = std::cos(M_PI / 8), s22 = std::sin(M_PI / 8);
     QTest::newRow("yaw 90 then pitch 45 degrees")
-            << QByteArray("[" + QByteArray::number(c45 * c22, 'g', 17) + ", " + QByteArray::number(-s45 * s22, 'g', 17)
-                          + ", " + QByteArray::number(c45 * s22, 'g', 17) + ", " + QByteArray::number(s45 * c22, 'g', 17)
-                          + "]")
-            << QVector<double>{0, 45, 90} << QVector<double>{0, -1, 0, h, 0, h, -h, 0, h};
+        << QByteArray("[" + QByteArray::number(c45 * c22, 'g', 17) + ", "
+                      + QByteArray::number(-s45 * s22, 'g', 17) + ", "
+                      + QByteArray::number(c45 * s22, 'g', 17) + ", "
+                      + QByteArray::number(s45 * c22, 'g', 17) + "]")
+        << QVector<double>{0, 45, 90} << QVector<double>{0, -1, 0, h, 0, h, -h, 0, h};
     QTest::newRow("a quaternion of length 2 is taken as its unit direction")
-            << QByteArray("[" + QByteArray::number(2 * h, 'g', 17) + ", 0, 0, " + QByteArray::number(2 * h, 'g', 17) + "]")
-            << QVector<double>{0, 0, 90} << QVector<double>{0, -1, 0, 1, 0, 0, 0, 0, 1};
+        << QByteArray("[" + QByteArray::number(2 * h, 'g', 17) + ", 0, 0, "
+                      + QByteArray::number(2 * h, 'g', 17) + "]")
+        << QVector<double>{0, 0, 90} << QVector<double>{0, -1, 0, 1, 0, 0, 0, 0, 1};
 }
 
 void tst_RecordingSource::derivedOrientation()
@@ -263,7 +276,8 @@ void tst_RecordingSource::ownEulerAnglesAndMatrixWin()
     Fixture f;
     QVERIFY2(f.load(header
                     + R"({"orientationQuaternion": [1, 0, 0, 0], "orientationEuler": [1, 2, 3],)"
-                      R"( "orientationMatrix": [[9, 8, 7], [6, 5, 4], [3, 2, 1]]})" "\n"),
+                      R"( "orientationMatrix": [[9, 8, 7], [6, 5, 4], [3, 2, 1]]})"
+                      "\n"),
              qPrintable(f.reader.errorString()));
     const KvEulerAngles angles = f.source->orientationEuler(f.source->orientationSelector());
     QCOMPARE(angles.roll, 1.0);
@@ -277,7 +291,10 @@ void tst_RecordingSource::ownEulerAnglesAndMatrixWin()
 void tst_RecordingSource::eulerAnglesWithoutQuaternion()
 {
     Fixture f;
-    QVERIFY2(f.load(header + R"({"orientationEuler": [0, 0, 0.000001]})" "\n"), qPrintable(f.reader.errorString()));
+    QVERIFY2(f.load(header
+                    + R"({"orientationEuler": [0, 0, 0.000001]})"
+                      "\n"),
+             qPrintable(f.reader.errorString()));
     QCOMPARE(f.source->orientationEuler(f.source->orientationSelector()).yaw, 0.000001);
     QVERIFY(f.source->orientationMatrix(f.source->orientationSelector()).isEmpty());
     QVERIFY(f.source->orientationQuaternion(f.source->orientationSelector()).isEmpty());
@@ -286,8 +303,11 @@ void tst_RecordingSource::eulerAnglesWithoutQuaternion()
 void tst_RecordingSource::triggersByDataIdentifier()
 {
     Fixture f;
-    QVERIFY2(f.load(header + R"({"triggerIn2": {"line": 2, "polarity": 1, "timestamp": 777, "frameNumber": 3}})" "\n"),
-             qPrintable(f.reader.errorString()));
+    QVERIFY2(
+        f.load(header
+               + R"({"triggerIn2": {"line": 2, "polarity": 1, "timestamp": 777, "frameNumber": 3}})"
+                 "\n"),
+        qPrintable(f.reader.errorString()));
     QVERIFY(!f.source->triggerIndication(0x4810).isValid());
     const KvTriggerIndication second = f.source->triggerIndication(0x4820);
     QVERIFY(second.isValid());
@@ -303,7 +323,9 @@ void tst_RecordingSource::messagesGoToTheHandler()
     Fixture f;
     QVERIFY2(f.load(header + "{}\n"), qPrintable(f.reader.errorString()));
     QList<QPair<int, QString>> messages;
-    f.source->setMessageHandler([&](int kind, const QString &text) { messages.append({kind, text}); });
+    f.source->setMessageHandler([&](int kind, const QString &text) {
+        messages.append({kind, text});
+    });
     f.source->reportMessage(ExportSource::ErrorMessage, QStringLiteral("/tmp/out.txt"));
     QCOMPARE(messages.size(), 1);
     QCOMPARE(messages.first().first, ExportSource::ErrorMessage);

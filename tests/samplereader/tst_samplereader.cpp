@@ -21,7 +21,8 @@ bool readFast(SampleReader &reader, const QByteArray &line, RecordingSample &sam
 
 // Reads @p line the careful way into @p sample; false with @p error set for
 // a bad line.
-bool readCarefully(SampleReader &reader, const QByteArray &line, RecordingSample &sample, QString *error)
+bool readCarefully(SampleReader &reader, const QByteArray &line, RecordingSample &sample,
+                   QString *error)
 {
     std::string text(line.constData(), std::size_t(line.size()));
     JsonTape tape;
@@ -43,7 +44,7 @@ QByteArray manySatellites()
     QByteArray line = R"({"gnssSatellites": {"iTOW": 1, "numSvs": 70, "satellites": [)";
     for (int i = 0; i < 70; ++i)
         line += (i ? ", " : "") + QByteArray(R"({"gnssId": 1, "svId": )") + QByteArray::number(i)
-                + R"(, "cno": 40, "flags": 7})";
+            + R"(, "cno": 40, "flags": 7})";
     return line + "]}}";
 }
 
@@ -74,28 +75,34 @@ void tst_SampleReader::bothWaysReadTheSame_data()
     QTest::addColumn<QByteArray>("line");
     QTest::newRow("every key") << everyKeySampleLine();
     QTest::newRow("an empty object") << QByteArray("{}");
-    QTest::newRow("no blanks at all") << QByteArray(R"({"packetCounter":1,"calibratedAcceleration":[1,2,3]})");
+    QTest::newRow("no blanks at all")
+        << QByteArray(R"({"packetCounter":1,"calibratedAcceleration":[1,2,3]})");
     QTest::newRow("blanks, tabs and a carriage return")
-            << QByteArray("{ \"packetCounter\" :\t1 ,\"temperature\" : 2.5 }\r");
+        << QByteArray("{ \"packetCounter\" :\t1 ,\"temperature\" : 2.5 }\r");
     QTest::newRow("the format's literals") << QByteArray(
-            R"({"temperature": NaN, "pressure": Infinity, "altitude": -Infinity, "calibratedAcceleration": [NaN, Infinity, -Infinity]})");
-    QTest::newRow("negative zero") << QByteArray(R"({"rssi": -0, "temperature": -0.0, "pressure": -0e5})");
-    QTest::newRow("digits beyond what a double holds")
-            << QByteArray(R"({"calibratedAcceleration": [123456789.12345679, -8821589224548996, 1.00000000000000011102230246251565404236316680908203125]})");
-    QTest::newRow("subnormals and tiny numbers") << QByteArray(R"({"rssi": 4.9e-324, "temperature": -1e-400})");
+        R"({"temperature": NaN, "pressure": Infinity, "altitude": -Infinity, "calibratedAcceleration": [NaN, Infinity, -Infinity]})");
+    QTest::newRow("negative zero")
+        << QByteArray(R"({"rssi": -0, "temperature": -0.0, "pressure": -0e5})");
+    QTest::newRow("digits beyond what a double holds") << QByteArray(
+        R"({"calibratedAcceleration": [123456789.12345679, -8821589224548996, 1.00000000000000011102230246251565404236316680908203125]})");
+    QTest::newRow("subnormals and tiny numbers")
+        << QByteArray(R"({"rssi": 4.9e-324, "temperature": -1e-400})");
     QTest::newRow("integers beyond 64 bits in a double field")
-            << QByteArray(R"({"pressure": 100000000000000000000000})");
-    QTest::newRow("null values are missing data")
-            << QByteArray(R"({"packetCounter": null, "gnssPvt": {"iTOW": 3, "lon": null}, "gpsSatellites": {"iTOW": 1, "channels": null}})");
+        << QByteArray(R"({"pressure": 100000000000000000000000})");
+    QTest::newRow("null values are missing data") << QByteArray(
+        R"({"packetCounter": null, "gnssPvt": {"iTOW": 3, "lon": null}, "gpsSatellites": {"iTOW": 1, "channels": null}})");
     QTest::newRow("unknown keys of every kind") << QByteArray(
-            R"({"note": "caf\u00e9 \"x\" \\ \/", "list": [1, [2, {"a": null}], true, false], "n": NaN, "i": -Infinity, "packetCounter": 4})");
+        R"({"note": "caf\u00e9 \"x\" \\ \/", "list": [1, [2, {"a": null}], true, false], "n": NaN, "i": -Infinity, "packetCounter": 4})");
     QTest::newRow("unknown members in records") << QByteArray(
-            R"({"gnssPvt": {"iTOW": 9, "extra": {"deep": [1, 2]}}, "triggerIn1": {"colour": "red"}})");
+        R"({"gnssPvt": {"iTOW": 9, "extra": {"deep": [1, 2]}}, "triggerIn1": {"colour": "red"}})");
     QTest::newRow("satellites beyond the record's capacity") << manySatellites();
-    QTest::newRow("a receiver record without a time of week") << QByteArray(R"({"gpsDop": {"gDOP": 5}})");
-    QTest::newRow("a date with a zone") << QByteArray(R"({"sampleDateTime": "2026-11-21T09:30:00.250Z"})");
+    QTest::newRow("a receiver record without a time of week")
+        << QByteArray(R"({"gpsDop": {"gDOP": 5}})");
+    QTest::newRow("a date with a zone")
+        << QByteArray(R"({"sampleDateTime": "2026-11-21T09:30:00.250Z"})");
     QTest::newRow("status words written unsigned") << QByteArray(R"({"statusWord": 4294967295})");
-    QTest::newRow("text in UTF-8 under an unknown key") << QByteArray("{\"name\": \"\xc3\xa9t\xc3\xa9 \xf0\x9f\x9b\xb0\"}");
+    QTest::newRow("text in UTF-8 under an unknown key")
+        << QByteArray("{\"name\": \"\xc3\xa9t\xc3\xa9 \xf0\x9f\x9b\xb0\"}");
 }
 
 void tst_SampleReader::bothWaysReadTheSame()
@@ -114,11 +121,13 @@ void tst_SampleReader::bothWaysReadTheSame()
 void tst_SampleReader::fastWayLeavesGoodLinesToTheTape_data()
 {
     QTest::addColumn<QByteArray>("line");
-    QTest::newRow("Inf, which the careful parser takes for Infinity") << QByteArray(R"({"temperature": Inf})");
+    QTest::newRow("Inf, which the careful parser takes for Infinity")
+        << QByteArray(R"({"temperature": Inf})");
     QTest::newRow("-NaN") << QByteArray(R"({"pressure": -NaN})");
     QTest::newRow("a number near the largest double") << QByteArray(R"({"altitude": 1.5e308})");
     QTest::newRow("a key written with an escape") << QByteArray(R"({"packet\u0043ounter": 9})");
-    QTest::newRow("an unknown key written with an escape") << QByteArray(R"({"n\u00e9": 1, "packetCounter": 2})");
+    QTest::newRow("an unknown key written with an escape")
+        << QByteArray(R"({"n\u00e9": 1, "packetCounter": 2})");
 }
 
 void tst_SampleReader::fastWayLeavesGoodLinesToTheTape()
@@ -137,9 +146,10 @@ void tst_SampleReader::fastWayRefusesBadLines_data()
     QTest::newRow("a second object after the first") << QByteArray(R"({"packetCounter": 1} {})");
     QTest::newRow("a stray closing brace") << QByteArray(R"({"packetCounter": 1}})");
     QTest::newRow("a key given twice") << QByteArray(R"({"packetCounter": 1, "packetCounter": 2})");
-    QTest::newRow("a record field given twice") << QByteArray(R"({"gpsDop": {"iTOW": 1, "iTOW": 2}})");
+    QTest::newRow("a record field given twice")
+        << QByteArray(R"({"gpsDop": {"iTOW": 1, "iTOW": 2}})");
     QTest::newRow("an unknown value nested too deep")
-            << QByteArray(R"({"x": )" + QByteArray(40, '[') + QByteArray(40, ']') + "}");
+        << QByteArray(R"({"x": )" + QByteArray(40, '[') + QByteArray(40, ']') + "}");
     QTest::newRow("an invalid escape in an unknown key") << QByteArray(R"({"a\x": 1})");
     QTest::newRow("a misspelled literal in an unknown value") << QByteArray(R"({"x": nulll})");
     QTest::newRow("a cut literal") << QByteArray(R"({"x": tru})");
@@ -200,7 +210,8 @@ void tst_SampleReader::keysALineLacksAreMissing()
 // as if it had been the only one.
 void tst_SampleReader::aRefusedLineLeavesNoTrace()
 {
-    const QByteArray line = R"({"packetCounter": 5, "calibratedAcceleration": [1, 2, 3], "temperature": Inf})";
+    const QByteArray line =
+        R"({"packetCounter": 5, "calibratedAcceleration": [1, 2, 3], "temperature": Inf})";
     SampleReader reader;
     RecordingSample sample;
     QVERIFY(readFast(reader, everyKeySampleLine(), sample));

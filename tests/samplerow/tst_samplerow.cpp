@@ -167,16 +167,22 @@ void tst_SampleRow::row_data()
         << base(acc) << s << "-0.000000\t0.000000\t0.000000";
     s.calibratedAcceleration = {1e300, -infinity, 1e-300};
     QTest::newRow("huge, infinite and tiny values")
-        << base(acc) << s
+        << base(acc)
+        << s
         // the exact value of the double nearest to 1e300
-        << "10000000000000000525047602552044202487044685811081591549158541155118024579889081957863713"
-           "75080447864043704443832883878176942523235360430575644792184786706982848387200926575803737"
-           "83023379478809005936895323497079994508111903896764088007465274278014249457925878882005684"
+        << "100000000000000005250476025520442024870446858110815915491585411551180245798890819578637"
+           "13"
+           "750804478640437044438328838781769425232353604305756447921847867069828483872009265758037"
+           "37"
+           "830233794788090059368953234970799945081119038967640880074652742780142494579258788820056"
+           "84"
            "2838115669472196386865459400540160.000000\t-inf\t0.000000";
 
     s = TestSample();
-    const Settings vectors{{"exportFreeAcceleration", true}, {"exportCalibratedAngularVelocity", true},
-                           {"exportMagneticField", true}, {"exportVelocityIncrement", true}};
+    const Settings vectors{{"exportFreeAcceleration", true},
+                           {"exportCalibratedAngularVelocity", true},
+                           {"exportMagneticField", true},
+                           {"exportVelocityIncrement", true}};
     s.magneticField = {0.4, -0.1, 0.85};
     QTest::newRow("only the vectors a sample holds are written")
         << base(vectors) << s << "_\t_\t_\t_\t_\t_\t0.400000\t-0.100000\t0.850000\t_\t_\t_";
@@ -185,8 +191,8 @@ void tst_SampleRow::row_data()
 
     s = TestSample();
     s.orientationIncrement = KvQuaternion(1.0, 0.0001, -0.0002, 0.0003);
-    QTest::newRow("orientation increment")
-        << base({{"exportOrientationIncrement", true}}) << s << "1.000000\t0.000100\t-0.000200\t0.000300";
+    QTest::newRow("orientation increment") << base({{"exportOrientationIncrement", true}}) << s
+                                           << "1.000000\t0.000100\t-0.000200\t0.000300";
 
     s = withAcceleration();
     s.pressure = 1013.25;
@@ -196,13 +202,17 @@ void tst_SampleRow::row_data()
     QTest::newRow("a pressure tie at four decimals rounds up")
         << with({{"exportPressure", true}}) << s << accText + "\t1013.0313";
     s.pressure = 0.0;
-    QTest::newRow("a pressure of 0 is empty") << with({{"exportPressure", true}}) << s << accText + "\t_";
+    QTest::newRow("a pressure of 0 is empty")
+        << with({{"exportPressure", true}}) << s << accText + "\t_";
     s.pressure = -3.0;
-    QTest::newRow("a negative pressure is empty") << with({{"exportPressure", true}}) << s << accText + "\t_";
+    QTest::newRow("a negative pressure is empty")
+        << with({{"exportPressure", true}}) << s << accText + "\t_";
     s.pressure = notANumber;
-    QTest::newRow("a NaN pressure is empty") << with({{"exportPressure", true}}) << s << accText + "\t_";
+    QTest::newRow("a NaN pressure is empty")
+        << with({{"exportPressure", true}}) << s << accText + "\t_";
     s.pressure = 1e-3;
-    QTest::newRow("a tiny pressure is written") << base({{"exportPressure", true}}) << s << "0.0010";
+    QTest::newRow("a tiny pressure is written")
+        << base({{"exportPressure", true}}) << s << "0.0010";
 
     s = TestSample();
     s.orientationEuler = {0.0, 0.0, 0.0};
@@ -230,11 +240,12 @@ void tst_SampleRow::row_data()
         << with({{"exportOrientation", "Matrix"}}) << withAcceleration(s)
         << accText + "\t_\t_\t_\t_\t_\t_\t_\t_\t_";
     s.orientationQuaternion = KvQuaternion(0.5, -0.5, 0.5, 0.5);
-    QTest::newRow("quaternion")
-        << base({{"exportOrientation", "Quaternion"}}) << s << "0.500000\t-0.500000\t0.500000\t0.500000";
+    QTest::newRow("quaternion") << base({{"exportOrientation", "Quaternion"}}) << s
+                                << "0.500000\t-0.500000\t0.500000\t0.500000";
     s.orientationQuaternion = KvQuaternion();
     QTest::newRow("an empty quaternion is four empty fields")
-        << with({{"exportOrientation", "Quaternion"}}) << withAcceleration(s) << accText + "\t_\t_\t_\t_";
+        << with({{"exportOrientation", "Quaternion"}}) << withAcceleration(s)
+        << accText + "\t_\t_\t_\t_";
     s.orientationEuler = {1.0, 2.0, 3.0};
     QTest::newRow("no orientation for None")
         << with({{"exportOrientation", "None"}}) << withAcceleration(s) << accText;
@@ -254,19 +265,24 @@ void tst_SampleRow::row_data()
     QTest::newRow("a negative infinite altitude is written")
         << base({{"exportPosition", true}}) << s << "_\t_\t-inf";
     s.altitude = infinity;
-    QTest::newRow("no position at all makes no line") << base({{"exportPosition", true}}) << s << "<no row>";
+    QTest::newRow("no position at all makes no line")
+        << base({{"exportPosition", true}}) << s << "<no row>";
 
     s = TestSample();
     s.velocity = {1.5, -0.25, 0.0};
-    QTest::newRow("velocity") << base({{"exportVelocity", true}}) << s << "1.500000\t-0.250000\t0.000000";
+    QTest::newRow("velocity") << base({{"exportVelocity", true}}) << s
+                              << "1.500000\t-0.250000\t0.000000";
 
     s = TestSample();
     s.temperature = -999.99;
-    QTest::newRow("a temperature of -999.99 is empty") << base({{"exportTemperature", true}}) << s << "<no row>";
+    QTest::newRow("a temperature of -999.99 is empty")
+        << base({{"exportTemperature", true}}) << s << "<no row>";
     s.temperature = -1000.0;
-    QTest::newRow("a temperature below -999.99 is empty") << base({{"exportTemperature", true}}) << s << "<no row>";
+    QTest::newRow("a temperature below -999.99 is empty")
+        << base({{"exportTemperature", true}}) << s << "<no row>";
     s.temperature = notANumber;
-    QTest::newRow("a NaN temperature is empty") << base({{"exportTemperature", true}}) << s << "<no row>";
+    QTest::newRow("a NaN temperature is empty")
+        << base({{"exportTemperature", true}}) << s << "<no row>";
     s.temperature = -999.98;
     QTest::newRow("a temperature of -999.98 prints as -999.98")
         << base({{"exportTemperature", true}}) << s << "-999.98";
@@ -296,9 +312,10 @@ void tst_SampleRow::row_data()
     s.scrGyroscopeData = {-0.99, 2e18, notANumber};
     s.scrMagneticField = {1.0, 2.0, 3.0};
     QTest::newRow("raw readouts are truncated toward zero")
-        << base({{"exportScrAcceleration", true}, {"exportScrGyroscopeData", true},
-                 {"exportScrMagneticField", true}}) << s
-        << "32768\t-12\t0\t0\t2000000000000000000\t-9223372036854775808\t1\t2\t3";
+        << base({{"exportScrAcceleration", true},
+                 {"exportScrGyroscopeData", true},
+                 {"exportScrMagneticField", true}})
+        << s << "32768\t-12\t0\t0\t2000000000000000000\t-9223372036854775808\t1\t2\t3";
     s = TestSample();
     s.scrTemperature = 0;
     QTest::newRow("a raw temperature always makes a line")
@@ -321,11 +338,11 @@ void tst_SampleRow::row_data()
     s = withAcceleration();
     QTest::newRow("heading switched on changes nothing")
         << with({{"exportHeading", true}}) << s << accText;
-    QTest::newRow("NaN placeholder")
-        << with({{"insertNan", true}, {"exportPosition", true}}) << s << accText + "\tNaN\tNaN\tNaN";
-    QTest::newRow("empty fields stay empty by default")
-        << with({{"insertOtherPlaceholder", false}, {"insertNothing", true}, {"exportPosition", true}})
-        << s << accText + "\t\t\t";
+    QTest::newRow("NaN placeholder") << with({{"insertNan", true}, {"exportPosition", true}}) << s
+                                     << accText + "\tNaN\tNaN\tNaN";
+    QTest::newRow("empty fields stay empty by default") << with(
+        {{"insertOtherPlaceholder", false}, {"insertNothing", true}, {"exportPosition", true}})
+                                                        << s << accText + "\t\t\t";
 }
 
 void tst_SampleRow::row()
@@ -339,16 +356,21 @@ void tst_SampleRow::row()
 
 void tst_SampleRow::countersAloneMakeNoLine()
 {
-    const Settings settings = base({{"exportPacketCounter", true}, {"exportSampleTimeFine", true},
-                                    {"exportDateTime", true}, {"exportUtc", true},
-                                    {"exportStatusFlags", true}, {"exportClipFlags", true},
-                                    {"exportRssi", true}, {"exportCalibratedAcceleration", true}});
+    const Settings settings = base({{"exportPacketCounter", true},
+                                    {"exportSampleTimeFine", true},
+                                    {"exportDateTime", true},
+                                    {"exportUtc", true},
+                                    {"exportStatusFlags", true},
+                                    {"exportClipFlags", true},
+                                    {"exportRssi", true},
+                                    {"exportCalibratedAcceleration", true}});
     TestSample s = fullSample();
     s.calibratedAcceleration = KvVector();
     const QStringList lines = exportLines(settings, {s, s, s});
     QCOMPARE(lines.size(), 1);
 
-    const QStringList packetCounterOnly = exportLines(base({{"exportPacketCounter", true}}), {fullSample()});
+    const QStringList packetCounterOnly =
+        exportLines(base({{"exportPacketCounter", true}}), {fullSample()});
     QCOMPARE(packetCounterOnly, QStringList{QStringLiteral("PacketCounter")});
 }
 
@@ -371,8 +393,9 @@ void tst_SampleRow::highPrecisionIsReadForEveryValue()
     file.close();
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QStringList lines = linesAfterHeaderBlock(file.readAll());
-    QCOMPARE(lines.mid(1), (QStringList{"1.000000\t2.000000\t3.000000", "1\t2\t3",
-                                       "1.000000\t2.000000\t3.000000"}));
+    QCOMPARE(
+        lines.mid(1),
+        (QStringList{"1.000000\t2.000000\t3.000000", "1\t2\t3", "1.000000\t2.000000\t3.000000"}));
 }
 
 void tst_SampleRow::settingsAreReadForEverySample()
@@ -402,9 +425,12 @@ void tst_SampleRow::settingsAreReadForEverySample()
 void tst_SampleRow::delimiterIsFixedAtCreation()
 {
     SettingsSynchronizer store(SettingsCatalogue::defaults(), SettingsCatalogue::descriptions());
-    apply(store, base({{"exportCalibratedAcceleration", true}, {"exportPosition", true},
-                       {"useTabDelimiter", false}, {"useOtherDelimiter", true},
-                       {"otherDelimiter", "|"}}));
+    apply(store,
+          base({{"exportCalibratedAcceleration", true},
+                {"exportPosition", true},
+                {"useTabDelimiter", false},
+                {"useOtherDelimiter", true},
+                {"otherDelimiter", "|"}}));
     TestSource source;
     AsciiExporter exporter(&source, &store);
     QTemporaryDir dir;
@@ -421,8 +447,8 @@ void tst_SampleRow::delimiterIsFixedAtCreation()
     file.close();
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QStringList lines = linesAfterHeaderBlock(file.readAll());
-    QCOMPARE(lines.mid(1), (QStringList{"1.000000|2.000000|3.000000|_|_|_",
-                                       "1.000000|2.000000|3.000000|_|_|_"}));
+    QCOMPARE(lines.mid(1),
+             (QStringList{"1.000000|2.000000|3.000000|_|_|_", "1.000000|2.000000|3.000000|_|_|_"}));
 
     // a new exporter takes the new texts
     AsciiExporter next(&source, &store);
@@ -462,14 +488,16 @@ void tst_SampleRow::receiverRecords_data()
                    "-0.12\t0.05\t0.00\t0.35\t1.45\t9\t"
                    "345600000\t2.10\t1.45\t0.98\t1.20\t0.87\t0.60\t0.55\t"
                    "345600000\t25\t-5000\t2026\t11\t21\t9\t30\t0\t7\t"
-                   "345600000\t2\t7\t5\t6\t12\t7\t25\t4\t29\t5\t" + repeat(QStringLiteral("_\t"), 22));
+                   "345600000\t2\t7\t5\t6\t12\t7\t25\t4\t29\t5\t"
+                   + repeat(QStringLiteral("_\t"), 22));
     QTest::newRow("GNSS records with five satellites")
         << gnss << s
-        << trimmed("345600000\t25\t-5000\t2026\t11\t21\t9\t30\t0\t7\t3\t1\t14\t6.8937000\t52.2215000\t"
-                   "42500\t1234\t1500\t2500\t150\t-25\t3\t152\t90.00\t200\t12.35\t-45.00\t"
-                   "2.10\t1.45\t0.98\t1.20\t0.87\t0.60\t0.55\t"
-                   "345600000\t0\t2\t44\t31\t0\t5\t38\t29\t2\t11\t41\t95\t3\t23\t30\t12\t6\t7\t0\t0\t"
-                   + repeat(QStringLiteral("_\t"), 220));
+        << trimmed(
+               "345600000\t25\t-5000\t2026\t11\t21\t9\t30\t0\t7\t3\t1\t14\t6.8937000\t52.2215000\t"
+               "42500\t1234\t1500\t2500\t150\t-25\t3\t152\t90.00\t200\t12.35\t-45.00\t"
+               "2.10\t1.45\t0.98\t1.20\t0.87\t0.60\t0.55\t"
+               "345600000\t0\t2\t44\t31\t0\t5\t38\t29\t2\t11\t41\t95\t3\t23\t30\t12\t6\t7\t0\t0\t"
+               + repeat(QStringLiteral("_\t"), 220));
 
     s = fullSample();
     s.gpsSatellites.numCh = 0;
@@ -478,12 +506,15 @@ void tst_SampleRow::receiverRecords_data()
     s.gnssPvt.iTOW = 0;
     QTest::newRow("GPS time of week 0 and no channels")
         << gps << s
-        << trimmed(repeat(QStringLiteral("_\t"), 15) +
-                   "345600000\t2.10\t1.45\t0.98\t1.20\t0.87\t0.60\t0.55\t"
-                   "345600000\t25\t-5000\t2026\t11\t21\t9\t30\t0\t7\t"
-                   "345600000\t" + repeat(QStringLiteral("_\t"), 32));
+        << trimmed(repeat(QStringLiteral("_\t"), 15)
+                   + "345600000\t2.10\t1.45\t0.98\t1.20\t0.87\t0.60\t0.55\t"
+                     "345600000\t25\t-5000\t2026\t11\t21\t9\t30\t0\t7\t"
+                     "345600000\t"
+                   + repeat(QStringLiteral("_\t"), 32));
     QTest::newRow("GNSS time of week 0 and no satellites")
-        << gnss << s << trimmed(repeat(QStringLiteral("_\t"), 34) + "345600000\t" + repeat(QStringLiteral("_\t"), 240));
+        << gnss << s
+        << trimmed(repeat(QStringLiteral("_\t"), 34) + "345600000\t"
+                   + repeat(QStringLiteral("_\t"), 240));
 
     s = TestSample();
     s.gpsSatellites.iTOW = 1;
@@ -500,16 +531,19 @@ void tst_SampleRow::receiverRecords_data()
     s.gnssSatellites.iTOW = 4294967295u;
     s.gnssSatellites.numSvs = 255;
     for (int i = 0; i < KvGnssSatelliteInfo::maxSatellites; ++i)
-        s.gnssSatellites.satellites[i] = {quint8(i % 7), quint8(i), quint8(60 - i), quint32(i * 1000)};
+        s.gnssSatellites.satellites[i] = {quint8(i % 7), quint8(i), quint8(60 - i),
+                                          quint32(i * 1000)};
     QString satellites;
     for (int i = 0; i < 60; ++i)
-        satellites += QStringLiteral("%1\t%2\t%3\t%4\t").arg(i % 7).arg(i).arg(60 - i).arg(i * 1000);
+        satellites +=
+            QStringLiteral("%1\t%2\t%3\t%4\t").arg(i % 7).arg(i).arg(60 - i).arg(i * 1000);
     QTest::newRow("more than 60 GNSS satellites: the first 60 are written, time of week unsigned")
         << gnss << s << trimmed(repeat(QStringLiteral("_\t"), 34) + "4294967295\t" + satellites);
 
     s = TestSample();
-    s.gpsSolution = {4294967295u, -2147483647 - 1, -32768, 255, 255, -2147483647 - 1, 2147483647, -1,
-                     4294967295u, -2147483647 - 1, 2147483647, -1, 4294967295u, 65535, 255};
+    s.gpsSolution = {
+        4294967295u, -2147483647 - 1, -32768,     255, 255,         -2147483647 - 1, 2147483647, -1,
+        4294967295u, -2147483647 - 1, 2147483647, -1,  4294967295u, 65535,           255};
     s.gpsDop = {604799999, 65535, 0, 1, 99, 100, 101, 65534};
     s.gpsUtcTime = {1, 4294967295u, -1000000000, 65535, 255, 255, 255, 255, 255, 255};
     QTest::newRow("GPS records with their extreme values")
@@ -536,7 +570,8 @@ void tst_SampleRow::receiverRecords_data()
         << gnss << s
         << trimmed("1\t4294967295\t-1\t0\t0\t0\t0\t0\t0\t0\t0\t0\t0\t-180.0000000\t90.0000000\t"
                    "-2147483648\t0\t4294967295\t0\t0\t0\t0\t0\t-180.00\t0\t42949.67\t21474.84\t"
-                   "655.35\t0.00\t0.00\t0.00\t0.00\t0.00\t0.00\t" + repeat(QStringLiteral("_\t"), 241));
+                   "655.35\t0.00\t0.00\t0.00\t0.00\t0.00\t0.00\t"
+                   + repeat(QStringLiteral("_\t"), 241));
 }
 
 void tst_SampleRow::receiverRecords()
@@ -554,7 +589,12 @@ void tst_SampleRow::fieldCounts_data()
     QTest::addColumn<QString>("delimiter");
     QTest::addColumn<int>("columns");
 
-    struct Delimiter { const char *name; Settings settings; const char *text; };
+    struct Delimiter
+    {
+        const char *name;
+        Settings settings;
+        const char *text;
+    };
     const Delimiter delimiters[] = {
         {"tab", {}, "\t"},
         {"comma", {{"useCommaDelimiter", true}}, ","},
@@ -563,22 +603,43 @@ void tst_SampleRow::fieldCounts_data()
         {"custom '::'", {{"useOtherDelimiter", true}, {"otherDelimiter", "::"}}, "::"},
         {"custom '; '", {{"useOtherDelimiter", true}, {"otherDelimiter", "; "}}, "; "},
     };
-    struct Group { const char *key; QVariant value; int columns; };
+    struct Group
+    {
+        const char *key;
+        QVariant value;
+        int columns;
+    };
     const Group groups[] = {
-        {"exportPacketCounter", true, 1}, {"exportSampleTimeFine", true, 1},
-        {"exportDateTime", true, 4}, {"exportUtc", true, 8}, {"exportStatusFlags", true, 1},
-        {"exportClipFlags", true, 1}, {"exportRssi", true, 1},
-        {"exportCalibratedAcceleration", true, 3}, {"exportFreeAcceleration", true, 3},
-        {"exportCalibratedAngularVelocity", true, 3}, {"exportMagneticField", true, 3},
-        {"exportVelocityIncrement", true, 3}, {"exportOrientationIncrement", true, 4},
-        {"exportPressure", true, 1}, {"exportOrientation", "Quaternion", 4},
-        {"exportOrientation", "Euler", 3}, {"exportOrientation", "Matrix", 9},
-        {"exportPosition", true, 3}, {"exportVelocity", true, 3}, {"exportTemperature", true, 1},
-        {"exportGyroTemperature", true, 3}, {"exportScrAcceleration", true, 3},
-        {"exportScrGyroscopeData", true, 3}, {"exportScrMagneticField", true, 3},
-        {"exportScrTemperature", true, 1}, {"exportScrGyroTemperature", true, 3},
-        {"exportRawGps", true, 66}, {"exportRawGnss", true, 275},
-        {"exportTriggerIn1", true, 3}, {"exportTriggerIn2", true, 3},
+        {"exportPacketCounter", true, 1},
+        {"exportSampleTimeFine", true, 1},
+        {"exportDateTime", true, 4},
+        {"exportUtc", true, 8},
+        {"exportStatusFlags", true, 1},
+        {"exportClipFlags", true, 1},
+        {"exportRssi", true, 1},
+        {"exportCalibratedAcceleration", true, 3},
+        {"exportFreeAcceleration", true, 3},
+        {"exportCalibratedAngularVelocity", true, 3},
+        {"exportMagneticField", true, 3},
+        {"exportVelocityIncrement", true, 3},
+        {"exportOrientationIncrement", true, 4},
+        {"exportPressure", true, 1},
+        {"exportOrientation", "Quaternion", 4},
+        {"exportOrientation", "Euler", 3},
+        {"exportOrientation", "Matrix", 9},
+        {"exportPosition", true, 3},
+        {"exportVelocity", true, 3},
+        {"exportTemperature", true, 1},
+        {"exportGyroTemperature", true, 3},
+        {"exportScrAcceleration", true, 3},
+        {"exportScrGyroscopeData", true, 3},
+        {"exportScrMagneticField", true, 3},
+        {"exportScrTemperature", true, 1},
+        {"exportScrGyroTemperature", true, 3},
+        {"exportRawGps", true, 66},
+        {"exportRawGnss", true, 275},
+        {"exportTriggerIn1", true, 3},
+        {"exportTriggerIn2", true, 3},
     };
     for (const Delimiter &delimiter : delimiters) {
         Settings all = base(delimiter.settings);
@@ -591,7 +652,8 @@ void tst_SampleRow::fieldCounts_data()
             settings.insert(QString::fromLatin1(group.key), group.value);
             const bool alone = qstrcmp(group.key, "exportScrTemperature") == 0;
             QTest::addRow("%s alone, %s", group.key, delimiter.name)
-                << settings << QString::fromLatin1(delimiter.text) << group.columns + (alone ? 0 : 1);
+                << settings << QString::fromLatin1(delimiter.text)
+                << group.columns + (alone ? 0 : 1);
             if (group.value.userType() == QMetaType::Bool) {
                 all.insert(QString::fromLatin1(group.key), true);
                 allColumns += group.columns;

@@ -49,9 +49,11 @@ void tst_SampleSelection::bounds()
         QCOMPARE(int(bound.kind), kind);
         QCOMPARE(bound.value, value);
     } else {
-        QCOMPARE(problem, QStringLiteral("takes a sample index (0 is the first sample) or seconds from the start "
-                                         "such as 12.5s, not \"%1\"")
-                              .arg(text));
+        QCOMPARE(
+            problem,
+            QStringLiteral("takes a sample index (0 is the first sample) or seconds from the start "
+                           "such as 12.5s, not \"%1\"")
+                .arg(text));
     }
 }
 
@@ -61,21 +63,34 @@ void tst_SampleSelection::selected_data()
     QTest::addColumn<QString>("to");
     QTest::addColumn<int>("every");
     QTest::addColumn<double>("rate");
-    QTest::addColumn<QList<int>>("indexes");  // of the first 12 samples
+    QTest::addColumn<QList<int>>("indexes"); // of the first 12 samples
 
-    QTest::newRow("everything") << "" << "" << 1 << 100.0 << QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
-    QTest::newRow("from an index up to another") << "3" << "6" << 1 << 100.0 << QList<int>{3, 4, 5};
-    QTest::newRow("every third from the first") << "" << "" << 3 << 100.0 << QList<int>{0, 3, 6, 9};
-    QTest::newRow("every fourth from the second") << "2" << "" << 4 << 100.0 << QList<int>{2, 6, 10};
+    QTest::newRow("everything") << ""
+                                << "" << 1 << 100.0
+                                << QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
+    QTest::newRow("from an index up to another") << "3"
+                                                 << "6" << 1 << 100.0 << QList<int>{3, 4, 5};
+    QTest::newRow("every third from the first") << ""
+                                                << "" << 3 << 100.0 << QList<int>{0, 3, 6, 9};
+    QTest::newRow("every fourth from the second") << "2"
+                                                  << "" << 4 << 100.0 << QList<int>{2, 6, 10};
     // 10 Hz: sample i is at i / 10 s
-    QTest::newRow("seconds") << "0.3s" << "0.7s" << 1 << 10.0 << QList<int>{3, 4, 5, 6};
-    QTest::newRow("seconds between samples") << "0.25s" << "0.75s" << 1 << 10.0 << QList<int>{3, 4, 5, 6, 7};
-    QTest::newRow("seconds and every second sample") << "0.25s" << "" << 2 << 10.0 << QList<int>{3, 5, 7, 9, 11};
-    QTest::newRow("an index up to seconds") << "1" << "0.4s" << 1 << 10.0 << QList<int>{1, 2, 3};
+    QTest::newRow("seconds") << "0.3s"
+                             << "0.7s" << 1 << 10.0 << QList<int>{3, 4, 5, 6};
+    QTest::newRow("seconds between samples") << "0.25s"
+                                             << "0.75s" << 1 << 10.0 << QList<int>{3, 4, 5, 6, 7};
+    QTest::newRow("seconds and every second sample")
+        << "0.25s"
+        << "" << 2 << 10.0 << QList<int>{3, 5, 7, 9, 11};
+    QTest::newRow("an index up to seconds") << "1"
+                                            << "0.4s" << 1 << 10.0 << QList<int>{1, 2, 3};
     // at 3 Hz, 1 s is sample 3 exactly, though 3 / 3.0 is computed
-    QTest::newRow("a bound on a sample at an odd rate") << "1s" << "2s" << 1 << 3.0 << QList<int>{3, 4, 5};
-    QTest::newRow("past the end") << "20" << "" << 1 << 100.0 << QList<int>{};
-    QTest::newRow("seconds far away") << "1e300s" << "" << 1 << 100.0 << QList<int>{};
+    QTest::newRow("a bound on a sample at an odd rate") << "1s"
+                                                        << "2s" << 1 << 3.0 << QList<int>{3, 4, 5};
+    QTest::newRow("past the end") << "20"
+                                  << "" << 1 << 100.0 << QList<int>{};
+    QTest::newRow("seconds far away") << "1e300s"
+                                      << "" << 1 << 100.0 << QList<int>{};
 }
 
 void tst_SampleSelection::selected()

@@ -6,7 +6,8 @@
 
 int main()
 {
-    const FileNamePatternReplacer replacer({{QStringLiteral("<inputfile>"), QStringLiteral("walk")}});
+    const FileNamePatternReplacer replacer(
+        {{QStringLiteral("<inputfile>"), QStringLiteral("walk")}});
     const KvVector empty;
     std::printf("%s %s\n", qPrintable(replacer.parse(QStringLiteral("<inputfile>-1"))),
                 empty.isEmpty() ? "empty" : "full");

@@ -112,7 +112,9 @@ void tst_SettingsCatalogue::description_data()
     const auto row = [](const char *key, const char *text) {
         QTest::newRow(key) << QString::fromLatin1(key) << QString::fromLatin1(text);
     };
-    row("outputFileFormat", "The format of the output file name. e.g. <inputfile>-<seqnr>. The .txt extension is automatically appended.");
+    row("outputFileFormat",
+        "The format of the output file name. e.g. <inputfile>-<seqnr>. The .txt extension is "
+        "automatically appended.");
     row("outputFileExtension", "The extension of the output file name");
     row("exportDateTime", "Export date (yyyy-mm-dd seconds)");
     row("exportUtc", "Export 12 byte UTC Time");
@@ -125,9 +127,13 @@ void tst_SettingsCatalogue::description_data()
     row("exportFreeAcceleration", "Export the free acceleration");
     row("exportCalibratedAngularVelocity", "Export calibrated rate gyroscope data");
     row("exportMagneticField", "Export the calibrated magnetic field");
-    row("exportVelocityIncrement", "Export the incremental velocity value since the last successful transmission");
-    row("exportOrientationIncrement", "Export the incremental orientation value since the last successful transmission");
-    row("exportOrientation", "Export orientation data in the format of the orientations \"Quaternion\", \"Euler\", \"Matrix\" or no orientation output: \"None\"");
+    row("exportVelocityIncrement",
+        "Export the incremental velocity value since the last successful transmission");
+    row("exportOrientationIncrement",
+        "Export the incremental orientation value since the last successful transmission");
+    row("exportOrientation",
+        "Export orientation data in the format of the orientations \"Quaternion\", \"Euler\", "
+        "\"Matrix\" or no orientation output: \"None\"");
     row("exportPosition", "Export position data");
     row("exportVelocity", "Export velocity data");
     row("exportHeading", "Export the heading");

@@ -67,11 +67,12 @@ std::unique_ptr<SettingsDialog> tst_SettingsDialog::makeDialog()
 {
     SettingsSynchronizer *settings = store;
     const QString fileName = iniFile;
-    return std::make_unique<SettingsDialog>(host.factory()->optionsPages(),
-                                            [settings, fileName] { return settings->save(fileName); });
+    return std::make_unique<SettingsDialog>(
+        host.factory()->optionsPages(), [settings, fileName] { return settings->save(fileName); });
 }
 
-QPushButton *tst_SettingsDialog::button(SettingsDialog *dialog, QDialogButtonBox::StandardButton which)
+QPushButton *tst_SettingsDialog::button(SettingsDialog *dialog,
+                                        QDialogButtonBox::StandardButton which)
 {
     return dialog->findChild<QDialogButtonBox *>()->button(which);
 }

@@ -74,8 +74,9 @@ void tst_SettingsSynchronizer::keysAreSortedAndComplete()
 {
     QScopedPointer<SettingsSynchronizer> store(makeStore());
     store->setSetting(QStringLiteral("extra"), 1);
-    QCOMPARE(store->keys(), (QStringList{QStringLiteral("described"), QStringLiteral("extra"),
-                                         QStringLiteral("flag"), QStringLiteral("text")}));
+    QCOMPARE(store->keys(),
+             (QStringList{QStringLiteral("described"), QStringLiteral("extra"),
+                          QStringLiteral("flag"), QStringLiteral("text")}));
 }
 
 void tst_SettingsSynchronizer::settingChangedOnlyOnChange()
@@ -96,14 +97,25 @@ void tst_SettingsSynchronizer::valueFromText_data()
     QTest::addColumn<bool>("fits");
     QTest::addColumn<QVariant>("value");
 
-    QTest::newRow("true for a boolean key") << "flag" << "true" << true << QVariant(true);
-    QTest::newRow("0 for a boolean key") << "flag" << "0" << true << QVariant(false);
-    QTest::newRow("yes is no boolean") << "flag" << "yes" << false << QVariant();
-    QTest::newRow("TRUE is no boolean") << "flag" << "TRUE" << false << QVariant();
-    QTest::newRow("a string key takes any text") << "text" << "a = b " << true << QVariant(QStringLiteral("a = b "));
-    QTest::newRow("a string key keeps true as text") << "text" << "true" << true << QVariant(QStringLiteral("true"));
-    QTest::newRow("an undeclared key takes true as a boolean") << "highPrecision" << "true" << true << QVariant(true);
-    QTest::newRow("an undeclared key takes 1 as text") << "highPrecision" << "1" << true << QVariant(QStringLiteral("1"));
+    QTest::newRow("true for a boolean key") << "flag"
+                                            << "true" << true << QVariant(true);
+    QTest::newRow("0 for a boolean key") << "flag"
+                                         << "0" << true << QVariant(false);
+    QTest::newRow("yes is no boolean") << "flag"
+                                       << "yes" << false << QVariant();
+    QTest::newRow("TRUE is no boolean") << "flag"
+                                        << "TRUE" << false << QVariant();
+    QTest::newRow("a string key takes any text")
+        << "text"
+        << "a = b " << true << QVariant(QStringLiteral("a = b "));
+    QTest::newRow("a string key keeps true as text")
+        << "text"
+        << "true" << true << QVariant(QStringLiteral("true"));
+    QTest::newRow("an undeclared key takes true as a boolean") << "highPrecision"
+                                                               << "true" << true << QVariant(true);
+    QTest::newRow("an undeclared key takes 1 as text")
+        << "highPrecision"
+        << "1" << true << QVariant(QStringLiteral("1"));
 }
 
 void tst_SettingsSynchronizer::valueFromText()

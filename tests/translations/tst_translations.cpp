@@ -48,9 +48,11 @@ void tst_Translations::descriptionsOfTheStore()
     QCOMPARE(store->description(QStringLiteral("exportRssi")), QStringLiteral("RSSI exportieren"));
     QCOMPARE(store->description(QStringLiteral("exportPacketCounter")),
              QString::fromUtf8("Paketz\u00e4hler exportieren"));
-    QCOMPARE(store->description(QStringLiteral("exportUtc")), QStringLiteral("12-Byte-UTC-Zeit exportieren"));
+    QCOMPARE(store->description(QStringLiteral("exportUtc")),
+             QStringLiteral("12-Byte-UTC-Zeit exportieren"));
     // keys and defaults are data
-    QCOMPARE(store->defaultSetting(QStringLiteral("exportOrientation")), QVariant(QStringLiteral("Euler")));
+    QCOMPARE(store->defaultSetting(QStringLiteral("exportOrientation")),
+             QVariant(QStringLiteral("Euler")));
 }
 
 void tst_Translations::headerBlockButNotColumns()
@@ -71,13 +73,14 @@ void tst_Translations::headerBlockButNotColumns()
 
     TestSource empty;
     std::unique_ptr<AbstractExporter> second(factory->createExporter(&empty));
-    const QStringList lines = QString::fromUtf8(exportSamples(second.get(), &empty, {})).split(QLatin1Char('\n'));
-    QCOMPARE(lines.mid(0, 5), (QStringList{
-        QStringLiteral("// Startzeit: "),
-        QStringLiteral("// Abtastrate: Verschieden"),
-        QStringLiteral("// Filterprofil: Fehler: Kein KVA-Filterprofil"),
-        QStringLiteral("// Optionsflags: Fehler: Keine Optionsflags"),
-        QStringLiteral("// Firmwareversion: Fehler: Keine Firmwareversion")}));
+    const QStringList lines =
+        QString::fromUtf8(exportSamples(second.get(), &empty, {})).split(QLatin1Char('\n'));
+    QCOMPARE(
+        lines.mid(0, 5),
+        (QStringList{QStringLiteral("// Startzeit: "), QStringLiteral("// Abtastrate: Verschieden"),
+                     QStringLiteral("// Filterprofil: Fehler: Kein KVA-Filterprofil"),
+                     QStringLiteral("// Optionsflags: Fehler: Keine Optionsflags"),
+                     QStringLiteral("// Firmwareversion: Fehler: Keine Firmwareversion")}));
 }
 
 void tst_Translations::namesAreData()
@@ -99,11 +102,14 @@ void tst_Translations::optionsPage()
     QCOMPARE(page->categoryTitle(), QStringLiteral("Exporter"));
     QCOMPARE(page->categoryId(), QStringLiteral("Exporters"));
     QCOMPARE(page->windowTitle(), QStringLiteral("ASCII-Exporter-Optionen"));
-    QCOMPARE(page->findChild<QGroupBox *>(QStringLiteral("fileNameGroup"))->title(), QStringLiteral("Dateiname"));
+    QCOMPARE(page->findChild<QGroupBox *>(QStringLiteral("fileNameGroup"))->title(),
+             QStringLiteral("Dateiname"));
     QCOMPARE(page->findChild<QCheckBox *>(QStringLiteral("exportCalibratedAcceleration"))->text(),
              QStringLiteral("Beschleunigung"));
-    QCOMPARE(page->findChild<QCheckBox *>(QStringLiteral("useTabDelimiter"))->text(), QStringLiteral("&Tabulator"));
-    const QComboBox *orientation = page->findChild<QComboBox *>(QStringLiteral("exportOrientation"));
+    QCOMPARE(page->findChild<QCheckBox *>(QStringLiteral("useTabDelimiter"))->text(),
+             QStringLiteral("&Tabulator"));
+    const QComboBox *orientation =
+        page->findChild<QComboBox *>(QStringLiteral("exportOrientation"));
     QCOMPARE(orientation->itemText(2), QStringLiteral("Eulerwinkel"));
     QCOMPARE(orientation->itemData(2), QVariant(QStringLiteral("Euler")));
     // the setting's value is data: Euler is still stored as "Euler"

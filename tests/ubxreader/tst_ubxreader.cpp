@@ -17,7 +17,9 @@ namespace {
 class Payload
 {
 public:
-    explicit Payload(int size) : bytes(size, '\0') {}
+    explicit Payload(int size)
+        : bytes(size, '\0')
+    { }
 
     Payload &u8(int offset, quint8 value) { return put(offset, value, 1); }
     Payload &i8(int offset, qint8 value) { return put(offset, quint8(value), 1); }
@@ -29,7 +31,10 @@ public:
     QByteArray frame(quint8 messageClass, quint8 messageId) const
     {
         QByteArray frame;
-        frame.append(char(0xB5)).append(char(0x62)).append(char(messageClass)).append(char(messageId));
+        frame.append(char(0xB5))
+            .append(char(0x62))
+            .append(char(messageClass))
+            .append(char(messageId));
         frame.append(char(bytes.size() & 0xFF)).append(char(bytes.size() >> 8));
         frame.append(bytes);
         quint8 a = 0, b = 0;
@@ -54,7 +59,8 @@ private:
 
 QByteArray navSol(quint32 iTOW, qint32 fTOW = 5, qint16 week = 2000)
 {
-    return Payload(52).u32(0, iTOW).i32(4, fTOW).i16(8, week).u8(10, 3).u8(11, 0x0D).frame(0x01, 0x06);
+    return Payload(52).u32(0, iTOW).i32(4, fTOW).i16(8, week).u8(10, 3).u8(11, 0x0D).frame(0x01,
+                                                                                           0x06);
 }
 
 QByteArray navDop(quint32 iTOW, quint16 first = 100)
@@ -68,14 +74,23 @@ QByteArray navDop(quint32 iTOW, quint16 first = 100)
 
 QByteArray navTimeUtc(quint32 iTOW, quint16 year, quint8 month, quint8 day, quint8 hour = 12)
 {
-    return Payload(20).u32(0, iTOW).u16(12, year).u8(14, month).u8(15, day).u8(16, hour).u8(17, 34).u8(18, 56)
+    return Payload(20)
+        .u32(0, iTOW)
+        .u16(12, year)
+        .u8(14, month)
+        .u8(15, day)
+        .u8(16, hour)
+        .u8(17, 34)
+        .u8(18, 56)
         .frame(0x01, 0x21);
 }
 
-QByteArray navPvt(quint32 iTOW, int length = 92, quint16 year = 2026, quint8 month = 11, quint8 day = 21)
+QByteArray navPvt(quint32 iTOW, int length = 92, quint16 year = 2026, quint8 month = 11,
+                  quint8 day = 21)
 {
     Payload payload(length);
-    payload.u32(0, iTOW).u16(4, year).u8(6, month).u8(7, day).u8(8, 9).u8(9, 30).u8(10, 15).u16(76, 999);
+    payload.u32(0, iTOW).u16(4, year).u8(6, month).u8(7, day).u8(8, 9).u8(9, 30).u8(10, 15).u16(
+        76, 999);
     if (length == 92)
         payload.i32(84, -1234567);
     return payload.frame(0x01, 0x07);
@@ -86,7 +101,9 @@ QByteArray navSvInfo(quint32 iTOW, int channels, int firstSvid = 1)
     Payload payload(8 + 12 * channels);
     payload.u32(0, iTOW).u8(4, quint8(channels));
     for (int i = 0; i < channels; ++i)
-        payload.u8(8 + 12 * i, quint8(i)).u8(9 + 12 * i, quint8(firstSvid + i)).u8(11 + 12 * i, quint8(i % 8));
+        payload.u8(8 + 12 * i, quint8(i))
+            .u8(9 + 12 * i, quint8(firstSvid + i))
+            .u8(11 + 12 * i, quint8(i % 8));
     return payload.frame(0x01, 0x30);
 }
 
@@ -95,7 +112,9 @@ QByteArray navSat(quint32 iTOW, int satellites)
     Payload payload(8 + 12 * satellites);
     payload.u32(0, iTOW).u8(4, 1).u8(5, quint8(satellites));
     for (int i = 0; i < satellites; ++i) {
-        payload.u8(8 + 12 * i, quint8(i % 7)).u8(9 + 12 * i, quint8(i + 1)).u8(10 + 12 * i, quint8(20 + i % 30))
+        payload.u8(8 + 12 * i, quint8(i % 7))
+            .u8(9 + 12 * i, quint8(i + 1))
+            .u8(10 + 12 * i, quint8(20 + i % 30))
             .u32(16 + 12 * i, 0x80000000u | quint32(i));
     }
     return payload.frame(0x01, 0x35);
@@ -195,14 +214,15 @@ void tst_UbxReader::navSolFieldsAtTheirLimits_data()
     QTest::addColumn<quint8>("byte");
     QTest::addColumn<quint16>("word");
 
-    QTest::newRow("every field at its maximum") << std::numeric_limits<quint32>::max()
-                                                << std::numeric_limits<qint32>::max()
-                                                << std::numeric_limits<quint32>::max()
-                                                << std::numeric_limits<qint16>::max() << quint8(255) << quint16(65535);
-    QTest::newRow("signed fields at their minimum") << 1u << std::numeric_limits<qint32>::min() << 0u
-                                                    << std::numeric_limits<qint16>::min() << quint8(0) << quint16(0);
-    QTest::newRow("minus one in every signed field") << 604799999u << -1 << 1u << qint16(-1) << quint8(1)
-                                                     << quint16(1);
+    QTest::newRow("every field at its maximum")
+        << std::numeric_limits<quint32>::max() << std::numeric_limits<qint32>::max()
+        << std::numeric_limits<quint32>::max() << std::numeric_limits<qint16>::max() << quint8(255)
+        << quint16(65535);
+    QTest::newRow("signed fields at their minimum")
+        << 1u << std::numeric_limits<qint32>::min() << 0u << std::numeric_limits<qint16>::min()
+        << quint8(0) << quint16(0);
+    QTest::newRow("minus one in every signed field")
+        << 604799999u << -1 << 1u << qint16(-1) << quint8(1) << quint16(1);
 }
 
 void tst_UbxReader::navSolFieldsAtTheirLimits()
@@ -247,8 +267,9 @@ void tst_UbxReader::navPvtFieldsAtTheirLimits_data()
     QTest::addColumn<quint8>("byte");
     QTest::addColumn<quint16>("word");
 
-    QTest::newRow("maximum") << std::numeric_limits<qint32>::max() << std::numeric_limits<quint32>::max()
-                             << quint8(255) << quint16(65535);
+    QTest::newRow("maximum") << std::numeric_limits<qint32>::max()
+                             << std::numeric_limits<quint32>::max() << quint8(255)
+                             << quint16(65535);
     QTest::newRow("minimum") << std::numeric_limits<qint32>::min() << 0u << quint8(0) << quint16(0);
     QTest::newRow("minus one") << -1 << 1u << quint8(1) << quint16(1);
 }
@@ -261,26 +282,43 @@ void tst_UbxReader::navPvtFieldsAtTheirLimits()
     QFETCH(quint16, word);
 
     Payload payload(92);
-    payload.u32(0, 4000).u16(4, word).u8(6, byte).u8(7, byte).u8(8, byte).u8(9, byte).u8(10, byte).u8(11, byte);
-    payload.u32(12, unsignedValue).i32(16, signedValue).u8(20, byte).u8(21, byte).u8(22, 0x55).u8(23, byte);
+    payload.u32(0, 4000)
+        .u16(4, word)
+        .u8(6, byte)
+        .u8(7, byte)
+        .u8(8, byte)
+        .u8(9, byte)
+        .u8(10, byte)
+        .u8(11, byte);
+    payload.u32(12, unsignedValue)
+        .i32(16, signedValue)
+        .u8(20, byte)
+        .u8(21, byte)
+        .u8(22, 0x55)
+        .u8(23, byte);
     for (int offset = 24; offset <= 36; offset += 4)
         payload.i32(offset, signedValue);
     payload.u32(40, unsignedValue).u32(44, unsignedValue);
     for (int offset = 48; offset <= 64; offset += 4)
         payload.i32(offset, signedValue);
-    payload.u32(68, unsignedValue).u32(72, unsignedValue).u16(76, 4321).i32(84, signedValue).i16(88, -5).u16(90, 7);
+    payload.u32(68, unsignedValue)
+        .u32(72, unsignedValue)
+        .u16(76, 4321)
+        .i32(84, signedValue)
+        .i16(88, -5)
+        .u16(90, 7);
     const Samples read = this->read(payload.frame(0x01, 0x07));
     QCOMPARE(read.samples.size(), std::size_t(1));
     const KvGnssPvt &pvt = read.samples[0].gnssPvt;
     QCOMPARE(pvt.iTOW, 4000u);
     QCOMPARE(pvt.year, word);
-    for (const quint8 value : {pvt.month, pvt.day, pvt.hour, pvt.min, pvt.sec, pvt.valid, pvt.fixType, pvt.flags,
-                               pvt.numSV})
+    for (const quint8 value : {pvt.month, pvt.day, pvt.hour, pvt.min, pvt.sec, pvt.valid,
+                               pvt.fixType, pvt.flags, pvt.numSV})
         QCOMPARE(value, byte);
     QCOMPARE(pvt.tAcc, unsignedValue);
     QCOMPARE(pvt.nano, signedValue);
-    for (const qint32 value : {pvt.lon, pvt.lat, pvt.height, pvt.hMSL, pvt.velN, pvt.velE, pvt.velD, pvt.gSpeed,
-                               pvt.headMot, pvt.headVeh})
+    for (const qint32 value : {pvt.lon, pvt.lat, pvt.height, pvt.hMSL, pvt.velN, pvt.velE, pvt.velD,
+                               pvt.gSpeed, pvt.headMot, pvt.headVeh})
         QCOMPARE(value, signedValue);
     for (const quint32 value : {pvt.hAcc, pvt.vAcc, pvt.sAcc, pvt.headAcc})
         QCOMPARE(value, unsignedValue);
@@ -291,8 +329,16 @@ void tst_UbxReader::navPvtFieldsAtTheirLimits()
 void tst_UbxReader::timeUtcAndDopFields()
 {
     Payload utc(20);
-    utc.u32(0, 7000).u32(4, 0xFFFFFFFF).i32(8, -999999999).u16(12, 65535).u8(14, 12).u8(15, 31).u8(16, 23)
-        .u8(17, 59).u8(18, 60).u8(19, 0xF7);
+    utc.u32(0, 7000)
+        .u32(4, 0xFFFFFFFF)
+        .i32(8, -999999999)
+        .u16(12, 65535)
+        .u8(14, 12)
+        .u8(15, 31)
+        .u8(16, 23)
+        .u8(17, 59)
+        .u8(18, 60)
+        .u8(19, 0xF7);
     const Samples read = this->read(utc.frame(0x01, 0x21) + navDop(7000, 65529));
     QCOMPARE(read.samples.size(), std::size_t(1));
     const KvGpsUtcTime &time = read.samples[0].gpsUtcTime;
@@ -310,7 +356,8 @@ void tst_UbxReader::timeUtcAndDopFields()
     QCOMPARE(dop.iTOW, 7000u);
     QCOMPARE(dop.gDOP, quint16(65529));
     QCOMPARE(dop.eDOP, quint16(65535));
-    QCOMPARE(read.properties.value(QStringLiteral("StartTime")).toString(), QStringLiteral("65535-12-31 23:59:60"));
+    QCOMPARE(read.properties.value(QStringLiteral("StartTime")).toString(),
+             QStringLiteral("65535-12-31 23:59:60"));
 }
 
 void tst_UbxReader::shortNavPvtHasNoVehicleHeading()
@@ -325,7 +372,8 @@ void tst_UbxReader::shortNavPvtHasNoVehicleHeading()
 
 void tst_UbxReader::pvtTakesTheDilutionsOfItsEpoch()
 {
-    const Samples read = this->read(navPvt(1000) + navDop(1000, 200) + navPvt(2000) + navDop(3000, 300));
+    const Samples read =
+        this->read(navPvt(1000) + navDop(1000, 200) + navPvt(2000) + navDop(3000, 300));
     QCOMPARE(read.samples.size(), std::size_t(3));
     const KvGnssPvt &first = read.samples[0].gnssPvt;
     QCOMPARE(first.gDOP, quint16(200));
@@ -346,7 +394,8 @@ void tst_UbxReader::badChecksumIsSkippedFromTheNextByte()
 {
     QByteArray bad = navSol(1000);
     bad[bad.size() - 1] = char(bad[bad.size() - 1] ^ 1);
-    // A good frame hidden inside a bad one's payload is found, as the scan goes on after the bad sync.
+    // A good frame hidden inside a bad one's payload is found, as the scan goes on after the bad
+    // sync.
     Payload carrier(navDop(2000).size() + 4);
     QByteArray inner = carrier.frame(0x01, 0x99);
     inner.replace(8, navDop(2000).size(), navDop(2000));
@@ -358,7 +407,8 @@ void tst_UbxReader::badChecksumIsSkippedFromTheNextByte()
     QCOMPARE(read.samples[1].gpsSolution.iTOW, 3000u);
     QCOMPARE(read.statistics.badChecksums, qint64(2));
     QCOMPARE(read.statistics.frames, qint64(2));
-    QCOMPARE(read.statistics.skippedBytes(), qint64(bad.size() + inner.size() - navDop(2000).size()));
+    QCOMPARE(read.statistics.skippedBytes(),
+             qint64(bad.size() + inner.size() - navDop(2000).size()));
 }
 
 void tst_UbxReader::frameCutAtTheEnd()
@@ -376,7 +426,8 @@ void tst_UbxReader::frameCutAtTheEnd()
 
 void tst_UbxReader::nmeaBetweenFrames()
 {
-    const QByteArray log = gga + navSol(1000) + gga + gga + navSol(1200) + "\xB5" + gga + navSol(1400) + gga;
+    const QByteArray log =
+        gga + navSol(1000) + gga + gga + navSol(1200) + "\xB5" + gga + navSol(1400) + gga;
     const Samples read = this->read(log);
     QCOMPARE(read.samples.size(), std::size_t(3));
     QCOMPARE(read.statistics.skippedBytes(), qint64(5 * gga.size() + 1));
@@ -386,8 +437,8 @@ void tst_UbxReader::nmeaBetweenFrames()
 
 void tst_UbxReader::epochsOutOfOrder()
 {
-    const Samples read = this->read(navSol(3000) + navDop(3000) + navSol(1000) + navSol(2000) + navDop(1000)
-                                    + navSat(2000, 3));
+    const Samples read = this->read(navSol(3000) + navDop(3000) + navSol(1000) + navSol(2000)
+                                    + navDop(1000) + navSat(2000, 3));
     QCOMPARE(read.samples.size(), std::size_t(3));
     for (std::size_t i = 0; i < 3; ++i) {
         QCOMPARE(read.samples[i].packetCounter, quint16(i));
@@ -403,7 +454,8 @@ void tst_UbxReader::epochsOutOfOrder()
 void tst_UbxReader::repeatedMessageFirstCounts()
 {
     // Again right after, and again after another epoch.
-    const Samples read = this->read(navSol(1000, 1) + navSol(1000, 2) + navSol(2000, 3) + navSol(1000, 4));
+    const Samples read =
+        this->read(navSol(1000, 1) + navSol(1000, 2) + navSol(2000, 3) + navSol(1000, 4));
     QCOMPARE(read.samples.size(), std::size_t(2));
     QCOMPARE(read.samples[0].gpsSolution.fTOW, 1);
     QCOMPARE(read.samples[1].gpsSolution.fTOW, 3);
@@ -431,7 +483,8 @@ void tst_UbxReader::satelliteListsBeyondCapacity()
 
 void tst_UbxReader::timeOfWeekZeroHoldsNoData()
 {
-    const Samples read = this->read(navSol(200) + navPvt(0) + navSol(0) + navTimeUtc(0, 2026, 1, 1));
+    const Samples read =
+        this->read(navSol(200) + navPvt(0) + navSol(0) + navTimeUtc(0, 2026, 1, 1));
     QCOMPARE(read.samples.size(), std::size_t(2));
     QCOMPARE(read.samples[0].packetCounter, quint16(0));
     QCOMPARE(read.samples[0].gpsSolution.iTOW, 0u);
@@ -452,19 +505,21 @@ void tst_UbxReader::properties_data()
     QTest::addColumn<QVariant>("firmware");
 
     QTest::newRow("start from the first epoch's PVT, in time order")
-        << navPvt(2000, 92, 2027) + navPvt(1000) + monVer("ROM 1.00 (x)") << QStringLiteral("2026-11-21 09:30:15")
-        << 1.0 << QVariant(QStringLiteral("ROM 1.00 (x)"));
+        << navPvt(2000, 92, 2027) + navPvt(1000) + monVer("ROM 1.00 (x)")
+        << QStringLiteral("2026-11-21 09:30:15") << 1.0 << QVariant(QStringLiteral("ROM 1.00 (x)"));
     QTest::newRow("an undated PVT gives way to the epoch's UTC time")
-        << navPvt(1000, 92, 2026, 0, 21) + navTimeUtc(1000, 2025, 2, 3) << QStringLiteral("2025-02-03 12:34:56")
-        << 0.0 << QVariant();
+        << navPvt(1000, 92, 2026, 0, 21) + navTimeUtc(1000, 2025, 2, 3)
+        << QStringLiteral("2025-02-03 12:34:56") << 0.0 << QVariant();
     QTest::newRow("an undated epoch gives way to the next")
-        << navTimeUtc(1000, 0, 1, 1) + navTimeUtc(1100, 2024, 7, 8, 0) << QStringLiteral("2024-07-08 00:34:56")
-        << 10.0 << QVariant();
+        << navTimeUtc(1000, 0, 1, 1) + navTimeUtc(1100, 2024, 7, 8, 0)
+        << QStringLiteral("2024-07-08 00:34:56") << 10.0 << QVariant();
     QTest::newRow("no date at all") << navSol(1000) << QStringLiteral("0") << 0.0 << QVariant();
     QTest::newRow("median of an odd number of steps")
-        << navSol(1000) + navSol(1100) + navSol(1300) + navSol(1350) << QStringLiteral("0") << 10.0 << QVariant();
+        << navSol(1000) + navSol(1100) + navSol(1300) + navSol(1350) << QStringLiteral("0") << 10.0
+        << QVariant();
     QTest::newRow("median of an even number of steps, between the middle two")
-        << navSol(1000) + navSol(1100) + navSol(1400) << QStringLiteral("0") << 1000.0 / 200.0 << QVariant();
+        << navSol(1000) + navSol(1100) + navSol(1400) << QStringLiteral("0") << 1000.0 / 200.0
+        << QVariant();
     QTest::newRow("an empty software version makes no property")
         << navSol(1000) + monVer("") + monVer("later") << QStringLiteral("0") << 0.0 << QVariant();
 }
@@ -538,7 +593,8 @@ void tst_UbxReader::pipeIsReadThroughACopy()
 void tst_UbxReader::noFrameIsAnError()
 {
     const Samples read = this->read(gga + "\xB5\x62\x01");
-    QVERIFY(read.error.endsWith(QStringLiteral("log.ubx: holds no UBX frame with a good checksum")));
+    QVERIFY(
+        read.error.endsWith(QStringLiteral("log.ubx: holds no UBX frame with a good checksum")));
 }
 
 void tst_UbxReader::detection_data()
@@ -547,8 +603,10 @@ void tst_UbxReader::detection_data()
     QTest::addColumn<bool>("ubx");
 
     QTest::newRow("a JSON object") << QByteArray("{\"properties\":{}}\n") << false;
-    QTest::newRow("a JSON object after a byte-order mark and blanks") << QByteArray("\xEF\xBB\xBF \r\n\t{") << false;
-    QTest::newRow("a JSON object holding the sync bytes") << QByteArray("{\"x\":\"\xB5\x62\"}") << false;
+    QTest::newRow("a JSON object after a byte-order mark and blanks")
+        << QByteArray("\xEF\xBB\xBF \r\n\t{") << false;
+    QTest::newRow("a JSON object holding the sync bytes")
+        << QByteArray("{\"x\":\"\xB5\x62\"}") << false;
     QTest::newRow("a frame") << navSol(1) << true;
     QTest::newRow("NMEA, then a frame") << gga + navSol(1) << true;
     QTest::newRow("text without sync bytes") << QByteArray("hello") << false;

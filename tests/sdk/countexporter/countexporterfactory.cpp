@@ -13,7 +13,9 @@ namespace {
 class CountExporter : public AbstractExporter
 {
 public:
-    explicit CountExporter(ExportSource *source) : source(source) {}
+    explicit CountExporter(ExportSource *source)
+        : source(source)
+    { }
 
     bool start(QFileDevice *device) override
     {
@@ -38,21 +40,45 @@ private:
 
 CountExporterFactory::CountExporterFactory(QObject *parent)
     : QObject(parent)
-    , store(new SettingsSynchronizer({{QStringLiteral("outputFileFormat"), QStringLiteral("<inputfile>")},
-                                      {QStringLiteral("outputFileExtension"), QStringLiteral("count")}},
-                                     {}, this))
-{
-}
+    , store(new SettingsSynchronizer(
+          {{QStringLiteral("outputFileFormat"), QStringLiteral("<inputfile>")},
+           {QStringLiteral("outputFileExtension"), QStringLiteral("count")}},
+          {}, this))
+{ }
 
-QString CountExporterFactory::name() const { return QStringLiteral("Count Exporter"); }
+QString CountExporterFactory::name() const
+{
+    return QStringLiteral("Count Exporter");
+}
 QString CountExporterFactory::fileExtension() const
 {
     return store->setting(QStringLiteral("outputFileExtension")).toString();
 }
-bool CountExporterFactory::pluginFlag() const { return true; }
-QString CountExporterFactory::version() const { return QStringLiteral("0.1"); }
-SettingsSynchronizer *CountExporterFactory::settings() const { return store; }
-QList<AbstractOptionsPage *> CountExporterFactory::optionsPages() { return {}; }
-AbstractExporter *CountExporterFactory::createExporter(ExportSource *source) { return new CountExporter(source); }
-bool CountExporterFactory::exporterFlag() const { return true; }
-bool CountExporterFactory::isAvailable() const { return true; }
+bool CountExporterFactory::pluginFlag() const
+{
+    return true;
+}
+QString CountExporterFactory::version() const
+{
+    return QStringLiteral("0.1");
+}
+SettingsSynchronizer *CountExporterFactory::settings() const
+{
+    return store;
+}
+QList<AbstractOptionsPage *> CountExporterFactory::optionsPages()
+{
+    return {};
+}
+AbstractExporter *CountExporterFactory::createExporter(ExportSource *source)
+{
+    return new CountExporter(source);
+}
+bool CountExporterFactory::exporterFlag() const
+{
+    return true;
+}
+bool CountExporterFactory::isAvailable() const
+{
+    return true;
+}
