@@ -22,6 +22,7 @@
 #include <QJsonObject>
 
 #include <cmath>
+#include <functional>
 
 namespace Commands {
 
@@ -38,6 +39,35 @@ int describeRecording(const QString &fileName)
     }
     for (const QString &line : qAsConst(lines))
         printLine(stdout, line);
+    return 0;
+}
+
+// Writes @p fileName ("-": standard output) with @p write, which sets the
+// message when it fails. The file takes its name only when everything was
+// written. Gives the exit status, after saying what went wrong; nothing when
+// the reader of a pipe went away.
+int writeOutput(
+    const QString &fileName,
+    const std::function<bool(QIODevice *device, const QString &shownName, QString *message)> &write)
+{
+    OutputFile file(fileName);
+    const QString shownName =
+        fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
+    if (!file.device()->open(QIODevice::WriteOnly)) {
+        printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
+        return 1;
+    }
+    QString message;
+    if (!write(file.device(), shownName, &message)) {
+        if (!file.readerWentAway())
+            printError(message);
+        return 1;
+    }
+    if (!file.commit()) {
+        if (!file.readerWentAway())
+            printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
+        return 1;
+    }
     return 0;
 }
 
@@ -217,27 +247,15 @@ int generate(const QStringList &arguments)
     const QString fileName = localFilePath(parser.value(output));
     if (fileName.isEmpty())
         return usageError(command, tr("--output takes a file name, or - for standard output"));
-    OutputFile file(fileName);
-    const QString shownName =
-        fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
-    if (!file.device()->open(QIODevice::WriteOnly)) {
-        printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
-        return 1;
-    }
-    // An output file that is not committed is not made.
-    QString error;
-    if (!(ubx ? generateUbxLog(options, file.device(), &error)
-              : generateRecording(options, file.device(), &error))) {
-        if (!file.readerWentAway())
-            printError(tr("%1: %2").arg(shownName, error));
-        return 1;
-    }
-    if (!file.commit()) {
-        if (!file.readerWentAway())
-            printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
-        return 1;
-    }
-    return 0;
+    return writeOutput(fileName,
+                       [&](QIODevice *device, const QString &shownName, QString *message) {
+                           QString error;
+                           if (ubx ? generateUbxLog(options, device, &error)
+                                   : generateRecording(options, device, &error))
+                               return true;
+                           *message = tr("%1: %2").arg(shownName, error);
+                           return false;
+                       });
 }
 
 int convert(const QStringList &arguments)
@@ -274,24 +292,16 @@ int convert(const QStringList &arguments)
     const QString fileName = localFilePath(parser.value(output));
     if (fileName.isEmpty())
         return usageError(command, tr("--output takes a file name, or - for standard output"));
-    OutputFile file(fileName);
-    const QString shownName =
-        fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
-    if (!file.device()->open(QIODevice::WriteOnly)) {
-        printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
-        return 1;
-    }
-    QString error;
-    if (!RecordingConverter::convert(input, file.device(), &error)) {
-        if (!file.readerWentAway())
-            printError(error.startsWith(log) ? error : tr("%1: %2").arg(shownName, error));
-        return 1;
-    }
-    if (!file.commit()) {
-        if (!file.readerWentAway())
-            printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
-        return 1;
-    }
+    status =
+        writeOutput(fileName, [&](QIODevice *device, const QString &shownName, QString *message) {
+            QString error;
+            if (RecordingConverter::convert(input, device, &error))
+                return true;
+            *message = error.startsWith(log) ? error : tr("%1: %2").arg(shownName, error);
+            return false;
+        });
+    if (status != 0)
+        return status;
     if (!input.readingNotice().isEmpty())
         printError(input.readingNotice());
     return 0;
