@@ -19,6 +19,8 @@ DelimiterHandle::DelimiterHandle(DelimiterHandle &&other) noexcept
     other.record = nullptr;
 }
 
+// The count goes up before the release, so assigning a handle to itself
+// keeps its record. NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 DelimiterHandle &DelimiterHandle::operator=(const DelimiterHandle &other)
 {
     Record *shared = other.record;
