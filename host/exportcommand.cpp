@@ -406,10 +406,13 @@ int exportRecordings(const QStringList &arguments)
         const QString label = recordings.at(i) == QLatin1String("-")
             ? ExportJob::standardInputName()
             : QFileInfo(recordings.at(i)).fileName();
-        const auto followReading = [&](qint64 position, qint64 size) {
-            if (showProgress)
+        // Without a bar the reading is not followed at all: it costs per sample.
+        ExportJob::Progress followReading;
+        if (showProgress) {
+            followReading = [&bar, label](qint64 position, qint64 size) {
                 bar.update(label, position, size);
-        };
+            };
+        }
         status = std::max(status, exportOne(i, followReading));
     }
     return status;

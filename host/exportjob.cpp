@@ -93,6 +93,8 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
                         .arg(fromStandardInput ? standardInputName() : recording));
     }
     const bool everything = selection.isEverything();
+    // Asked once: for a file it is a system call.
+    const qint64 size = progress ? reader.size() : 0;
     qint64 index = 0; // of the sample read last
     for (;; ++index) {
         if (!everything && selection.isPastEnd(index, rate))
@@ -113,7 +115,7 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
             break;
         }
         if (progress)
-            progress(reader.position(), reader.size());
+            progress(reader.position(), size);
     }
     exporter->finish();
     exporter.reset();
