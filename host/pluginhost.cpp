@@ -44,31 +44,26 @@ bool PluginHost::load()
 {
     const QFileInfo file(requested);
     if (!file.exists()) {
-        error = QCoreApplication::translate("PluginHost", "%1: no such plug-in file")
-                    .arg(file.filePath());
+        error = tr("%1: no such plug-in file").arg(file.filePath());
         return false;
     }
     if (file.isDir()) {
-        error = QCoreApplication::translate("PluginHost", "%1: is a folder, not a plug-in file")
-                    .arg(file.filePath());
+        error = tr("%1: is a folder, not a plug-in file").arg(file.filePath());
         return false;
     }
     if (!file.isReadable()) {
-        error = QCoreApplication::translate("PluginHost", "%1: not a readable file")
-                    .arg(file.filePath());
+        error = tr("%1: not a readable file").arg(file.filePath());
         return false;
     }
     loader.setFileName(requested);
     if (!loader.load()) {
-        error = QCoreApplication::translate("PluginHost", "%1: not a usable Qt plug-in: %2")
-                    .arg(file.filePath(), loader.errorString());
+        error = tr("%1: not a usable Qt plug-in: %2").arg(file.filePath(), loader.errorString());
         return false;
     }
     QObject *root = loader.instance();
     exporterFactory = qobject_cast<AbstractExporterFactory *>(root);
     if (!exporterFactory) {
-        error = QCoreApplication::translate("PluginHost",
-                                            "%1: not an exporter plug-in (it does not provide %2)")
+        error = tr("%1: not an exporter plug-in (it does not provide %2)")
                     .arg(file.filePath(), QStringLiteral(AbstractExporterFactory_iid));
         return false;
     }

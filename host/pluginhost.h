@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QJsonObject>
 #include <QPluginLoader>
 #include <QString>
@@ -13,6 +14,8 @@ class AbstractExporterFactory;
  */
 class PluginHost
 {
+    Q_DECLARE_TR_FUNCTIONS(PluginHost)
+
 public:
     /**
      * The plug-in the program loads when none is named: the first

@@ -1,40 +1,12 @@
 #include "benchdata.h"
 
+#include <columncatalogue.h>
+
 #include <random.h>
 
 #include <cmath>
 
 namespace {
-
-const char *const everyGroup[] = {
-    "exportPacketCounter",
-    "exportSampleTimeFine",
-    "exportDateTime",
-    "exportUtc",
-    "exportStatusFlags",
-    "exportClipFlags",
-    "exportRssi",
-    "exportCalibratedAcceleration",
-    "exportFreeAcceleration",
-    "exportCalibratedAngularVelocity",
-    "exportMagneticField",
-    "exportVelocityIncrement",
-    "exportOrientationIncrement",
-    "exportPressure",
-    "exportPosition",
-    "exportVelocity",
-    "exportTemperature",
-    "exportGyroTemperature",
-    "exportScrAcceleration",
-    "exportScrGyroscopeData",
-    "exportScrMagneticField",
-    "exportScrTemperature",
-    "exportScrGyroTemperature",
-    "exportRawGps",
-    "exportRawGnss",
-    "exportTriggerIn1",
-    "exportTriggerIn2",
-};
 
 KvVector vector3(Random &random, double range)
 {
@@ -56,9 +28,13 @@ QVector<BenchConfig> benchConfigs()
     inertial.settings.insert(QStringLiteral("exportOrientation"), QStringLiteral("Quaternion"));
 
     BenchConfig full{QStringLiteral("full"), {}, 12, 30};
-    for (const char *key : everyGroup)
-        full.settings.insert(QString::fromLatin1(key), true);
-    full.settings.insert(QStringLiteral("exportOrientation"), QStringLiteral("Euler"));
+    // Every group of the column catalogue, orientation as Euler angles.
+    for (const ColumnCatalogue::DataGroup &group : ColumnCatalogue::groups()) {
+        if (group.selection == ColumnCatalogue::Selection::OnOff)
+            full.settings.insert(QString::fromLatin1(group.settingKey), true);
+        else
+            full.settings.insert(QString::fromLatin1(group.settingKey), QStringLiteral("Euler"));
+    }
     return {defaults, inertial, full};
 }
 
