@@ -1,3 +1,5 @@
+#include "filemodes.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -324,18 +326,9 @@ void tst_Hostile::unreadableRecording()
     QVERIFY(QFile::setPermissions(path("locked.jsonl"), QFileDevice::WriteOwner));
     QStringList arguments{"export", "--quiet", "--output-dir", dir->path(), path("locked.jsonl")};
     QString command = program;
-    if (::geteuid() == 0) {
-        // root reads any file: run the program as root without the powers to
-        // pass over a file's mode. It stays root, so it can be started from
-        // any folder, even one that no other user may enter.
-        command = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
-        if (command.isEmpty())
-            QSKIP(
-                "running as root, and setpriv is not there to drop root's powers over file modes");
-        const QString dropped = QStringLiteral("-dac_override,-dac_read_search");
-        arguments =
-            QStringList{"--inh-caps=" + dropped, "--bounding-set=" + dropped, program} + arguments;
-    }
+    QString why;
+    if (!FileModes::obeyed(&command, &arguments, &why))
+        QSKIP(qPrintable(why));
     QProcess process;
     process.start(command, arguments);
     QVERIFY(process.waitForFinished(60000));

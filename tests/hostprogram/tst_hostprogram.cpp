@@ -1,11 +1,10 @@
+#include "filemodes.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <unistd.h>
 
 // The program asciiexport driven as a user drives it, in its own process:
 // exit statuses, messages, and the files it writes, byte for byte.
@@ -441,17 +440,9 @@ void tst_HostProgram::unwritableOutputFolder()
     QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
     QStringList arguments = withSettings({"export", "--quiet", "--output-dir", folder, recording});
     QString command = program;
-    if (::geteuid() == 0) {
-        // root writes anywhere: run the program as root without the powers
-        // to pass over a folder's mode
-        command = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
-        if (command.isEmpty())
-            QSKIP(
-                "running as root, and setpriv is not there to drop root's powers over file modes");
-        const QString dropped = QStringLiteral("-dac_override,-dac_read_search");
-        arguments =
-            QStringList{"--inh-caps=" + dropped, "--bounding-set=" + dropped, program} + arguments;
-    }
+    QString why;
+    if (!FileModes::obeyed(&command, &arguments, &why))
+        QSKIP(qPrintable(why));
     QProcess process;
     process.start(command, arguments);
     QVERIFY(process.waitForFinished(60000));
