@@ -1,5 +1,6 @@
 #include "ubxreader.h"
 
+#include "dilutions.h"
 #include "ubxframescanner.h"
 #include "ubxmessages.h"
 
@@ -335,17 +336,8 @@ bool UbxReader::readNext()
             }
         }
         // NAV-PVT's dilutions are those of the epoch's NAV-DOP.
-        if (epoch.frames[Pvt] >= 0) {
-            KvGnssPvt &pvt = current.gnssPvt;
-            const KvGpsDop &dop = current.gpsDop;
-            pvt.gDOP = dop.gDOP;
-            pvt.pDOP = dop.pDOP;
-            pvt.tDOP = dop.tDOP;
-            pvt.vDOP = dop.vDOP;
-            pvt.hDOP = dop.hDOP;
-            pvt.nDOP = dop.nDOP;
-            pvt.eDOP = dop.eDOP;
-        }
+        if (epoch.frames[Pvt] >= 0)
+            copyDilutions(current.gpsDop, current.gnssPvt);
     }
     ++nextEpoch;
     return true;

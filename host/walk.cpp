@@ -1,5 +1,6 @@
 #include "walk.h"
 
+#include "dilutions.h"
 #include "jsonline.h"
 #include "orientationmath.h"
 #include "random.h"
@@ -363,13 +364,7 @@ private:
         pvt.sAcc = quint32(200 + random.below(300));
         pvt.headAcc = quint32(500000 + random.below(1500000));
         pvt.headVeh = qint32(std::lround(sensorHeading * 1e5)) % 36000000;
-        pvt.gDOP = dop.gDOP;
-        pvt.pDOP = dop.pDOP;
-        pvt.tDOP = dop.tDOP;
-        pvt.vDOP = dop.vDOP;
-        pvt.hDOP = dop.hDOP;
-        pvt.nDOP = dop.nDOP;
-        pvt.eDOP = dop.eDOP;
+        copyDilutions(dop, pvt);
 
         KvGnssSatelliteInfo &sat = state.gnssSatellites;
         sat.iTOW = iTOW;
