@@ -1,6 +1,7 @@
 #include "exportjob.h"
 
 #include "outputfile.h"
+#include "readahead.h"
 #include "recordinginput.h"
 #include "recordingsource.h"
 
@@ -72,7 +73,9 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
 
     OutputFile file(output);
     QString reported;
-    RecordingSource source(&reader);
+    // The recording is parsed on a second core while this one formats.
+    ReadAhead samples(&reader);
+    RecordingSource source(&samples);
     source.setMessageHandler([&reported](int, const QString &text) {
         if (reported.isEmpty())
             reported = text;
@@ -86,27 +89,26 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
     }
 
     // The update rate is known once the recording object is read.
-    const double rate = reader.updateRate();
+    const double rate = samples.updateRate();
     if (selection.needsRate() && !(rate > 0.0)) {
         exporter->finish();
         return fail(tr("%1: gives no update rate, so --from and --to cannot be in seconds")
                         .arg(fromStandardInput ? standardInputName() : recording));
     }
     const bool everything = selection.isEverything();
-    // Asked once: for a file it is a system call.
-    const qint64 size = progress ? reader.size() : 0;
+    const qint64 size = progress ? samples.size() : 0;
     qint64 index = 0; // of the sample read last
     for (;; ++index) {
         if (!everything && selection.isPastEnd(index, rate))
             break;
-        if (reader.readNext()) {
+        if (samples.readNext()) {
             if (everything || selection.selects(index, rate)) {
                 exporter->writeSample();
                 ++written;
             }
-        } else if (skipBadLines && reader.hasBadLine()) {
-            const QString message = reader.errorString();
-            reader.skipBadLine();
+        } else if (skipBadLines && samples.hasBadLine()) {
+            const QString message = samples.errorString();
+            samples.skipBadLine();
             ++skipped;
             --index; // a bad line is not a sample
             warning(tr("%1 (skipped)").arg(message));
@@ -115,17 +117,17 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
             break;
         }
         if (progress)
-            progress(reader.position(), size);
+            progress(samples.position(), size);
     }
     exporter->finish();
     exporter.reset();
-    notice = reader.readingNotice();
+    notice = samples.readingNotice();
 
-    if (reader.hasError()) {
-        if (reader.hasBadLine())
+    if (samples.hasError()) {
+        if (samples.hasBadLine())
             return fail(
-                tr("%1 (--skip-bad-lines exports the other samples)").arg(reader.errorString()));
-        return fail(reader.errorString());
+                tr("%1 (--skip-bad-lines exports the other samples)").arg(samples.errorString()));
+        return fail(samples.errorString());
     }
     if (!file.commit()) {
         if (file.readerWentAway())

@@ -1,0 +1,261 @@
+#include "readahead.h"
+
+#include <QtTest>
+
+#include <atomic>
+
+namespace {
+
+/**
+ * A recording of @p lines lines, made up as it is read: line i is the sample
+ * with packet counter i, unless it is one of the bad lines or the line of a
+ * fatal error.
+ */
+class ScriptedReader : public AbstractRecordingReader
+{
+public:
+    ScriptedReader(int lines, const QVector<int> &badLines, int fatalLine)
+        : lines(lines)
+        , badLines(badLines)
+        , fatalLine(fatalLine)
+    { }
+
+    bool readNext() override
+    {
+        if (!error.isEmpty() || next == lines)
+            return false;
+        const int line = next++;
+        ++reads;
+        if (line == fatalLine) {
+            error = QStringLiteral("recording:%1: cannot be read").arg(line + 1);
+            return false;
+        }
+        if (badLines.contains(line)) {
+            error = QStringLiteral("recording:%1: not a sample").arg(line + 1);
+            bad = true;
+            return false;
+        }
+        current.packetCounter = quint16(line);
+        current.temperature = line * 0.5;
+        current.gyroTemperatures = {quint16(line), quint16(line + 1)};
+        current.sampleDateTime = QDateTime::fromMSecsSinceEpoch(qint64(line) * 10, Qt::UTC);
+        return true;
+    }
+    bool hasError() const override { return !error.isEmpty(); }
+    QString errorString() const override { return error; }
+    bool hasBadLine() const override { return bad; }
+    void skipBadLine() override
+    {
+        error.clear();
+        bad = false;
+    }
+    QVariant property(const QString &key) const override { return properties().value(key); }
+    QVariantMap properties() const override
+    {
+        return {{QStringLiteral("DeviceId"), QStringLiteral("00B4")},
+                {QStringLiteral("StartTime"), QStringLiteral("12:00")}};
+    }
+    double updateRate() const override { return 60.0; }
+    const RecordingSample &sample() const override { return current; }
+    qint64 position() const override { return qint64(next) * 100; }
+    qint64 size() const override { return qint64(lines) * 100; }
+    QString readingNotice() const override { return QStringLiteral("nothing passed over"); }
+
+    // Counted on the reading thread, looked at by the test's.
+    std::atomic<int> reads{0};
+
+private:
+    const int lines;
+    const QVector<int> badLines;
+    const int fatalLine;
+    int next = 0;
+    RecordingSample current;
+    QString error;
+    bool bad = false;
+};
+
+QString describe(const RecordingSample &sample)
+{
+    return QStringLiteral("%1 %2 %3 %4")
+        .arg(sample.packetCounter)
+        .arg(sample.temperature)
+        .arg(sample.gyroTemperatures.value(1))
+        .arg(sample.sampleDateTime.toMSecsSinceEpoch());
+}
+
+/**
+ * Everything a caller sees while reading @p reader: each sample and its
+ * position, each stop with its error, the sample shown after it. Bad lines
+ * are skipped when @p skip; the caller stops after @p wanted samples when
+ * that is not negative.
+ */
+QStringList observe(AbstractRecordingReader &reader, bool skip, int wanted)
+{
+    QStringList seen;
+    for (int got = 0; wanted < 0 || got < wanted;) {
+        if (reader.readNext()) {
+            seen << QStringLiteral("sample %1 at %2")
+                        .arg(describe(reader.sample()))
+                        .arg(reader.position());
+            ++got;
+            continue;
+        }
+        seen << QStringLiteral("stop, error %1 \"%2\", bad line %3, at %4, showing %5")
+                    .arg(reader.hasError())
+                    .arg(reader.errorString())
+                    .arg(reader.hasBadLine())
+                    .arg(reader.position())
+                    .arg(describe(reader.sample()));
+        if (skip && reader.hasBadLine()) {
+            reader.skipBadLine();
+            continue;
+        }
+        seen << QStringLiteral("then %1").arg(reader.readNext() ? "more" : "still stopped");
+        break;
+    }
+    seen << reader.readingNotice();
+    return seen;
+}
+
+} // namespace
+
+// Reading on a thread of its own: the caller must see what the reader alone
+// would show, sample for sample, stop for stop.
+class tst_ReadAhead : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void sameAsTheReader_data();
+    void sameAsTheReader();
+    void whatDoesNotChange();
+    void readsAheadBoundedly();
+    void noticeStopsTheReading();
+    void endsWithoutReading();
+    void endsAtABadLineNotSkipped();
+};
+
+void tst_ReadAhead::sameAsTheReader_data()
+{
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<QVector<int>>("badLines");
+    QTest::addColumn<int>("fatalLine");
+    QTest::addColumn<bool>("skip");
+    QTest::addColumn<int>("wanted");
+
+    const int batch = ReadAhead::batchSize;
+    const int inFlight = ReadAhead::batchSize * ReadAhead::batchCount;
+    QTest::newRow("an empty recording") << 0 << QVector<int>() << -1 << false << -1;
+    QTest::newRow("one sample") << 1 << QVector<int>() << -1 << false << -1;
+    QTest::newRow("a batch less one") << batch - 1 << QVector<int>() << -1 << false << -1;
+    QTest::newRow("a batch") << batch << QVector<int>() << -1 << false << -1;
+    QTest::newRow("a batch and one") << batch + 1 << QVector<int>() << -1 << false << -1;
+    QTest::newRow("three times all batches and more")
+        << 3 * inFlight + 5 << QVector<int>() << -1 << false << -1;
+    QTest::newRow("a bad first line, skipped") << 10 << QVector<int>{0} << -1 << true << -1;
+    QTest::newRow("bad lines at the edges of batches, skipped")
+        << 3 * batch << QVector<int>{batch - 1, batch, 2 * batch - 1, 2 * batch + 1, 3 * batch - 1}
+        << -1 << true << -1;
+    QTest::newRow("bad lines one after another, skipped")
+        << 50 << QVector<int>{10, 11, 12} << -1 << true << -1;
+    QTest::newRow("only bad lines, skipped") << 3 << QVector<int>{0, 1, 2} << -1 << true << -1;
+    QTest::newRow("a bad line, not skipped") << 1000 << QVector<int>{300} << -1 << false << -1;
+    QTest::newRow("a bad line after all batches, not skipped")
+        << 2 * inFlight << QVector<int>{inFlight + 3} << -1 << false << -1;
+    QTest::newRow("a fatal error") << 1000 << QVector<int>() << 500 << false << -1;
+    QTest::newRow("a fatal error in the first line") << 10 << QVector<int>() << 0 << false << -1;
+    QTest::newRow("a fatal error after a skipped bad line")
+        << 1000 << QVector<int>{200} << 201 << true << -1;
+    QTest::newRow("the caller stops early") << 100000 << QVector<int>() << -1 << false << 5;
+    QTest::newRow("the caller stops at the edge of a batch")
+        << 100000 << QVector<int>() << -1 << false << batch;
+    QTest::newRow("the caller stops after a skipped bad line")
+        << 100000 << QVector<int>{3} << -1 << true << 4;
+}
+
+void tst_ReadAhead::sameAsTheReader()
+{
+    QFETCH(int, lines);
+    QFETCH(QVector<int>, badLines);
+    QFETCH(int, fatalLine);
+    QFETCH(bool, skip);
+    QFETCH(int, wanted);
+
+    ScriptedReader alone(lines, badLines, fatalLine);
+    const QStringList expected = observe(alone, skip, wanted);
+
+    ScriptedReader wrapped(lines, badLines, fatalLine);
+    ReadAhead ahead(&wrapped);
+    QCOMPARE(observe(ahead, skip, wanted), expected);
+}
+
+void tst_ReadAhead::whatDoesNotChange()
+{
+    ScriptedReader reader(10, {}, -1);
+    QVERIFY(reader.readNext());
+    ReadAhead ahead(&reader);
+    QCOMPARE(ahead.properties(), reader.properties());
+    QCOMPARE(ahead.property(QStringLiteral("DeviceId")), QVariant(QStringLiteral("00B4")));
+    QVERIFY(!ahead.property(QStringLiteral("Missing")).isValid());
+    QCOMPARE(ahead.updateRate(), 60.0);
+    QCOMPARE(ahead.size(), qint64(1000));
+    // Before the first readNext() it stands where the reader stood.
+    QCOMPARE(ahead.position(), qint64(100));
+    QCOMPARE(ahead.sample().packetCounter, quint16(0));
+    QVERIFY(!ahead.hasError());
+    QVERIFY(ahead.readNext());
+    QCOMPARE(ahead.sample().packetCounter, quint16(1));
+}
+
+void tst_ReadAhead::readsAheadBoundedly()
+{
+    ScriptedReader reader(1000000, {}, -1);
+    {
+        ReadAhead ahead(&reader);
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(ahead.readNext());
+        // The thread fills every batch while the caller holds the first, then waits.
+        const int bound = ReadAhead::batchSize * ReadAhead::batchCount;
+        QTRY_COMPARE(reader.reads.load(), bound);
+        QTest::qWait(50);
+        QCOMPARE(reader.reads.load(), bound);
+    }
+}
+
+void tst_ReadAhead::noticeStopsTheReading()
+{
+    ScriptedReader reader(1000000, {}, -1);
+    ReadAhead ahead(&reader);
+    QVERIFY(ahead.readNext());
+    QCOMPARE(ahead.readingNotice(), QStringLiteral("nothing passed over"));
+    const int reads = reader.reads.load();
+    QVERIFY(!ahead.readNext());
+    QVERIFY(!ahead.hasError());
+    QCOMPARE(reader.reads.load(), reads);
+}
+
+void tst_ReadAhead::endsWithoutReading()
+{
+    ScriptedReader reader(10, {}, -1);
+    {
+        ReadAhead ahead(&reader);
+    }
+    QCOMPARE(reader.reads.load(), 0);
+}
+
+void tst_ReadAhead::endsAtABadLineNotSkipped()
+{
+    ScriptedReader reader(1000, {2}, -1);
+    {
+        ReadAhead ahead(&reader);
+        QVERIFY(ahead.readNext());
+        QVERIFY(ahead.readNext());
+        QVERIFY(!ahead.readNext());
+        QVERIFY(ahead.hasBadLine());
+        // The thread waits at the bad line; going away must end it.
+    }
+    QCOMPARE(reader.reads.load(), 3);
+}
+
+QTEST_GUILESS_MAIN(tst_ReadAhead)
+#include "tst_readahead.moc"
