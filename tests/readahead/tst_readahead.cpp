@@ -1,4 +1,6 @@
 #include "readahead.h"
+#include "recordinggenerator.h"
+#include "recordinginput.h"
 
 #include <QtTest>
 
@@ -74,6 +76,31 @@ private:
     bool bad = false;
 };
 
+// Much of a sample of a generated recording, to tell two readings apart.
+QString fingerprint(const RecordingSample &sample)
+{
+    QStringList parts{QString::number(sample.packetCounter),
+                      QString::number(sample.sampleTimeFine),
+                      sample.sampleDateTime.toString(Qt::ISODateWithMs),
+                      QString::number(sample.utcTime.nano),
+                      QString::number(sample.temperature),
+                      QString::number(sample.pressure)};
+    for (const KvVector *vector :
+         {&sample.calibratedAcceleration, &sample.freeAcceleration,
+          &sample.calibratedAngularVelocity, &sample.magneticField, &sample.latitudeLongitude}) {
+        for (int i = 0; i < vector->size(); ++i)
+            parts << QString::number(vector->at(i), 'g', 17);
+    }
+    for (int i = 0; i < 4; ++i)
+        parts << QString::number(sample.orientationQuaternion.at(i), 'g', 17);
+    for (quint16 temperature : sample.gyroTemperatures)
+        parts << QString::number(temperature);
+    parts << QString::number(sample.gnssPvt.iTOW) << QString::number(sample.gnssPvt.lat)
+          << QString::number(sample.gnssSatellites.numSvs)
+          << QString::number(sample.triggerIn1.timestamp);
+    return parts.join(QLatin1Char(' '));
+}
+
 QString describe(const RecordingSample &sample)
 {
     return QStringLiteral("%1 %2 %3 %4")
@@ -128,6 +155,7 @@ class tst_ReadAhead : public QObject
 private slots:
     void sameAsTheReader_data();
     void sameAsTheReader();
+    void sameAsTheReaderOnARecording();
     void whatDoesNotChange();
     void readsAheadBoundedly();
     void noticeStopsTheReading();
@@ -187,6 +215,49 @@ void tst_ReadAhead::sameAsTheReader()
     ScriptedReader wrapped(lines, badLines, fatalLine);
     ReadAhead ahead(&wrapped);
     QCOMPARE(observe(ahead, skip, wanted), expected);
+}
+
+void tst_ReadAhead::sameAsTheReaderOnARecording()
+{
+    GeneratorOptions options;
+    options.samples = 3000;
+    QBuffer generated;
+    generated.open(QIODevice::WriteOnly);
+    QString error;
+    QVERIFY2(generateRecording(options, &generated, &error), qPrintable(error));
+    // A bad line among them, to be skipped.
+    QList<QByteArray> lines = generated.data().split('\n');
+    lines.insert(1500, QByteArrayLiteral("{\"packetCounter\": \"none\"}"));
+    const QByteArray recording = lines.join('\n');
+
+    const auto readAll = [&recording](bool ahead) {
+        QBuffer device;
+        device.setData(recording);
+        device.open(QIODevice::ReadOnly);
+        RecordingInput input;
+        QStringList seen;
+        if (!input.open(&device, QStringLiteral("recording")))
+            return QStringList{input.errorString()};
+        ReadAhead readAhead(&input);
+        AbstractRecordingReader &reader = ahead ? static_cast<AbstractRecordingReader &>(readAhead)
+                                                : static_cast<AbstractRecordingReader &>(input);
+        for (;;) {
+            if (reader.readNext()) {
+                seen << fingerprint(reader.sample());
+            } else if (reader.hasBadLine()) {
+                seen << reader.errorString();
+                reader.skipBadLine();
+            } else {
+                seen << QStringLiteral("end, error \"%1\"").arg(reader.errorString());
+                return seen;
+            }
+        }
+    };
+    const QStringList alone = readAll(false);
+    QCOMPARE(alone.size(), 3000 + 2);
+    QVERIFY2(alone.at(1499).startsWith(QLatin1String("recording:1501:")),
+             qPrintable(alone.at(1499)));
+    QCOMPARE(readAll(true), alone);
 }
 
 void tst_ReadAhead::whatDoesNotChange()
