@@ -21,6 +21,7 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QSet>
+#include <QThread>
 
 #include <algorithm>
 #include <cerrno>
@@ -329,7 +330,9 @@ int exportRecordings(const QStringList &arguments)
         return file;
     };
 
+    const bool sideBySide = jobCount > 1 && recordings.size() > 1;
     ExportJob job(factory);
+    job.setReadAhead(!sideBySide && QThread::idealThreadCount() > 1);
     job.setSelection(selection);
     job.setSkipBadLines(parser.isSet(skipBadLines), [&bar](const QString &warning) {
         bar.clear();
@@ -371,7 +374,7 @@ int exportRecordings(const QStringList &arguments)
         return 0;
     };
 
-    if (jobCount > 1 && recordings.size() > 1) {
+    if (sideBySide) {
         // The names are worked out here, in the order of the command line, so
         // that the same recordings clash as they would one after another.
         QVector<qint64> sizes;

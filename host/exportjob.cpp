@@ -31,6 +31,11 @@ bool ExportJob::fail(const QString &message)
     return false;
 }
 
+void ExportJob::setReadAhead(bool on)
+{
+    readAhead = on;
+}
+
 void ExportJob::setSelection(const SampleSelection &samples)
 {
     selection = samples;
@@ -74,7 +79,9 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
     OutputFile file(output);
     QString reported;
     // The recording is parsed on a second core while this one formats.
-    ReadAhead samples(&reader);
+    ReadAhead ahead(&reader);
+    AbstractRecordingReader &samples = readAhead ? static_cast<AbstractRecordingReader &>(ahead)
+                                                 : static_cast<AbstractRecordingReader &>(reader);
     RecordingSource source(&samples);
     source.setMessageHandler([&reported](int, const QString &text) {
         if (reported.isEmpty())

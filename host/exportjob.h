@@ -41,6 +41,13 @@ public:
      */
     void setSkipBadLines(bool skip, const WarningHandler &warning);
 
+    /**
+     * Whether the recording is read on a thread of its own while the export
+     * is written (on by default). Worth it only with a core to spare: exports
+     * that already run side by side, one per core, go faster without.
+     */
+    void setReadAhead(bool readAhead);
+
     /** Exports only these samples of each recording. */
     void setSelection(const SampleSelection &samples);
 
@@ -69,6 +76,7 @@ private:
 
     AbstractExporterFactory *factory;
     bool skipBadLines = false;
+    bool readAhead = true;
     WarningHandler warning;
     SampleSelection selection;
     QString error;
