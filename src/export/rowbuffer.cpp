@@ -3,10 +3,23 @@
 #include "iasciidelimiter.h"
 #include "numberformat.h"
 
+namespace {
+
+QString textOf(const DelimiterHandle &delimiter)
+{
+    QString text;
+    QTextStream probe(&text);
+    delimiter->write(probe);
+    probe.flush();
+    return text;
+}
+
+} // namespace
+
 RowBuffer::RowBuffer(const DelimiterHandle &delimiter, const DelimiterHandle &emptyFieldText)
     : stream(&text, QIODevice::ReadWrite)
-    , delimiter(delimiter)
-    , emptyFieldText(emptyFieldText)
+    , delimiter(textOf(delimiter))
+    , emptyFieldText(textOf(emptyFieldText))
 { }
 
 void RowBuffer::clear()
@@ -17,18 +30,17 @@ void RowBuffer::clear()
 
 void RowBuffer::endField()
 {
-    delimiter->write(stream);
+    text.append(delimiter);
 }
 
+// A text stream over a string writes through to it at once, so what is
+// appended to the string afterwards lands after it.
 void RowBuffer::field(const QString &value)
 {
     stream << value;
     endField();
 }
 
-// Numbers go straight into the line: a text stream over a string writes
-// through to it at once, so the delimiter's write() that follows lands
-// after them.
 void RowBuffer::field(QLatin1String value)
 {
     text.append(value);
@@ -64,7 +76,7 @@ void RowBuffer::natural(quint64 value, int width, char fill)
 void RowBuffer::empty(int count)
 {
     for (int i = 0; i < count; ++i) {
-        emptyFieldText->write(stream);
+        text.append(emptyFieldText);
         endField();
     }
 }

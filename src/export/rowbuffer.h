@@ -11,6 +11,9 @@
  * written as Qt writes them (see NumberFormat), without a temporary string
  * per field.
  *
+ * Delimiters are fixed texts: each is asked for its text once, when the
+ * buffer is made, and that text is appended after every field.
+ *
  * The buffer is kept from line to line so that its memory is reused; clear()
  * starts a new line.
  */
@@ -25,6 +28,8 @@ public:
     void clear();
     /** The line so far; trimming it is the caller's business. */
     QString &line() { return text; }
+    /** What the field delimiter writes. */
+    const QString &delimiterText() const { return delimiter; }
 
     void field(const QString &value);
     void field(QLatin1String value);
@@ -43,6 +48,6 @@ private:
 
     QString text;
     QTextStream stream;
-    DelimiterHandle delimiter;
-    DelimiterHandle emptyFieldText;
+    const QString delimiter;
+    const QString emptyFieldText;
 };

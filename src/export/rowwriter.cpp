@@ -1,35 +1,21 @@
 #include "rowwriter.h"
 
 #include "columncatalogue.h"
-#include "iasciidelimiter.h"
 #include "settingkeys.h"
 
 #include <settingssynchronizer.h>
 
 #include <QTextStream>
 
-namespace {
-
-// The first character the delimiter writes, or the null character.
-QChar firstCharacter(const DelimiterHandle &delimiter)
-{
-    QString text;
-    QTextStream probe(&text);
-    delimiter->write(probe);
-    probe.flush();
-    return text.isEmpty() ? QChar(QChar::Null) : text.at(0);
-}
-
-} // namespace
-
 RowWriter::RowWriter(const ExportSource *source, SettingsSynchronizer *settings,
                      const DelimiterHandle &delimiter, const DelimiterHandle &emptyFieldText)
     : sampleSource(source)
     , settings(settings)
     , highPrecisionKey(QLatin1String(SettingKeys::highPrecision))
-    , delimiterStart(firstCharacter(delimiter))
     , buffer(delimiter, emptyFieldText)
 {
+    if (!buffer.delimiterText().isEmpty())
+        delimiterStart = buffer.delimiterText().at(0);
     for (const ColumnCatalogue::DataGroup &group : ColumnCatalogue::groups())
         groupKeys.append(QLatin1String(group.settingKey));
 }

@@ -53,11 +53,11 @@ private:
     SettingsSynchronizer *settings;
 
     // Made once, as the delimiters are: the setting keys read for every line
-    // and every value (the store answers repeated keys fastest), the
-    // character trimTrailingDelimiter() looks for, and the buffer the lines
-    // are built in.
+    // and every value (the store answers repeated keys fastest), the buffer
+    // the lines are built in, and the character trimTrailingDelimiter()
+    // looks for (none for an empty delimiter).
     QVector<QString> groupKeys;
     const QString highPrecisionKey;
-    QChar delimiterStart;
     RowBuffer buffer;
+    QChar delimiterStart = QChar::Null;
 };
