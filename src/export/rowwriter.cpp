@@ -62,7 +62,10 @@ bool RowWriter::writeSampleRow(QTextStream &out)
 
 void RowWriter::formatValue(double value, Precision precision)
 {
-    if (settings->setting(highPrecisionKey).toBool()) {
+    // The store usually holds no value for the key: an invalid variant,
+    // which reads as false without the cost of converting it.
+    const QVariant highPrecision = settings->setting(highPrecisionKey);
+    if (highPrecision.isValid() && highPrecision.toBool()) {
         buffer.general(value, 18);
         return;
     }
