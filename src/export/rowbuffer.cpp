@@ -3,7 +3,14 @@
 #include "iasciidelimiter.h"
 #include "numberformat.h"
 
+#include <algorithm>
+
 namespace {
+
+// The longest delimiter that is written together with a number, and the
+// buffer a number is written into.
+constexpr int maxJoinedDelimiter = 16;
+constexpr int numberBufferSize = NumberFormat::MaxLength + maxJoinedDelimiter;
 
 QString textOf(const DelimiterHandle &delimiter)
 {
@@ -14,12 +21,26 @@ QString textOf(const DelimiterHandle &delimiter)
     return text;
 }
 
+// The delimiter as Latin-1 bytes that can follow a number in its buffer, or
+// nothing when it is not Latin-1 or too long for that.
+QByteArray joinableBytes(const QString &delimiter)
+{
+    if (delimiter.isEmpty() || delimiter.size() > maxJoinedDelimiter)
+        return QByteArray();
+    for (const QChar c : delimiter) {
+        if (c.unicode() > 0xff)
+            return QByteArray();
+    }
+    return delimiter.toLatin1();
+}
+
 } // namespace
 
 RowBuffer::RowBuffer(const DelimiterHandle &delimiter, const DelimiterHandle &emptyFieldText)
     : stream(&text, QIODevice::ReadWrite)
     , delimiter(textOf(delimiter))
     , emptyFieldText(textOf(emptyFieldText))
+    , joinedDelimiter(joinableBytes(this->delimiter))
 { }
 
 void RowBuffer::clear()
@@ -49,28 +70,38 @@ void RowBuffer::field(QLatin1String value)
 
 void RowBuffer::fixed(double value, int decimals)
 {
-    char buffer[NumberFormat::MaxLength];
-    field(QLatin1String(buffer, int(NumberFormat::writeFixed(buffer, value, decimals) - buffer)));
+    char buffer[numberBufferSize];
+    number(buffer, NumberFormat::writeFixed(buffer, value, decimals));
 }
 
 void RowBuffer::general(double value, int digits)
 {
-    char buffer[NumberFormat::MaxLength];
-    field(QLatin1String(buffer, int(NumberFormat::writeGeneral(buffer, value, digits) - buffer)));
+    char buffer[numberBufferSize];
+    number(buffer, NumberFormat::writeGeneral(buffer, value, digits));
 }
 
 void RowBuffer::integer(qint64 value, int width, char fill)
 {
-    char buffer[NumberFormat::MaxLength];
-    field(QLatin1String(buffer,
-                        int(NumberFormat::writeInteger(buffer, value, width, fill) - buffer)));
+    char buffer[numberBufferSize];
+    number(buffer, NumberFormat::writeInteger(buffer, value, width, fill));
 }
 
 void RowBuffer::natural(quint64 value, int width, char fill)
 {
-    char buffer[NumberFormat::MaxLength];
-    field(QLatin1String(buffer,
-                        int(NumberFormat::writeUnsigned(buffer, value, width, fill) - buffer)));
+    char buffer[numberBufferSize];
+    number(buffer, NumberFormat::writeUnsigned(buffer, value, width, fill));
+}
+
+// A number and the delimiter after it go in with one append where they can:
+// a row is mostly numbers, and each append costs a call and a check of room.
+void RowBuffer::number(char *first, char *last)
+{
+    if (joinedDelimiter.isEmpty()) {
+        field(QLatin1String(first, int(last - first)));
+        return;
+    }
+    last = std::copy(joinedDelimiter.cbegin(), joinedDelimiter.cend(), last);
+    text.append(QLatin1String(first, int(last - first)));
 }
 
 void RowBuffer::empty(int count)

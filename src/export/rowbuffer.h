@@ -2,6 +2,7 @@
 
 #include "delimiterhandle.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QTextStream>
 
@@ -45,9 +46,12 @@ public:
 
 private:
     void endField();
+    void number(char *first, char *last);
 
     QString text;
     QTextStream stream;
     const QString delimiter;
     const QString emptyFieldText;
+    // The delimiter in Latin-1, when a number's buffer can take it.
+    const QByteArray joinedDelimiter;
 };

@@ -84,6 +84,8 @@ private slots:
     void receiverRecords();
     void fieldCounts_data();
     void fieldCounts();
+    void delimiterTexts_data();
+    void delimiterTexts();
 };
 
 void tst_SampleRow::row_data()
@@ -685,6 +687,51 @@ void tst_SampleRow::fieldCounts()
         QCOMPARE(line.split(delimiter).size(), headerFields);
     if (delimiter == QLatin1String("\t"))
         QCOMPARE(headerFields, columns);
+}
+
+void tst_SampleRow::delimiterTexts_data()
+{
+    QTest::addColumn<QString>("delimiter");
+
+    QTest::newRow("two characters") << "::";
+    QTest::newRow("Latin-1 beyond ASCII") << QString::fromUtf8("\u00a7");
+    QTest::newRow("beyond Latin-1") << QString::fromUtf8("\u2192");
+    QTest::newRow("Latin-1, then beyond") << QString::fromUtf8(";\u2192");
+    QTest::newRow("sixteen characters") << "<-- sixteen -->|";
+    QTest::newRow("seventeen characters") << "<-- seventeen -->";
+    QTest::newRow("first and last alike") << "-+-";
+}
+
+// Whatever the delimiter, a line is the tab-delimited line with each tab
+// replaced by it, and one character trimmed at the end as the header's rule
+// says: numbers, integers and empty fields alike.
+void tst_SampleRow::delimiterTexts()
+{
+    QFETCH(QString, delimiter);
+
+    const Settings groups{{"exportPacketCounter", true},
+                          {"exportStatusFlags", true},
+                          {"exportCalibratedAcceleration", true},
+                          {"exportFreeAcceleration", true},
+                          {"exportOrientation", "Quaternion"},
+                          {"exportPressure", true},
+                          {"exportTemperature", true}};
+    Settings custom = groups;
+    custom.insert(QStringLiteral("useTabDelimiter"), false);
+    custom.insert(QStringLiteral("useOtherDelimiter"), true);
+    custom.insert(QStringLiteral("otherDelimiter"), delimiter);
+    const Samples samples{fullSample(), withAcceleration()};
+
+    const QStringList tabbed = exportLines(base(groups), samples);
+    const QStringList lines = exportLines(base(custom), samples);
+    QCOMPARE(lines.size(), 3);
+    QCOMPARE(tabbed.size(), lines.size());
+    for (int i = 0; i < lines.size(); ++i) {
+        QString expected = tabbed.at(i).split(QLatin1Char('\t')).join(delimiter) + delimiter;
+        if (expected.endsWith(delimiter.at(0)))
+            expected.chop(1);
+        QCOMPARE(lines.at(i), expected);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_SampleRow)
