@@ -1,5 +1,7 @@
 #include "readahead.h"
 
+#include <system_error>
+
 ReadAhead::ReadAhead(AbstractRecordingReader *reader)
     : reader(reader)
     , recordingProperties(reader->properties())
@@ -69,12 +71,17 @@ bool ReadAhead::fill(Batch &batch)
     return true;
 }
 
+bool ReadAhead::readsAhead() const
+{
+    return threaded;
+}
+
 bool ReadAhead::readNext()
 {
     if (failed || ended || stopping)
         return false;
-    if (!thread.joinable())
-        thread = std::thread(&ReadAhead::read, this);
+    if (!started)
+        start();
     for (;;) {
         if (current) {
             if (++index < current->count) {
@@ -92,12 +99,30 @@ bool ReadAhead::readNext()
             }
             release();
         }
-        std::unique_lock<std::mutex> guard(lock);
-        changed.wait(guard, [&] { return stopping || filled > released; });
-        if (stopping)
-            return false;
-        current = &batches[std::size_t(released % batchCount)];
+        // Without a thread one batch will do.
+        Batch &next = batches[threaded ? std::size_t(released % batchCount) : 0];
+        if (threaded) {
+            std::unique_lock<std::mutex> guard(lock);
+            changed.wait(guard, [&] { return stopping || filled > released; });
+            if (stopping)
+                return false;
+        } else {
+            fill(next);
+        }
+        current = &next;
         index = -1;
+    }
+}
+
+void ReadAhead::start()
+{
+    started = true;
+    try {
+        thread = std::thread(&ReadAhead::read, this);
+        threaded = true;
+    } catch (const std::system_error &) {
+        // Too little memory for a thread's stack, or too many threads: the
+        // batches are read in the caller's thread.
     }
 }
 
@@ -136,9 +161,11 @@ void ReadAhead::skipBadLine()
     failed = false;
     badLine = false;
     error.clear();
-    {
+    if (threaded) {
         std::lock_guard<std::mutex> guard(lock);
         skip = true;
+    } else {
+        reader->skipBadLine();
     }
     release();
 }

@@ -20,13 +20,16 @@
  * is taken from the reader before the thread starts; from then on only the
  * thread touches the reader, until it is stopped.
  *
+ * Where the system refuses a thread, the batches are read in the caller's
+ * thread instead, each when it is wanted.
+ *
  * The standard library's threads and locks are used, rather than Qt's, so
  * that ThreadSanitizer sees them.
  */
 class ReadAhead : public AbstractRecordingReader
 {
 public:
-    /** Samples a batch holds, and batches in flight: some 2 MiB of samples. */
+    /** Samples a batch holds, and batches in flight: some 1.1 MiB of samples. */
     static constexpr int batchSize = 128;
     static constexpr int batchCount = 8;
 
@@ -40,6 +43,12 @@ public:
 
     ReadAhead(const ReadAhead &) = delete;
     ReadAhead &operator=(const ReadAhead &) = delete;
+
+    /**
+     * Whether a thread of its own reads the recording: false before the
+     * first readNext() and where the system refused the thread.
+     */
+    bool readsAhead() const;
 
     bool readNext() override;
     bool hasError() const override;
@@ -72,6 +81,7 @@ private:
         qint64 endPosition = 0;
     };
 
+    void start();
     void read();
     bool fill(Batch &batch);
     void release();
@@ -95,8 +105,11 @@ private:
     mutable std::condition_variable changed;
     mutable std::thread thread;
 
-    // The caller's side: the batch being read and the sample shown, which
-    // is copied out of a batch given back so that it stays valid.
+    // The caller's side: whether the thread was started and runs, the batch
+    // being read, and the sample shown, which is copied out of a batch given
+    // back so that it stays valid.
+    bool started = false;
+    bool threaded = false;
     const Batch *current = nullptr;
     int index = -1;
     const RecordingSample none;

@@ -40,6 +40,7 @@ private slots:
     void recordingFromStandardInput();
     void exportToStandardOutput();
     void recordingsFromPipes();
+    void exportWithoutAThread();
     void groupsShorthand();
     void partOfARecording_data();
     void partOfARecording();
@@ -752,6 +753,47 @@ void tst_HostProgram::recordingsFromPipes()
     QCOMPARE(readFile(path("stdin.txt")), expected);
     QCOMPARE(readFile(path("substituted.txt")), expected);
     QCOMPARE(readFile(path("fifo.txt")), expected);
+}
+
+// Where the system refuses the thread that reads ahead, the export reads in
+// its own thread and gives the same file and messages, a skipped bad line
+// included. The limits make it refuse: a thread's stack is as large as the
+// stack limit, which is more than the address-space limit leaves.
+void tst_HostProgram::exportWithoutAThread()
+{
+#if defined(__SANITIZE_ADDRESS__)
+    QSKIP("AddressSanitizer needs far more address space than the limit leaves");
+#endif
+    const QString limits = QStringLiteral("ulimit -s 4000000 && ulimit -v 3000000 && ");
+    QProcess probe;
+    probe.start(QStringLiteral("/bin/bash"),
+                {"-c",
+                 limits
+                     + "exec python3 -c 'import threading; "
+                       "threading.Thread(target=print).start()'"});
+    QVERIFY(probe.waitForFinished(60000));
+    QVERIFY2(probe.exitCode() != 0
+                 && probe.readAllStandardError().contains("can't start new thread"),
+             "the limits do not refuse a thread");
+
+    QList<QByteArray> lines =
+        readFile(generated(QStringLiteral("rec.jsonl"), {"--samples", "3000"})).split('\n');
+    lines.insert(1500, "{\"packetCounter\": \"none\"}");
+    writeFile(path("bad.jsonl"), lines.join('\n'));
+    const QStringList arguments =
+        withSettings({"export", "--skip-bad-lines", "--quiet", "-o", "-", path("bad.jsonl")});
+    const Result expected = run(arguments);
+    QCOMPARE(expected.status, 0);
+    QVERIFY(expected.err.contains(":1501: "));
+
+    QProcess process;
+    process.setWorkingDirectory(dir->path());
+    process.start(QStringLiteral("/bin/bash"),
+                  QStringList{"-c", limits + "exec \"$0\" \"$@\"", program} + arguments);
+    QVERIFY(process.waitForFinished(120000));
+    QCOMPARE(process.readAllStandardError(), expected.err);
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(process.readAllStandardOutput(), expected.out);
 }
 
 // --groups is the same as setting the groups one by one.

@@ -6,6 +6,9 @@
 
 #include <atomic>
 
+#include <pthread.h>
+#include <sys/resource.h>
+
 namespace {
 
 /**
@@ -144,6 +147,67 @@ QStringList observe(AbstractRecordingReader &reader, bool skip, int wanted)
     return seen;
 }
 
+/**
+ * While it lives, the system refuses new threads: each thread's stack is
+ * made larger than what the address-space limit leaves free. Both are put
+ * back afterwards.
+ */
+class ThreadsRefused
+{
+public:
+    ThreadsRefused()
+    {
+        pthread_attr_t attributes;
+        if (pthread_getattr_default_np(&attributes) != 0)
+            return;
+        pthread_attr_getstacksize(&attributes, &stackSize);
+        pthread_attr_setstacksize(&attributes, refusedStack);
+        const bool stackSet = pthread_setattr_default_np(&attributes) == 0;
+        pthread_attr_destroy(&attributes);
+        if (!stackSet || getrlimit(RLIMIT_AS, &limit) != 0)
+            return;
+        rlimit lowered = limit;
+        lowered.rlim_cur = addressSpace() + leftFree;
+        set = setrlimit(RLIMIT_AS, &lowered) == 0;
+    }
+    ~ThreadsRefused()
+    {
+        if (set)
+            setrlimit(RLIMIT_AS, &limit);
+        pthread_attr_t attributes;
+        if (pthread_getattr_default_np(&attributes) == 0) {
+            pthread_attr_setstacksize(&attributes, stackSize);
+            pthread_setattr_default_np(&attributes);
+            pthread_attr_destroy(&attributes);
+        }
+    }
+    ThreadsRefused(const ThreadsRefused &) = delete;
+    ThreadsRefused &operator=(const ThreadsRefused &) = delete;
+
+    bool inForce() const { return set; }
+
+private:
+    static constexpr rlim_t leftFree = 16 << 20;
+    static constexpr std::size_t refusedStack = 64 << 20;
+
+    // The process's address space now, from /proc/self/status.
+    static rlim_t addressSpace()
+    {
+        QFile status(QStringLiteral("/proc/self/status"));
+        if (!status.open(QIODevice::ReadOnly))
+            return 0;
+        for (const QByteArray &line : status.readAll().split('\n')) {
+            if (line.startsWith("VmSize:"))
+                return rlim_t(line.mid(7).trimmed().split(' ').first().toULongLong()) * 1024;
+        }
+        return 0;
+    }
+
+    std::size_t stackSize = 0;
+    rlimit limit{};
+    bool set = false;
+};
+
 } // namespace
 
 // Reading on a thread of its own: the caller must see what the reader alone
@@ -157,6 +221,8 @@ private slots:
     void sameAsTheReader();
     void sameAsTheReaderOnARecording();
     void whatDoesNotChange();
+    void sameAsTheReaderWithoutAThread_data();
+    void sameAsTheReaderWithoutAThread();
     void readsAheadBoundedly();
     void noticeStopsTheReading();
     void endsWithoutReading();
@@ -278,6 +344,39 @@ void tst_ReadAhead::whatDoesNotChange()
     QCOMPARE(ahead.sample().packetCounter, quint16(1));
 }
 
+void tst_ReadAhead::sameAsTheReaderWithoutAThread_data()
+{
+    sameAsTheReader_data();
+}
+
+// Where the system refuses the thread, the caller's thread reads the batches,
+// with the same answers.
+void tst_ReadAhead::sameAsTheReaderWithoutAThread()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("the sanitizers need more address space than the limit leaves");
+#endif
+    QFETCH(int, lines);
+    QFETCH(QVector<int>, badLines);
+    QFETCH(int, fatalLine);
+    QFETCH(bool, skip);
+    QFETCH(int, wanted);
+
+    ScriptedReader alone(lines, badLines, fatalLine);
+    const QStringList expected = observe(alone, skip, wanted);
+
+    ScriptedReader wrapped(lines, badLines, fatalLine);
+    ReadAhead ahead(&wrapped);
+    QStringList seen;
+    {
+        const ThreadsRefused refused;
+        QVERIFY(refused.inForce());
+        seen = observe(ahead, skip, wanted);
+    }
+    QVERIFY(!ahead.readsAhead());
+    QCOMPARE(seen, expected);
+}
+
 void tst_ReadAhead::readsAheadBoundedly()
 {
     ScriptedReader reader(1000000, {}, -1);
@@ -285,6 +384,7 @@ void tst_ReadAhead::readsAheadBoundedly()
         ReadAhead ahead(&reader);
         for (int i = 0; i < 3; ++i)
             QVERIFY(ahead.readNext());
+        QVERIFY(ahead.readsAhead());
         // The thread fills every batch while the caller holds the first, then waits.
         const int bound = ReadAhead::batchSize * ReadAhead::batchCount;
         QTRY_COMPARE(reader.reads.load(), bound);
