@@ -78,7 +78,8 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
 
     OutputFile file(output);
     QString reported;
-    // The recording is parsed on a second core while this one formats.
+    // With a core to spare, the recording is parsed on a second thread while
+    // this one formats.
     ReadAhead ahead(&reader);
     AbstractRecordingReader &samples = readAhead ? static_cast<AbstractRecordingReader &>(ahead)
                                                  : static_cast<AbstractRecordingReader &>(reader);
