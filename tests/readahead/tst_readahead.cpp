@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <optional>
 
 #include <pthread.h>
 #include <sys/resource.h>
@@ -221,8 +222,6 @@ private slots:
     void sameAsTheReader();
     void sameAsTheReaderOnARecording();
     void whatDoesNotChange();
-    void sameAsTheReaderWithoutAThread_data();
-    void sameAsTheReaderWithoutAThread();
     void readsAheadBoundedly();
     void noticeStopsTheReading();
     void endsWithoutReading();
@@ -236,35 +235,38 @@ void tst_ReadAhead::sameAsTheReader_data()
     QTest::addColumn<int>("fatalLine");
     QTest::addColumn<bool>("skip");
     QTest::addColumn<int>("wanted");
+    QTest::addColumn<bool>("threadRefused");
 
+    // Every case twice: read ahead, and in the caller's thread where the
+    // system refuses the reading thread.
+    const auto add = [](const char *name, int lines, const QVector<int> &badLines, int fatalLine,
+                        bool skip, int wanted) {
+        for (const bool refused : {false, true}) {
+            QTest::addRow("%s%s", name, refused ? ", no thread" : "")
+                << lines << badLines << fatalLine << skip << wanted << refused;
+        }
+    };
     const int batch = ReadAhead::batchSize;
     const int inFlight = ReadAhead::batchSize * ReadAhead::batchCount;
-    QTest::newRow("an empty recording") << 0 << QVector<int>() << -1 << false << -1;
-    QTest::newRow("one sample") << 1 << QVector<int>() << -1 << false << -1;
-    QTest::newRow("a batch less one") << batch - 1 << QVector<int>() << -1 << false << -1;
-    QTest::newRow("a batch") << batch << QVector<int>() << -1 << false << -1;
-    QTest::newRow("a batch and one") << batch + 1 << QVector<int>() << -1 << false << -1;
-    QTest::newRow("three times all batches and more")
-        << 3 * inFlight + 5 << QVector<int>() << -1 << false << -1;
-    QTest::newRow("a bad first line, skipped") << 10 << QVector<int>{0} << -1 << true << -1;
-    QTest::newRow("bad lines at the edges of batches, skipped")
-        << 3 * batch << QVector<int>{batch - 1, batch, 2 * batch - 1, 2 * batch + 1, 3 * batch - 1}
-        << -1 << true << -1;
-    QTest::newRow("bad lines one after another, skipped")
-        << 50 << QVector<int>{10, 11, 12} << -1 << true << -1;
-    QTest::newRow("only bad lines, skipped") << 3 << QVector<int>{0, 1, 2} << -1 << true << -1;
-    QTest::newRow("a bad line, not skipped") << 1000 << QVector<int>{300} << -1 << false << -1;
-    QTest::newRow("a bad line after all batches, not skipped")
-        << 2 * inFlight << QVector<int>{inFlight + 3} << -1 << false << -1;
-    QTest::newRow("a fatal error") << 1000 << QVector<int>() << 500 << false << -1;
-    QTest::newRow("a fatal error in the first line") << 10 << QVector<int>() << 0 << false << -1;
-    QTest::newRow("a fatal error after a skipped bad line")
-        << 1000 << QVector<int>{200} << 201 << true << -1;
-    QTest::newRow("the caller stops early") << 100000 << QVector<int>() << -1 << false << 5;
-    QTest::newRow("the caller stops at the edge of a batch")
-        << 100000 << QVector<int>() << -1 << false << batch;
-    QTest::newRow("the caller stops after a skipped bad line")
-        << 100000 << QVector<int>{3} << -1 << true << 4;
+    add("an empty recording", 0, {}, -1, false, -1);
+    add("one sample", 1, {}, -1, false, -1);
+    add("a batch less one", batch - 1, {}, -1, false, -1);
+    add("a batch", batch, {}, -1, false, -1);
+    add("a batch and one", batch + 1, {}, -1, false, -1);
+    add("three times all batches and more", 3 * inFlight + 5, {}, -1, false, -1);
+    add("a bad first line, skipped", 10, {0}, -1, true, -1);
+    add("bad lines at the edges of batches, skipped", 3 * batch,
+        {batch - 1, batch, 2 * batch - 1, 2 * batch + 1, 3 * batch - 1}, -1, true, -1);
+    add("bad lines one after another, skipped", 50, {10, 11, 12}, -1, true, -1);
+    add("only bad lines, skipped", 3, {0, 1, 2}, -1, true, -1);
+    add("a bad line, not skipped", 1000, {300}, -1, false, -1);
+    add("a bad line after all batches, not skipped", 2 * inFlight, {inFlight + 3}, -1, false, -1);
+    add("a fatal error", 1000, {}, 500, false, -1);
+    add("a fatal error in the first line", 10, {}, 0, false, -1);
+    add("a fatal error after a skipped bad line", 1000, {200}, 201, true, -1);
+    add("the caller stops early", 100000, {}, -1, false, 5);
+    add("the caller stops at the edge of a batch", 100000, {}, -1, false, batch);
+    add("the caller stops after a skipped bad line", 100000, {3}, -1, true, 4);
 }
 
 void tst_ReadAhead::sameAsTheReader()
@@ -274,13 +276,28 @@ void tst_ReadAhead::sameAsTheReader()
     QFETCH(int, fatalLine);
     QFETCH(bool, skip);
     QFETCH(int, wanted);
+    QFETCH(bool, threadRefused);
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    if (threadRefused)
+        QSKIP("the sanitizers need more address space than the limit leaves");
+#endif
 
     ScriptedReader alone(lines, badLines, fatalLine);
     const QStringList expected = observe(alone, skip, wanted);
 
     ScriptedReader wrapped(lines, badLines, fatalLine);
     ReadAhead ahead(&wrapped);
-    QCOMPARE(observe(ahead, skip, wanted), expected);
+    QStringList seen;
+    {
+        std::optional<ThreadsRefused> refused;
+        if (threadRefused) {
+            refused.emplace();
+            QVERIFY(refused->inForce());
+        }
+        seen = observe(ahead, skip, wanted);
+    }
+    QCOMPARE(ahead.readsAhead(), !threadRefused);
+    QCOMPARE(seen, expected);
 }
 
 void tst_ReadAhead::sameAsTheReaderOnARecording()
@@ -342,39 +359,6 @@ void tst_ReadAhead::whatDoesNotChange()
     QVERIFY(!ahead.hasError());
     QVERIFY(ahead.readNext());
     QCOMPARE(ahead.sample().packetCounter, quint16(1));
-}
-
-void tst_ReadAhead::sameAsTheReaderWithoutAThread_data()
-{
-    sameAsTheReader_data();
-}
-
-// Where the system refuses the thread, the caller's thread reads the batches,
-// with the same answers.
-void tst_ReadAhead::sameAsTheReaderWithoutAThread()
-{
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    QSKIP("the sanitizers need more address space than the limit leaves");
-#endif
-    QFETCH(int, lines);
-    QFETCH(QVector<int>, badLines);
-    QFETCH(int, fatalLine);
-    QFETCH(bool, skip);
-    QFETCH(int, wanted);
-
-    ScriptedReader alone(lines, badLines, fatalLine);
-    const QStringList expected = observe(alone, skip, wanted);
-
-    ScriptedReader wrapped(lines, badLines, fatalLine);
-    ReadAhead ahead(&wrapped);
-    QStringList seen;
-    {
-        const ThreadsRefused refused;
-        QVERIFY(refused.inForce());
-        seen = observe(ahead, skip, wanted);
-    }
-    QVERIFY(!ahead.readsAhead());
-    QCOMPARE(seen, expected);
 }
 
 void tst_ReadAhead::readsAheadBoundedly()
