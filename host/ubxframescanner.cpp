@@ -18,7 +18,35 @@ UbxFrameScanner::UbxFrameScanner(QIODevice *device, QIODevice *copy)
     : device(device)
     , copy(copy)
     , buffer(blockSize + largestFrame)
+    , sums(buffer.size() + 1)
+    , sumsOfSums(buffer.size() + 1)
 { }
+
+// Whether the frame of @p length payload bytes at @p start carries the
+// checksum of its class, id, length and payload. Fletcher's two sums over the
+// bytes [first, end) follow from the running sums:
+//   a = S(end) - S(first)
+//   b = sum of (S(k) - S(first)) for k in (first, end]
+//     = T(end + 1) - T(first + 1) - (end - first) S(first)
+bool UbxFrameScanner::checksumHolds(std::size_t start, std::size_t length)
+{
+    const std::size_t first = start + 2;
+    const std::size_t end = start + UbxMessages::headerSize + length;
+    if (summed < end) {
+        uchar sum = sums[summed];
+        uchar sumOfSums = sumsOfSums[summed];
+        for (; summed < end; ++summed) {
+            sumOfSums = uchar(sumOfSums + sum);
+            sum = uchar(sum + buffer[summed]);
+            sums[summed + 1] = sum;
+            sumsOfSums[summed + 1] = sumOfSums;
+        }
+    }
+    const uchar a = uchar(sums[end] - sums[first]);
+    const uchar b = uchar(sumsOfSums[end] + sums[end] - sumsOfSums[first] - sums[first]
+                          - (end - first) * sums[first]);
+    return buffer[end] == a && buffer[end + 1] == b;
+}
 
 UbxFrameScanner::Status UbxFrameScanner::next(Frame *frame)
 {
@@ -59,9 +87,7 @@ UbxFrameScanner::Status UbxFrameScanner::next(Frame *frame)
             ++position;
             continue;
         }
-        const quint16 sum = checksum(sync + 2, length + 4);
-        if (sync[headerSize + length] != (sum & 0xFF)
-            || sync[headerSize + length + 1] != (sum >> 8)) {
+        if (!checksumHolds(position, length)) {
             ++badChecksumCount;
             ++position;
             continue;
@@ -85,6 +111,7 @@ void UbxFrameScanner::refill()
     base += qint64(position);
     position = 0;
     filled = kept;
+    summed = 0;
     while (filled < blockSize && !atEnd) {
         const qint64 got = device->read(reinterpret_cast<char *>(buffer.data() + filled),
                                         qint64(blockSize - filled));

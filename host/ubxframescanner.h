@@ -15,6 +15,9 @@ class QIODevice;
  * Every byte outside the frames taken (NMEA sentences, RTCM, noise) is
  * passed over and counted.
  *
+ * The checksum of a candidate frame is worked out from running sums of the
+ * bytes, in constant time whatever its length: a stream crafted to hold a
+ * long candidate at every pair of sync bytes is scanned as fast as any other.
  * Memory stays that of one block and one largest frame, whatever the length
  * of the stream.
  */
@@ -56,10 +59,16 @@ public:
 
 private:
     void refill();
+    bool checksumHolds(std::size_t start, std::size_t length);
 
     QIODevice *device;
     QIODevice *copy;
     std::vector<uchar> buffer;
+    // sums[i] is the sum of buffer[0..i), sumsOfSums[i] that of sums[0..i),
+    // both modulo 256, for the first summed bytes of the buffer.
+    std::vector<uchar> sums;
+    std::vector<uchar> sumsOfSums;
+    std::size_t summed = 0;
     std::size_t filled = 0;
     std::size_t position = 0;
     // Stream offset of buffer[0].

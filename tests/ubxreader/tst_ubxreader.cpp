@@ -203,6 +203,7 @@ private slots:
     void detection_data();
     void detection();
     void sourceAnswersFromTheEpoch();
+    void craftedSyncBytesAreScannedOnce();
 };
 
 void tst_UbxReader::navSolFieldsAtTheirLimits_data()
@@ -643,6 +644,20 @@ void tst_UbxReader::sourceAnswersFromTheEpoch()
     QVERIFY(!source.hasSampleTimeFine());
     QVERIFY(!input.readNext());
     QVERIFY(!input.hasError());
+}
+
+void tst_UbxReader::craftedSyncBytesAreScannedOnce()
+{
+    // A long frame's start at every sixth byte, none of them a frame; then a real one.
+    const QByteArray candidate("\xB5\x62\x01\x07\xFF\xFF", 6);
+    const QByteArray log = candidate.repeated(100000) + navSol(1000);
+    const Samples read = this->read(log);
+    QCOMPARE(read.error, QString());
+    QCOMPARE(read.samples.size(), std::size_t(1));
+    QCOMPARE(read.statistics.frames, qint64(1));
+    // Those near the end run past it; the others fail their checksum.
+    QCOMPARE(read.statistics.badChecksums + read.statistics.cutFrames, qint64(100000));
+    QCOMPARE(read.statistics.skippedBytes(), qint64(candidate.size()) * 100000);
 }
 
 QTEST_GUILESS_MAIN(tst_UbxReader)
