@@ -4,17 +4,29 @@
 
 #include <QFileInfo>
 
+#include <cstring>
+#include <vector>
+
 namespace {
 
-// True when the first character after a byte-order mark and blanks is "{".
-bool startsJsonLines(const QByteArray &head)
+constexpr qint64 blockSize = 1 << 16;
+
+// Where the content starts after a byte-order mark and blanks; -1 when
+// @p head holds nothing else.
+int contentStart(const QByteArray &head)
 {
     int start = head.startsWith("\xEF\xBB\xBF") ? 3 : 0;
     while (start < head.size()
            && (head[start] == ' ' || head[start] == '\t' || head[start] == '\r'
                || head[start] == '\n'))
         ++start;
-    return start < head.size() && head[start] == '{';
+    return start < head.size() ? start : -1;
+}
+
+bool startsJsonLines(const QByteArray &head)
+{
+    const int start = contentStart(head);
+    return start >= 0 && head[start] == '{';
 }
 
 } // namespace
@@ -23,15 +35,16 @@ bool RecordingInput::open(const QString &fileName)
 {
     detected = Format::JsonLines;
     active = &jsonLines;
+    error.clear();
+    copy.reset();
     file.close();
     file.setFileName(fileName);
-    // What cannot be opened the JSON Lines reader reports as it always has.
+    // What cannot be opened the JSON Lines reader reports.
     if (QFileInfo(fileName).isDir() || !file.open(QIODevice::ReadOnly))
         return jsonLines.open(fileName);
-    // Pipes and devices are read once only: their first bytes are peeked at.
     if (file.isSequential())
         return open(&file, fileName);
-    detected = detect(file.read(headSize));
+    detected = detect(&file);
     file.close();
     if (detected == Format::Ubx) {
         active = &ubx;
@@ -42,17 +55,38 @@ bool RecordingInput::open(const QString &fileName)
 
 bool RecordingInput::open(QIODevice *device, const QString &name)
 {
-    // A pipe may not have delivered enough to tell yet.
-    QByteArray head = device->peek(headSize);
-    while (head.size() < headSize && !startsJsonLines(head) && detect(head) == Format::JsonLines
-           && device->waitForReadyRead(-1))
-        head = device->peek(headSize);
-    detected = detect(head);
+    detected = Format::JsonLines;
+    active = &jsonLines;
+    error.clear();
+    if (!device->isSequential())
+        return openSeekable(device, name);
+    // The first bytes that are not blanks tell JSON Lines; a pipe may not
+    // have delivered them yet.
+    QByteArray head = device->peek(blockSize);
+    while (contentStart(head) < 0 && head.size() < blockSize && device->waitForReadyRead(-1))
+        head = device->peek(blockSize);
+    if (startsJsonLines(head))
+        return jsonLines.open(device, name);
+    copy = std::make_unique<TemporaryCopy>();
+    if (!copy->copy(device, name)) {
+        error = copy->errorString();
+        return false;
+    }
+    return openSeekable(copy->device(), name);
+}
+
+bool RecordingInput::openSeekable(QIODevice *device, const QString &name)
+{
+    const qint64 start = device->pos();
+    detected = detect(device);
+    if (!device->seek(start)) {
+        error = QStringLiteral("%1: %2").arg(name, device->errorString());
+        return false;
+    }
     if (detected == Format::Ubx) {
         active = &ubx;
         return ubx.open(device, name);
     }
-    active = &jsonLines;
     return jsonLines.open(device, name);
 }
 
@@ -66,12 +100,30 @@ const UbxReader &RecordingInput::ubxLog() const
     return ubx;
 }
 
-RecordingInput::Format RecordingInput::detect(const QByteArray &head)
+RecordingInput::Format RecordingInput::detect(QIODevice *device)
 {
-    if (startsJsonLines(head))
+    std::vector<char> block(std::size_t(blockSize) + 1);
+    qint64 got = device->read(block.data() + 1, blockSize);
+    if (got <= 0 || startsJsonLines(QByteArray::fromRawData(block.data() + 1, int(got))))
         return Format::JsonLines;
-    const char sync[] = {char(UbxMessages::sync1), char(UbxMessages::sync2)};
-    return head.contains(QByteArray::fromRawData(sync, 2)) ? Format::Ubx : Format::JsonLines;
+    // Sync bytes may stand across two blocks: the last byte of one is kept
+    // before the next.
+    char previous = 0;
+    while (got > 0) {
+        block[0] = previous;
+        const char *const end = block.data() + 1 + got;
+        for (const char *p = block.data(); p + 1 < end; ++p) {
+            p = static_cast<const char *>(
+                std::memchr(p, char(UbxMessages::sync1), std::size_t(end - p)));
+            if (!p || p + 1 >= end)
+                break;
+            if (p[1] == char(UbxMessages::sync2))
+                return Format::Ubx;
+        }
+        previous = end[-1];
+        got = device->read(block.data() + 1, blockSize);
+    }
+    return Format::JsonLines;
 }
 
 bool RecordingInput::readNext()
@@ -81,7 +133,7 @@ bool RecordingInput::readNext()
 
 bool RecordingInput::hasBadLine() const
 {
-    return active->hasBadLine();
+    return error.isEmpty() && active->hasBadLine();
 }
 
 void RecordingInput::skipBadLine()
@@ -91,12 +143,12 @@ void RecordingInput::skipBadLine()
 
 bool RecordingInput::hasError() const
 {
-    return active->hasError();
+    return !error.isEmpty() || active->hasError();
 }
 
 QString RecordingInput::errorString() const
 {
-    return active->errorString();
+    return error.isEmpty() ? active->errorString() : error;
 }
 
 QVariant RecordingInput::property(const QString &key) const

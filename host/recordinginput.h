@@ -2,18 +2,24 @@
 
 #include "abstractrecordingreader.h"
 #include "recordingreader.h"
+#include "temporarycopy.h"
 #include "ubxreader.h"
 
-#include <QByteArray>
 #include <QFile>
 #include <QString>
+
+#include <memory>
 
 /**
  * Reads a recording in whichever format its content shows: a JSON Lines
  * recording starts with "{" (after blanks and a byte-order mark); anything
- * else in whose first bytes the UBX sync bytes 0xB5 0x62 stand is read as a
- * UBX receiver log; everything else goes to the JSON Lines reader, which says
- * what is wrong with it.
+ * else that holds the UBX sync bytes 0xB5 0x62, wherever they stand, is read
+ * as a UBX receiver log; everything else goes to the JSON Lines reader, which
+ * says what is wrong with it.
+ *
+ * A pipe is read once only. One that starts with "{" is read as it comes;
+ * anything else is copied first (see TemporaryCopy), as a UBX log is read
+ * twice.
  */
 class RecordingInput : public AbstractRecordingReader
 {
@@ -24,17 +30,15 @@ public:
     bool open(const QString &fileName);
     /**
      * Reads the recording from @p device, which must be open for reading and
-     * outlive the reader; the format is told from the bytes it lets peek at.
+     * outlive the reader; @p name names it in messages.
      */
     bool open(QIODevice *device, const QString &name);
 
     Format format() const;
     /** The UBX reader, which holds what the log held when format() is Ubx. */
     const UbxReader &ubxLog() const;
-    /** The format that the first bytes @p head of a recording show. */
-    static Format detect(const QByteArray &head);
-    /** How many first bytes detect() is given. */
-    static constexpr qint64 headSize = 1 << 16;
+    /** The format of the content of @p device, read from where it stands to its end if need be. */
+    static Format detect(QIODevice *device);
 
     bool readNext() override;
     bool hasError() const override;
@@ -50,8 +54,13 @@ public:
     QString readingNotice() const override;
 
 private:
+    bool openSeekable(QIODevice *device, const QString &name);
+
     Format detected = Format::JsonLines;
     QFile file;
+    std::unique_ptr<TemporaryCopy> copy;
+    // Why the recording could not be handed to a reader at all.
+    QString error;
     RecordingReader jsonLines;
     UbxReader ubx;
     AbstractRecordingReader *active = &jsonLines;

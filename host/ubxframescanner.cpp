@@ -14,9 +14,8 @@ constexpr std::size_t largestFrame = UbxMessages::maxPayload + UbxMessages::fram
 
 } // namespace
 
-UbxFrameScanner::UbxFrameScanner(QIODevice *device, QIODevice *copy)
+UbxFrameScanner::UbxFrameScanner(QIODevice *device)
     : device(device)
-    , copy(copy)
     , buffer(blockSize + largestFrame)
     , sums(buffer.size() + 1)
     , sumsOfSums(buffer.size() + 1)
@@ -123,11 +122,6 @@ void UbxFrameScanner::refill()
             // A socket may have nothing yet; a file or pipe that gives nothing has ended.
             atEnd = !device->isSequential() || !device->waitForReadyRead(-1);
             continue;
-        }
-        if (copy
-            && copy->write(reinterpret_cast<const char *>(buffer.data() + filled), got) != got) {
-            error = tr("cannot keep a copy of the data: %1").arg(copy->errorString());
-            return;
         }
         filled += std::size_t(got);
     }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QCoreApplication>
 #include <QString>
 
 #include <vector>
@@ -23,8 +22,6 @@ class QIODevice;
  */
 class UbxFrameScanner
 {
-    Q_DECLARE_TR_FUNCTIONS(UbxFrameScanner)
-
 public:
     struct Frame
     {
@@ -36,12 +33,8 @@ public:
 
     enum class Status { Frame, End, Failed };
 
-    /**
-     * Scans @p device, which must be open for reading; when @p copy is given,
-     * every byte read is written to it too, so that a stream that cannot be
-     * read twice can be read again from the copy.
-     */
-    explicit UbxFrameScanner(QIODevice *device, QIODevice *copy = nullptr);
+    /** Scans @p device, which must be open for reading. */
+    explicit UbxFrameScanner(QIODevice *device);
 
     /** The next frame; its payload stays valid until the next call. */
     Status next(Frame *frame);
@@ -62,7 +55,6 @@ private:
     bool checksumHolds(std::size_t start, std::size_t length);
 
     QIODevice *device;
-    QIODevice *copy;
     std::vector<uchar> buffer;
     // sums[i] is the sum of buffer[0..i), sumsOfSums[i] that of sums[0..i),
     // both modulo 256, for the first summed bytes of the buffer.

@@ -5,7 +5,6 @@
 #include "ubxmessages.h"
 
 #include <QFileInfo>
-#include <QTemporaryFile>
 
 #include <algorithm>
 
@@ -62,16 +61,11 @@ bool UbxReader::open(QIODevice *source, const QString &name)
     recordingProperties.clear();
     rate = 0.0;
     current = RecordingSample();
-    spool.reset();
     device = source;
-    if (source->isSequential()) {
-        spool = std::make_unique<QTemporaryFile>();
-        if (!spool->open())
-            return fail(tr("%1: cannot make a temporary copy: %2").arg(name, spool->errorString()));
-        device = spool.get();
-    } else if (source->pos() != 0 && !source->seek(0)) {
+    if (source->isSequential())
+        return fail(tr("%1: a UBX log is read twice, which a pipe cannot be").arg(name));
+    if (source->pos() != 0 && !source->seek(0))
         return fail(tr("%1: cannot be read: %2").arg(name, source->errorString()));
-    }
     if (!indexFrames(source))
         return false;
     orderEpochs();
@@ -81,7 +75,7 @@ bool UbxReader::open(QIODevice *source, const QString &name)
 
 bool UbxReader::indexFrames(QIODevice *source)
 {
-    UbxFrameScanner scanner(source, spool.get());
+    UbxFrameScanner scanner(source);
     UbxFrameScanner::Frame frame;
     UbxFrameScanner::Status status;
     bool versionSeen = false;
@@ -159,8 +153,6 @@ bool UbxReader::indexFrames(QIODevice *source)
     counts.cutFrames = scanner.cutFrames();
     if (status == UbxFrameScanner::Status::Failed)
         return fail(tr("%1: cannot be read: %2").arg(fileName, scanner.errorString()));
-    if (spool && !spool->flush())
-        return fail(tr("%1: cannot make a temporary copy: %2").arg(fileName, spool->errorString()));
     if (counts.frames == 0)
         return fail(tr("%1: holds no UBX frame with a good checksum").arg(fileName));
     return true;

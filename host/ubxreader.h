@@ -9,10 +9,7 @@
 #include <QString>
 #include <QVariantMap>
 
-#include <memory>
 #include <vector>
-
-class QTemporaryFile;
 
 /**
  * Reads a u-blox UBX receiver log as a recording: one sample per navigation
@@ -25,9 +22,8 @@ class QTemporaryFile;
  * over the log finds the frames and keeps, per epoch, only the time of week
  * and where its messages start (an entry of fixed size); each readNext()
  * then reads that epoch's frames back. Memory thus grows with the number of
- * epochs, by some 60 bytes each, but not with the size of the log. A log
- * that cannot be read twice (a pipe) is copied into a temporary file during
- * the first pass.
+ * epochs, by some 60 bytes each, but not with the size of the log. The log
+ * must be one that can be read twice: a file, or a copy of a pipe.
  *
  * Properties: "StartTime" from the first dated epoch ("0", the host's mark of
  * an unknown start, without one), "FirmwareVersion" from MON-VER when the log
@@ -45,8 +41,8 @@ public:
      * why. */
     bool open(const QString &fileName);
     /**
-     * Reads the log from @p device, which must be open for reading and
-     * outlive the reader; @p name names it in messages.
+     * Reads the log from @p device, which must be open for reading, able to
+     * seek and outlive the reader; @p name names it in messages.
      */
     bool open(QIODevice *device, const QString &name);
 
@@ -85,8 +81,7 @@ private:
 
     QString fileName;
     QFile file;
-    std::unique_ptr<QTemporaryFile> spool;
-    // The log as read the second time: the file, the caller's device or the spool.
+    // The log as read the second time: the file or the caller's device.
     QIODevice *device = nullptr;
     std::vector<Epoch> epochs;
     std::size_t nextEpoch = 0;

@@ -43,6 +43,7 @@ private slots:
     void textsFromTheSettingsFile();
     void fullDevice();
     void fullDisk();
+    void endlessPipeStopsBeforeTheTemporaryFolderIsFull();
     void fileSizeLimit_data();
     void fileSizeLimit();
     void generateWritesIntoPipesAndDevices();
@@ -652,6 +653,40 @@ void tst_Hostile::fullDisk()
     // The mount was the program's own; what it left there cannot be seen
     // from here, so the same run is checked again in the next test with a
     // file size limit, where it can.
+}
+
+void tst_Hostile::endlessPipeStopsBeforeTheTemporaryFolderIsFull()
+{
+    if (::geteuid() != 0)
+        QSKIP("a small file system can be mounted by root only");
+    const QString unshare = QStandardPaths::findExecutable(QStringLiteral("unshare"));
+    if (unshare.isEmpty())
+        QSKIP("unshare is not there to mount a file system of this test's own");
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("tmp")));
+    // Sync bytes and a line break, for ever: a UBX log that does not end,
+    // copied into a temporary folder of 8 MiB.
+    const QString script =
+        QStringLiteral("mount -t tmpfs -o size=8m tmpfs tmp || exit 99; "
+                       "yes \"$(printf '\\265b')\" | TMPDIR=\"$PWD/tmp\" \"$0\" \"$@\"");
+    QProcess process;
+    process.setWorkingDirectory(dir->path());
+    process.start(unshare,
+                  {"--mount", "/bin/sh", "-c", script, program, "export", "--settings",
+                   path("settings.ini"), "--quiet", "-o", "out.txt", "-"});
+    QVERIFY(process.waitForFinished(60000));
+    if (process.exitCode() == 99)
+        QSKIP("this system does not let a test mount a file system");
+    const QString error = QString::fromUtf8(process.readAllStandardError());
+    QVERIFY2(QRegularExpression(
+                 QStringLiteral("^\\(standard input\\): cannot make a temporary copy: after "
+                                "[^,]+, the temporary folder %1 would have less than [^ ]+ "
+                                "[KM]iB free \\(TMPDIR names another folder\\)\n$")
+                     .arg(QRegularExpression::escape(path("tmp"))))
+                 .match(error)
+                 .hasMatch(),
+             qPrintable(error));
+    QCOMPARE(process.exitCode(), 1);
+    QVERIFY(!QFile::exists(path("out.txt")));
 }
 
 void tst_Hostile::fileSizeLimit_data()

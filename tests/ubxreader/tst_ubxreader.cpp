@@ -2,6 +2,7 @@
 #include <recordingsource.h>
 #include <ubxreader.h>
 
+#include <QBuffer>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -600,7 +601,7 @@ void tst_UbxReader::noFrameIsAnError()
 
 void tst_UbxReader::detection_data()
 {
-    QTest::addColumn<QByteArray>("head");
+    QTest::addColumn<QByteArray>("content");
     QTest::addColumn<bool>("ubx");
 
     QTest::newRow("a JSON object") << QByteArray("{\"properties\":{}}\n") << false;
@@ -610,16 +611,37 @@ void tst_UbxReader::detection_data()
         << QByteArray("{\"x\":\"\xB5\x62\"}") << false;
     QTest::newRow("a frame") << navSol(1) << true;
     QTest::newRow("NMEA, then a frame") << gga + navSol(1) << true;
+    QTest::newRow("more NMEA than one read, then a frame")
+        << gga.repeated(2000) + navSol(1) << true;
+    QTest::newRow("sync bytes split by a read")
+        << QByteArray((1 << 16) - 1, 'x') + "\xB5\x62" << true;
+    QTest::newRow("a first sync byte alone at the end") << QByteArray("abc\xB5") << false;
     QTest::newRow("text without sync bytes") << QByteArray("hello") << false;
     QTest::newRow("nothing") << QByteArray() << false;
 }
 
 void tst_UbxReader::detection()
 {
-    QFETCH(QByteArray, head);
+    QFETCH(QByteArray, content);
     QFETCH(bool, ubx);
 
-    QCOMPARE(RecordingInput::detect(head) == RecordingInput::Format::Ubx, ubx);
+    QBuffer buffer(&content);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    QCOMPARE(RecordingInput::detect(&buffer) == RecordingInput::Format::Ubx, ubx);
+
+    // The same through a pipe, which a recording is read from only once.
+    const QString path = dir.filePath(QStringLiteral("detected"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), qint64(content.size()));
+    file.close();
+    QProcess cat;
+    cat.start(QStringLiteral("cat"), {path}, QIODevice::ReadOnly);
+    QVERIFY(cat.waitForStarted());
+    RecordingInput input;
+    input.open(&cat, QStringLiteral("-"));
+    QCOMPARE(input.format() == RecordingInput::Format::Ubx, ubx);
+    cat.waitForFinished();
 }
 
 void tst_UbxReader::sourceAnswersFromTheEpoch()
