@@ -288,6 +288,12 @@ bool readMonVer(const uchar *payload, int length, QString *softwareVersion)
     const auto *text = reinterpret_cast<const char *>(payload);
     *softwareVersion =
         QString::fromLatin1(text, int(std::find(text, text + monVerSoftwareSize, '\0') - text));
+    // The text ends up on a line of the exported file's header: a line break
+    // or another control character must not end or mangle that line.
+    for (QChar &c : *softwareVersion) {
+        if (!c.isPrint())
+            c = QLatin1Char(' ');
+    }
     return true;
 }
 

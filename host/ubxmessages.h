@@ -66,7 +66,7 @@ bool readNavPvt(const uchar *payload, int length, KvGnssPvt &record);
 /** Keeps the first KvGnssSatelliteInfo::maxSatellites satellites; numSvs as the message states it.
  */
 bool readNavSat(const uchar *payload, int length, KvGnssSatelliteInfo &record);
-/** The software version of MON-VER, up to its first NUL byte. */
+/** The software version of MON-VER, up to its first NUL byte, control characters made blanks. */
 bool readMonVer(const uchar *payload, int length, QString *softwareVersion);
 
 /** True when @p length fits the message @p key, whose payload starts @p payload. */

@@ -524,6 +524,9 @@ void tst_UbxReader::properties_data()
         << QVariant();
     QTest::newRow("an empty software version makes no property")
         << navSol(1000) + monVer("") + monVer("later") << QStringLiteral("0") << 0.0 << QVariant();
+    QTest::newRow("a software version cannot break the header's line")
+        << navSol(1000) + monVer("ROM 1.00\r\n// Forged: yes\t\x7f") << QStringLiteral("0") << 0.0
+        << QVariant(QStringLiteral("ROM 1.00  // Forged: yes"));
 }
 
 void tst_UbxReader::properties()
