@@ -5,9 +5,11 @@
 #include <QTemporaryDir>
 
 #include <cstdlib>
+#include <limits>
 
 // Arbitrary bytes as a UBX log: the reader either finds no frame and says
-// so, or reads its epochs in ascending time of week, with packet counters
+// so, or reads its epochs, each with one time of week in all its records,
+// in ascending GPS time where a NAV-SOL gives the week, with packet counters
 // that count, satellite counts as the messages state them, and the bytes it
 // passed over adding up.
 
@@ -32,9 +34,11 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
     const UbxLogStatistics &counts = reader.statistics();
     if (counts.bytes != qint64(size) || counts.frameBytes > counts.bytes || counts.frames == 0)
         std::abort();
+    if (counts.firstTime > counts.lastTime)
+        std::abort();
     RecordingSource source(&reader);
     qint64 epochs = 0;
-    quint32 last = 0;
+    qint64 last = std::numeric_limits<qint64>::min();
     while (reader.readNext()) {
         const quint32 times[] = {
             source.gpsSolutionRecord().iTOW, source.gpsDopRecord().iTOW,
@@ -46,9 +50,14 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
                 std::abort();
             time = t != 0 ? t : time;
         }
-        if (time != 0 && epochs > 0 && time <= last)
-            std::abort();
-        last = time != 0 ? time : last;
+        // Only a NAV-SOL shows its week in the record.
+        const KvGpsSolution &solution = source.gpsSolutionRecord();
+        if (solution.iTOW != 0) {
+            const qint64 gpsTime = qint64(solution.week) * 604800000 + solution.iTOW;
+            if (gpsTime <= last)
+                std::abort();
+            last = gpsTime;
+        }
         if (source.packetCounter() != quint16(epochs))
             std::abort();
         if (source.gpsSatelliteRecord().iTOW == 0 && source.gpsSatelliteRecord().numCh != 0)

@@ -2,6 +2,7 @@
 
 #include "recordinginput.h"
 #include "ubxmessages.h"
+#include "ubxtimeline.h"
 
 #include <QVariant>
 
@@ -59,12 +60,17 @@ bool RecordingReport::describe(RecordingInput &input, const QString &name, QStri
         *lines += unused;
         lines->append(countRow(tr("Wrong length"), log.wrongLengths));
         lines->append(countRow(tr("Repeated"), log.repeated));
+        lines->append(countRow(tr("At iTOW 0"), log.atTimeOfWeekZero));
         if (log.epochs > 0) {
-            lines->append(row(tr("Epochs"),
-                              tr("%1 (iTOW %2 to %3 ms)")
-                                  .arg(log.epochs)
-                                  .arg(log.firstTimeOfWeek)
-                                  .arg(log.lastTimeOfWeek)));
+            const auto time = [&log](qint64 time) {
+                const qint64 timeOfWeek = UbxTimeline::timeOfWeekOf(time);
+                return log.weekKnown
+                    ? tr("week %1 iTOW %2 ms").arg(UbxTimeline::weekOf(time)).arg(timeOfWeek)
+                    : tr("iTOW %1 ms").arg(timeOfWeek);
+            };
+            lines->append(row(
+                tr("Epochs"),
+                tr("%1 (%2 to %3)").arg(log.epochs).arg(time(log.firstTime), time(log.lastTime))));
         } else {
             lines->append(countRow(tr("Epochs"), 0));
         }

@@ -20,12 +20,19 @@ struct UbxLogStatistics
     qint64 wrongLengths = 0;
     /** Navigation messages that came again in an epoch; the first one counts. */
     qint64 repeated = 0;
+    /** Navigation messages at time of week 0, whose records count as holding no data. */
+    qint64 atTimeOfWeekZero = 0;
     qint64 epochs = 0;
-    quint32 firstTimeOfWeek = 0;
-    quint32 lastTimeOfWeek = 0;
+    /** GPS time of the first and the last epoch, in ms from the start of week 0. */
+    qint64 firstTime = 0;
+    qint64 lastTime = 0;
+    /** Whether the log showed its week; without, weeks count from 0 at its start. */
+    bool weekKnown = false;
     /** Satellites named by NAV-SVINFO (svid) and by NAV-SAT (gnssId << 8 | svId). */
     QSet<quint8> gpsSatellites;
     QSet<quint16> gnssSatellites;
 
     qint64 skippedBytes() const { return bytes - frameBytes; }
+    /** Good frames of navigation messages that no sample takes. */
+    qint64 messagesPassedOver() const { return wrongLengths + repeated + atTimeOfWeekZero; }
 };

@@ -3,34 +3,67 @@
 #include "dilutions.h"
 #include "ubxframescanner.h"
 #include "ubxmessages.h"
+#include "ubxtimeline.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <optional>
+
+#include <unistd.h>
 
 namespace {
 
-// Frames of the coming epochs are read back through a window of this size:
-// a log in order is then read front to back in large blocks.
-constexpr qint64 windowCapacity = 1 << 20;
+// The coming epochs' frames are read through a window that doubles while
+// the frames taken from it fill a good part of it, and halves when they do
+// not: a log in order, or with its epochs shuffled within stretches of it,
+// is read in large blocks, one whose epochs stand far apart in small ones.
+constexpr qint64 smallestReadAhead = 2 << 10;
+constexpr qint64 largestReadAhead = 1 << 20;
+
+// A frame offset must fit the 48 bits an epoch keeps of it, less the 1 added.
+constexpr qint64 offsetLimit = (qint64(1) << 48) - 1;
 
 quint16 loadWord(const uchar *bytes)
 {
     return quint16(bytes[0] | bytes[1] << 8);
 }
 
-bool hasDate(const uchar *date)
+// Where the date starts in a payload (year, month, day, hour, minute,
+// second), and the flag in the validity byte after it that makes it valid:
+// NAV-PVT's validDate and validTime; NAV-TIMEUTC's validUTC.
+constexpr int pvtDate = 4;
+constexpr quint8 pvtValidDate = 0x03;
+constexpr int timeUtcDate = 12;
+constexpr quint8 timeUtcValidDate = 0x04;
+constexpr int dateValidity = 7;
+
+bool isValidDate(const uchar *date, quint8 flags)
 {
-    return loadWord(date) != 0 && date[2] != 0 && date[3] != 0;
+    return (date[dateValidity] & flags) == flags && loadWord(date) != 0 && date[2] >= 1
+        && date[2] <= 12 && date[3] >= 1 && date[3] <= 31 && date[4] < 24 && date[5] < 60
+        && date[6] <= 60;
 }
 
-QString dateTimeText(int year, int month, int day, int hour, int minute, int second)
+QString dateTimeText(const uchar *date)
 {
-    return QString::asprintf("%04d-%02d-%02d %02d:%02d:%02d", year, month, day, hour, minute,
-                             second);
+    return QString::asprintf("%04d-%02d-%02d %02d:%02d:%02d", loadWord(date), date[2], date[3],
+                             date[4], date[5], date[6]);
 }
 
 } // namespace
+
+qint64 UbxReader::Epoch::firstFrame() const
+{
+    qint64 first = offsetLimit;
+    for (int kind = 0; kind < kindCount; ++kind) {
+        if (hasFrame(kind))
+            first = std::min(first, frame(kind));
+    }
+    return first;
+}
 
 UbxReader::UbxReader() = default;
 
@@ -57,6 +90,8 @@ bool UbxReader::open(QIODevice *source, const QString &name)
     nextEpoch = 0;
     windowStart = 0;
     windowSize = 0;
+    windowUsed = 0;
+    readAhead = 0;
     counts = UbxLogStatistics();
     recordingProperties.clear();
     rate = 0.0;
@@ -78,6 +113,7 @@ bool UbxReader::indexFrames(QIODevice *source)
     UbxFrameScanner scanner(source);
     UbxFrameScanner::Frame frame;
     UbxFrameScanner::Status status;
+    UbxTimeline timeline;
     bool versionSeen = false;
     while ((status = scanner.next(&frame)) == UbxFrameScanner::Status::Frame) {
         ++counts.messages[frame.key];
@@ -120,6 +156,8 @@ bool UbxReader::indexFrames(QIODevice *source)
             ++counts.wrongLengths;
             continue;
         }
+        if (frame.offset >= offsetLimit)
+            return fail(tr("%1: is too large to be read as a UBX log").arg(fileName));
         if (kind == SvInfo) {
             for (int i = 0; i < frame.payload[4]; ++i)
                 counts.gpsSatellites.insert(frame.payload[8 + 12 * i + 1]);
@@ -129,28 +167,49 @@ bool UbxReader::indexFrames(QIODevice *source)
                 counts.gnssSatellites.insert(quint16(block[0] << 8 | block[1]));
             }
         }
+
         const quint32 timeOfWeek = UbxMessages::timeOfWeek(frame.payload, frame.length);
+        const uchar *date = kind == Pvt ? frame.payload + pvtDate
+            : kind == UtcTime           ? frame.payload + timeUtcDate
+                                        : nullptr;
+        const bool dated = date && isValidDate(date, kind == Pvt ? pvtValidDate : timeUtcValidDate);
+        std::optional<qint32> week;
+        if (kind == Solution)
+            week = qint16(loadWord(frame.payload + 8));
+        else if (dated)
+            week = UbxTimeline::weekOfDate(loadWord(date), date[2], date[3], date[4], date[5],
+                                           date[6], timeOfWeek);
+        qint64 shift = 0;
+        const qint64 time = timeline.place(timeOfWeek, week, &shift);
+        // The first week shown tells the week of every message before it.
+        if (shift != 0) {
+            for (Epoch &epoch : epochs)
+                epoch.time += shift;
+        }
+
         // An epoch's messages mostly come together; one that comes apart
         // makes an entry of its own, merged once the entries are in order.
-        if (epochs.empty() || epochs.back().timeOfWeek != timeOfWeek) {
+        if (epochs.empty() || epochs.back().time != time) {
             epochs.emplace_back();
-            epochs.back().timeOfWeek = timeOfWeek;
+            epochs.back().time = time;
+            if (timeOfWeek == 0)
+                epochs.back().marks |= Epoch::atTimeOfWeekZero;
         }
         Epoch &epoch = epochs.back();
-        if (epoch.frames[kind] >= 0) {
+        if (epoch.hasFrame(kind)) {
             ++counts.repeated;
             continue;
         }
-        epoch.frames[kind] = frame.offset;
-        if ((kind == Pvt && hasDate(frame.payload + 4))
-            || (kind == UtcTime && hasDate(frame.payload + 12)))
-            epoch.dated |= quint8(1 << kind);
+        epoch.setFrame(kind, frame.offset);
+        if (dated)
+            epoch.marks |= quint8(1 << kind);
     }
     counts.bytes = scanner.bytes();
     counts.frames = scanner.frames();
     counts.frameBytes = scanner.frameBytes();
     counts.badChecksums = scanner.badChecksums();
     counts.cutFrames = scanner.cutFrames();
+    counts.weekKnown = timeline.knowsWeek();
     if (status == UbxFrameScanner::Status::Failed)
         return fail(tr("%1: cannot be read: %2").arg(fileName, scanner.errorString()));
     if (counts.frames == 0)
@@ -158,26 +217,28 @@ bool UbxReader::indexFrames(QIODevice *source)
     return true;
 }
 
-// Sorts the entries by time of week, keeping the log's order among equal
-// ones, and merges those of one epoch: the first frame of each kind counts.
+// Sorts the entries by time, keeping the log's order among equal ones, and
+// merges those of one epoch: the first frame of each kind counts.
 void UbxReader::orderEpochs()
 {
-    const auto earlier = [](const Epoch &a, const Epoch &b) { return a.timeOfWeek < b.timeOfWeek; };
+    const auto earlier = [](const Epoch &a, const Epoch &b) {
+        return a.time != b.time ? a.time < b.time : a.firstFrame() < b.firstFrame();
+    };
     if (!std::is_sorted(epochs.begin(), epochs.end(), earlier))
-        std::stable_sort(epochs.begin(), epochs.end(), earlier);
+        std::sort(epochs.begin(), epochs.end(), earlier);
     std::size_t kept = 0;
     for (std::size_t i = 0; i < epochs.size(); ++i) {
-        if (kept > 0 && epochs[kept - 1].timeOfWeek == epochs[i].timeOfWeek) {
+        if (kept > 0 && epochs[kept - 1].time == epochs[i].time) {
             Epoch &epoch = epochs[kept - 1];
             for (int kind = 0; kind < kindCount; ++kind) {
-                if (epochs[i].frames[kind] < 0)
+                if (!epochs[i].hasFrame(kind))
                     continue;
-                if (epoch.frames[kind] >= 0) {
+                if (epoch.hasFrame(kind)) {
                     ++counts.repeated;
                     continue;
                 }
-                epoch.frames[kind] = epochs[i].frames[kind];
-                epoch.dated |= quint8(epochs[i].dated & (1 << kind));
+                epoch.setFrame(kind, epochs[i].frame(kind));
+                epoch.marks |= quint8(epochs[i].marks & (1 << kind));
             }
         } else {
             epochs[kept++] = epochs[i];
@@ -186,29 +247,35 @@ void UbxReader::orderEpochs()
     epochs.resize(kept);
     epochs.shrink_to_fit();
     counts.epochs = qint64(epochs.size());
+    for (const Epoch &epoch : epochs) {
+        if (!(epoch.marks & Epoch::atTimeOfWeekZero))
+            continue;
+        for (int kind = 0; kind < kindCount; ++kind)
+            counts.atTimeOfWeekZero += epoch.hasFrame(kind) ? 1 : 0;
+    }
     if (!epochs.empty()) {
-        counts.firstTimeOfWeek = epochs.front().timeOfWeek;
-        counts.lastTimeOfWeek = epochs.back().timeOfWeek;
+        counts.firstTime = epochs.front().time;
+        counts.lastTime = epochs.back().time;
     }
 }
 
 void UbxReader::findProperties()
 {
-    // The start: the date and time of the first epoch that has one. An
-    // epoch at time of week 0 holds no data.
+    // The start: the date and time of the first epoch that has a valid one.
+    // An epoch at time of week 0 holds no data.
     QString start = QStringLiteral("0");
     for (const Epoch &epoch : epochs) {
-        if (epoch.timeOfWeek == 0 || epoch.dated == 0)
+        if (epoch.marks & Epoch::atTimeOfWeekZero || !(epoch.marks & (1 << Pvt | 1 << UtcTime)))
             continue;
-        const Kind kind = (epoch.dated & (1 << Pvt)) ? Pvt : UtcTime;
+        const Kind kind = (epoch.marks & (1 << Pvt)) ? Pvt : UtcTime;
         int length = 0;
         const uchar *frame =
-            frameAt(epoch.frames[kind], kind == Pvt ? UbxMessages::navPvt : UbxMessages::navTimeUtc,
+            frameAt(epoch.frame(kind), kind == Pvt ? UbxMessages::navPvt : UbxMessages::navTimeUtc,
                     &length);
         if (!frame)
             return;
-        const uchar *date = frame + UbxMessages::headerSize + (kind == Pvt ? 4 : 12);
-        start = dateTimeText(loadWord(date), date[2], date[3], date[4], date[5], date[6]);
+        start =
+            dateTimeText(frame + UbxMessages::headerSize + (kind == Pvt ? pvtDate : timeUtcDate));
         break;
     }
     recordingProperties.insert(QStringLiteral("StartTime"), start);
@@ -219,7 +286,7 @@ void UbxReader::findProperties()
         return;
     std::vector<quint32> steps(epochs.size() - 1);
     for (std::size_t i = 1; i < epochs.size(); ++i)
-        steps[i - 1] = epochs[i].timeOfWeek - epochs[i - 1].timeOfWeek;
+        steps[i - 1] = quint32(std::min<qint64>(epochs[i].time - epochs[i - 1].time, 0xFFFFFFFF));
     const std::size_t middle = steps.size() / 2;
     std::nth_element(steps.begin(), steps.begin() + std::ptrdiff_t(middle), steps.end());
     if (steps.size() % 2 == 1) {
@@ -231,51 +298,79 @@ void UbxReader::findProperties()
     }
 }
 
+// Makes the window hold the @p size bytes from @p offset on; false after
+// failing when the log no longer holds them.
+bool UbxReader::load(qint64 offset, qint64 size)
+{
+    const qint64 windowEnd = windowStart + windowSize;
+    if (offset >= windowStart && offset + size <= windowEnd)
+        return true;
+    const bool onward = windowSize > 0 && offset >= windowStart && offset <= windowEnd;
+    const bool used = windowUsed * 4 >= windowSize;
+    readAhead = used ? std::min(2 * readAhead, largestReadAhead)
+                     : std::max(readAhead / 2, smallestReadAhead);
+    // A short jump asks for a window that would have held both ends of it.
+    const qint64 jump = std::abs(offset - windowStart);
+    if (!onward && jump <= largestReadAhead / 4)
+        readAhead = std::max(readAhead, 4 * jump);
+    windowUsed = 0;
+    // After a jump, a large window reaches back as far as ahead: the epochs
+    // around this one may come next.
+    const qint64 start = onward || readAhead == smallestReadAhead
+        ? offset
+        : std::max<qint64>(0, offset - readAhead / 2);
+    const qint64 wanted = std::max(size + offset - start, readAhead);
+    if (qint64(window.size()) < wanted)
+        window.resize(std::size_t(wanted));
+    windowStart = start;
+    windowSize = 0;
+    // A file is read where it stands, in one call each: a log out of order
+    // asks for many small reads.
+    const auto *fileDevice = qobject_cast<const QFileDevice *>(device);
+    const int handle = fileDevice ? fileDevice->handle() : -1;
+    if (handle < 0 && !device->seek(start))
+        return fail(tr("%1: cannot be read: %2").arg(fileName, device->errorString()));
+    while (windowSize < wanted) {
+        auto *into = reinterpret_cast<char *>(window.data() + windowSize);
+        const qint64 got = handle >= 0
+            ? ::pread(handle, into, std::size_t(wanted - windowSize), start + windowSize)
+            : device->read(into, wanted - windowSize);
+        if (got < 0 && handle >= 0 && errno == EINTR)
+            continue;
+        if (got < 0) {
+            return fail(tr("%1: cannot be read: %2")
+                            .arg(fileName,
+                                 handle >= 0 ? QString::fromLocal8Bit(std::strerror(errno))
+                                             : device->errorString()));
+        }
+        if (got == 0)
+            break;
+        windowSize += got;
+    }
+    if (windowSize < size + offset - start)
+        return fail(tr("%1: the log changed while it was read").arg(fileName));
+    return true;
+}
+
 // The whole frame of message @p key that starts at @p offset, as the first
 // pass found it; null after failing when the log no longer holds it.
 const uchar *UbxReader::frameAt(qint64 offset, quint16 key, int *length)
 {
-    const auto inWindow = [&](qint64 size) {
-        return offset >= windowStart && offset + size <= windowStart + windowSize;
-    };
-    const auto frameSize = [&] {
-        const uchar *frame = window.data() + (offset - windowStart);
-        return qint64(loadWord(frame + 4)) + UbxMessages::frameOverhead;
-    };
-    if (!inWindow(UbxMessages::headerSize) || !inWindow(frameSize())) {
-        window.resize(std::size_t(windowCapacity));
-        windowStart = offset;
-        windowSize = 0;
-        if (!device->seek(offset)) {
-            fail(tr("%1: cannot be read: %2").arg(fileName, device->errorString()));
-            return nullptr;
-        }
-        while (windowSize < windowCapacity) {
-            const qint64 got = device->read(reinterpret_cast<char *>(window.data() + windowSize),
-                                            windowCapacity - windowSize);
-            if (got < 0) {
-                fail(tr("%1: cannot be read: %2").arg(fileName, device->errorString()));
-                return nullptr;
-            }
-            if (got == 0)
-                break;
-            windowSize += got;
-        }
-    }
-    const uchar *frame = window.data() + (offset - windowStart);
-    if (!inWindow(UbxMessages::headerSize) || !inWindow(frameSize())
-        || frame[0] != UbxMessages::sync1 || frame[1] != UbxMessages::sync2
-        || UbxMessages::messageKey(frame[2], frame[3]) != key) {
-        fail(tr("%1: the log changed while it was read").arg(fileName));
+    if (!load(offset, UbxMessages::headerSize))
         return nullptr;
-    }
-    *length = loadWord(frame + 4);
+    *length = loadWord(window.data() + (offset - windowStart) + 4);
+    if (!load(offset, qint64(*length) + UbxMessages::frameOverhead))
+        return nullptr;
+    const uchar *frame = window.data() + (offset - windowStart);
     const quint16 sum = UbxMessages::checksum(frame + 2, std::size_t(*length) + 4);
-    if (frame[UbxMessages::headerSize + *length] != (sum & 0xFF)
+    if (frame[0] != UbxMessages::sync1 || frame[1] != UbxMessages::sync2
+        || UbxMessages::messageKey(frame[2], frame[3]) != key
+        || frame[UbxMessages::headerSize + *length] != (sum & 0xFF)
         || frame[UbxMessages::headerSize + *length + 1] != (sum >> 8)) {
         fail(tr("%1: the log changed while it was read").arg(fileName));
         return nullptr;
     }
+    windowUsed += qint64(*length) + UbxMessages::frameOverhead;
     return frame;
 }
 
@@ -292,15 +387,26 @@ bool UbxReader::readNext()
     current.gnssPvt = KvGnssPvt();
     current.gnssSatellites = KvGnssSatelliteInfo();
     // An epoch at time of week 0 holds no data, as a record with iTOW 0 does.
-    if (epoch.timeOfWeek != 0) {
+    if (!(epoch.marks & Epoch::atTimeOfWeekZero)) {
+        // The epoch's frames mostly stand together: one read brings them all.
+        qint64 first = offsetLimit;
+        qint64 last = 0;
+        for (int kind = 0; kind < kindCount; ++kind) {
+            if (epoch.hasFrame(kind)) {
+                first = std::min(first, epoch.frame(kind));
+                last = std::max(last, epoch.frame(kind));
+            }
+        }
+        if (!load(first, last - first + UbxMessages::headerSize))
+            return false;
         static constexpr quint16 keys[kindCount] = {UbxMessages::navSol,     UbxMessages::navDop,
                                                     UbxMessages::navTimeUtc, UbxMessages::navSvInfo,
                                                     UbxMessages::navPvt,     UbxMessages::navSat};
         for (int kind = 0; kind < kindCount; ++kind) {
-            if (epoch.frames[kind] < 0)
+            if (!epoch.hasFrame(kind))
                 continue;
             int length = 0;
-            const uchar *frame = frameAt(epoch.frames[kind], keys[kind], &length);
+            const uchar *frame = frameAt(epoch.frame(kind), keys[kind], &length);
             if (!frame)
                 return false;
             const uchar *payload = frame + UbxMessages::headerSize;
@@ -328,7 +434,7 @@ bool UbxReader::readNext()
             }
         }
         // NAV-PVT's dilutions are those of the epoch's NAV-DOP.
-        if (epoch.frames[Pvt] >= 0)
+        if (epoch.hasFrame(Pvt))
             copyDilutions(current.gpsDop, current.gnssPvt);
     }
     ++nextEpoch;
@@ -379,16 +485,25 @@ qint64 UbxReader::size() const
 
 QString UbxReader::readingNotice() const
 {
-    if (counts.skippedBytes() == 0)
+    QStringList passedOver;
+    if (counts.skippedBytes() > 0) {
+        passedOver.append(tr("%1 of %2 bytes outside good UBX frames (frames with a bad checksum: "
+                             "%3, cut short at the end: %4)")
+                              .arg(counts.skippedBytes())
+                              .arg(counts.bytes)
+                              .arg(counts.badChecksums)
+                              .arg(counts.cutFrames));
+    }
+    if (counts.wrongLengths > 0)
+        passedOver.append(tr("messages of a wrong length: %1").arg(counts.wrongLengths));
+    if (counts.repeated > 0)
+        passedOver.append(tr("repeated messages: %1").arg(counts.repeated));
+    if (counts.atTimeOfWeekZero > 0)
+        passedOver.append(
+            tr("messages at time of week 0, which hold no data: %1").arg(counts.atTimeOfWeekZero));
+    if (passedOver.isEmpty())
         return QString();
-    return tr("%1: skipped %2 of %3 bytes outside good UBX frames (%4 frames with a bad checksum, "
-              "%5 cut short "
-              "at the end)")
-        .arg(fileName)
-        .arg(counts.skippedBytes())
-        .arg(counts.bytes)
-        .arg(counts.badChecksums)
-        .arg(counts.cutFrames);
+    return tr("%1: passed over: %2").arg(fileName, passedOver.join(QStringLiteral("; ")));
 }
 
 const UbxLogStatistics &UbxReader::statistics() const

@@ -9,6 +9,7 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <deque>
 #include <vector>
 
 /**
@@ -16,18 +17,23 @@
  * epoch, with the receiver records of the epoch's NAV-SOL, NAV-DOP,
  * NAV-TIMEUTC, NAV-SVINFO, NAV-PVT and NAV-SAT messages and a packet counter.
  *
- * Messages are grouped into epochs by their time of week (iTOW), and the
- * epochs come out in ascending iTOW order even when the log holds them out of
- * order; in an epoch, the first message of each kind counts. A first pass
- * over the log finds the frames and keeps, per epoch, only the time of week
- * and where its messages start (an entry of fixed size); each readNext()
- * then reads that epoch's frames back. Memory thus grows with the number of
- * epochs, by some 60 bytes each, but not with the size of the log. The log
- * must be one that can be read twice: a file, or a copy of a pipe.
+ * An epoch's time is its GPS week and time of week (see UbxTimeline), so a
+ * log may cross the end of a week or hold several weeks. Messages are
+ * grouped into epochs by that time, the first message of each kind
+ * counting, and the epochs come out in ascending time even when the log
+ * holds them out of order. An epoch at time of week 0 comes out without
+ * data, as a record with iTOW 0 holds none.
  *
- * Properties: "StartTime" from the first dated epoch ("0", the host's mark of
- * an unknown start, without one), "FirmwareVersion" from MON-VER when the log
- * holds one; the update rate follows from the median step between epochs.
+ * A first pass over the log finds the frames and keeps, per epoch, only its
+ * time and where its messages start (an entry of 48 bytes); each readNext()
+ * then reads that epoch's frames back. Memory thus grows with the number of
+ * epochs, but not with the size of the log. The log must be one that can be
+ * read twice: a file, or a copy of a pipe.
+ *
+ * Properties: "StartTime" from the first epoch in time whose NAV-PVT or
+ * NAV-TIMEUTC date is valid by its flags ("0", the host's mark of an unknown
+ * start, without one), "FirmwareVersion" from MON-VER when the log holds
+ * one; the update rate follows from the median step between epochs.
  */
 class UbxReader : public AbstractRecordingReader
 {
@@ -55,27 +61,46 @@ public:
     const RecordingSample &sample() const override;
     qint64 position() const override;
     qint64 size() const override;
-    /** Says how many bytes were passed over, when any were. */
+    /** Says what the reading passed over, by reason, when it passed over anything. */
     QString readingNotice() const override;
 
     const UbxLogStatistics &statistics() const;
 
 private:
-    // The kinds of navigation message an epoch takes, in the order of Epoch::frames.
+    // The kinds of navigation message an epoch takes, in the order of Epoch's frames.
     enum Kind { Solution, Dop, UtcTime, SvInfo, Pvt, Sat, kindCount };
 
+    // An epoch as the first pass finds it. Frame offsets take 48 bits, as
+    // many as a log can need, so that a million epochs fit in 48 MB.
     struct Epoch
     {
-        quint32 timeOfWeek = 0;
-        // Where the frame of each kind starts in the log; -1 for none.
-        qint64 frames[kindCount] = {-1, -1, -1, -1, -1, -1};
-        // Which of the NAV-PVT and NAV-TIMEUTC frames carry a date.
-        quint8 dated = 0;
+        // GPS time, ms from the start of week 0.
+        qint64 time = 0;
+        // Where the frame of each kind starts in the log, plus 1; 0 for none.
+        quint32 startLow[kindCount] = {};
+        quint16 startHigh[kindCount] = {};
+        // Which frames carry a valid date (bit per kind), and atTimeOfWeekZero.
+        quint8 marks = 0;
+
+        static constexpr quint8 atTimeOfWeekZero = 0x80;
+
+        bool hasFrame(int kind) const { return startLow[kind] != 0 || startHigh[kind] != 0; }
+        qint64 frame(int kind) const
+        {
+            return (qint64(startHigh[kind]) << 32 | startLow[kind]) - 1;
+        }
+        void setFrame(int kind, qint64 offset)
+        {
+            startLow[kind] = quint32(offset + 1);
+            startHigh[kind] = quint16((offset + 1) >> 32);
+        }
+        qint64 firstFrame() const;
     };
 
     bool indexFrames(QIODevice *source);
     void orderEpochs();
     void findProperties();
+    bool load(qint64 offset, qint64 size);
     const uchar *frameAt(qint64 offset, quint16 key, int *length);
     bool fail(const QString &what);
 
@@ -83,12 +108,15 @@ private:
     QFile file;
     // The log as read the second time: the file or the caller's device.
     QIODevice *device = nullptr;
-    std::vector<Epoch> epochs;
+    std::deque<Epoch> epochs;
     std::size_t nextEpoch = 0;
-    // A window on the log that the frames of the coming epochs are read from.
+    // A window on the log that the frames of the coming epochs are read from;
+    // it reads further ahead while the frames taken fill much of it.
     std::vector<uchar> window;
     qint64 windowStart = 0;
     qint64 windowSize = 0;
+    qint64 windowUsed = 0;
+    qint64 readAhead = 0;
     UbxLogStatistics counts;
     QVariantMap recordingProperties;
     double rate = 0.0;

@@ -88,7 +88,7 @@ public:
             level = 22.0 + 24.0 * random.uniform();
         const qint64 gpsMs =
             QDateTime(QDate(1980, 1, 6), QTime(0, 0), Qt::UTC).msecsTo(startTime()) + gpsLeapMs;
-        gpsWeek = qint16(gpsMs / msPerGpsWeek);
+        gpsWeek = gpsMs / msPerGpsWeek;
         startTimeOfWeek = gpsMs % msPerGpsWeek;
     }
 
@@ -264,6 +264,7 @@ private:
         const qint64 epochMs = epoch * qint64(1000.0 / receiverRate);
         const QDateTime utc = startTime().addMSecs(epochMs);
         const quint32 iTOW = quint32((startTimeOfWeek + epochMs) % msPerGpsWeek);
+        const qint64 week = gpsWeek + (startTimeOfWeek + epochMs) / msPerGpsWeek;
         const qint32 nano = qint32(utc.time().msec() * 1000000 + std::lround(random.noise(30.0)));
         const quint8 numSV = quint8(8 + random.below(4));
         const quint16 pDOP = quint16(120 + random.below(60));
@@ -279,7 +280,7 @@ private:
         KvGpsSolution &sol = state.gpsSolution;
         sol.iTOW = iTOW;
         sol.fTOW = nano % 1000000;
-        sol.week = gpsWeek;
+        sol.week = qint16(week);
         sol.gpsFix = 3;
         sol.flags = 0x0D;
         sol.ecefX = qint32(std::lround((n + height) * std::cos(lat) * std::cos(lon) * 100.0));
@@ -409,7 +410,7 @@ private:
     double receiverRate;
     Random random;
     QString deviceId;
-    qint16 gpsWeek = 0;
+    qint64 gpsWeek = 0;
     qint64 startTimeOfWeek = 0;
     SampleState state;
     double heading = 0.0;

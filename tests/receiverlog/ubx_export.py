@@ -1,14 +1,16 @@
 """Builds UBX receiver logs here, with Python's struct and the public message
 layouts, exports them through asciiexport with the raw GPS and GNSS groups,
 and compares every line of the file, byte for byte, with lines worked out
-here from the frames' values: which frames count, the epochs in time-of-week
-order, the header block and each field's text. Then converts each log to JSON
-Lines and checks that its export has the same bytes, and checks the summary
-line on standard error and what info --recording lists.
+here from the frames' values: which frames count, the epochs in the order of
+their GPS time (week and time of week, the week carried across wraps), the
+header block and each field's text. Then converts each log to JSON Lines and
+checks that its export has the same bytes, and checks the line on standard
+error that counts what was passed over and what info --recording lists.
 
 Usage: ubx_export.py ASCIIEXPORT WORKDIR
 """
 
+import datetime
 import os
 import random
 import struct
@@ -85,7 +87,8 @@ def build_log(seed):
     order = times[:]
     rng.shuffle(order)
     log = bytearray(GGA)
-    log += frame(0x0A, 0x04, b"EXT CORE 9.87 (abc)".ljust(30, b"\0") + b"0008".ljust(10, b"\0") + b"x" * 30)
+    # A version text with a line break, which must not break the header's line.
+    log += frame(0x0A, 0x04, b"EXT CORE 9.87\r\n// (abc)".ljust(30, b"\0") + b"0008".ljust(10, b"\0") + b"x" * 30)
     # The first epoch in time order has an undated PVT and a dated UTC time.
     first = min(t for t in times if t != 0)
     log += frame(0x01, 0x07, random_payload(rng, PVT, first, f2=0))
@@ -120,19 +123,77 @@ def build_log(seed):
             bad[-1] ^= 0x40
             log += bad
             log += frame(0x01, 0x03, bytes(16))
-    # A frame cut short at the end.
+    # Epochs across the end of a week, dated and with weeks of their own,
+    # some of them again one week later, and one at time of week 0.
+    for week in (2445, 2446):
+        for itow in (604798000, 604799000, 0, 1000):
+            week_of_epoch = week + (1 if itow < 2000 else 0)
+            log += frame(0x01, 0x06, random_payload(rng, SOL, itow, f2=week_of_epoch))
+            date = gps_to_utc(week_of_epoch, itow)
+            log += frame(0x01, 0x07, random_payload(rng, PVT, itow, f1=date[0], f2=date[1], f3=date[2],
+                                                    f4=date[3], f5=date[4], f6=date[5], f7=0x37))
+            log += frame(0x01, 0x04, random_payload(rng, DOP, itow))
+    # A frame of a wrong length, and a frame cut short at the end.
+    log += frame(0x01, 0x04, random_payload(rng, DOP, 5000) + b"\0")
     log += frame(0x01, 0x06, random_payload(rng, SOL, 77))[:30]
     return bytes(log)
 
 
+MS_PER_WEEK = 7 * 24 * 3600 * 1000
+GPS_START = datetime.datetime(1980, 1, 6)
+
+
+def gps_to_utc(week, itow):
+    """The UTC date and time of a GPS time, 18 leap seconds behind."""
+    utc = GPS_START + datetime.timedelta(milliseconds=week * MS_PER_WEEK + itow - 18000)
+    return utc.year, utc.month, utc.day, utc.hour, utc.minute, utc.second
+
+
+def days_before(year, month, day):
+    """Days from 0001-01-01 of the proleptic Gregorian calendar, for any year."""
+    y = year - 1
+    days = 365 * y + y // 4 - y // 100 + y // 400
+    lengths = [31, 29 if year % 4 == 0 and (year % 100 != 0 or year % 400 == 0) else 28,
+               31, 30, 31, 30, 31, 31, 30, 31, 30, 31]
+    return days + sum(lengths[:month - 1]) + day - 1
+
+
+def week_of_date(date, itow):
+    """The GPS week that puts the UTC date and time nearest to the time of week."""
+    year, month, day, hour, minute, second = date
+    days = days_before(year, month, day) - days_before(1980, 1, 6)
+    utc = (((days * 24 + hour) * 60 + minute) * 60 + second) * 1000
+    return (utc - itow + MS_PER_WEEK // 2) // MS_PER_WEEK
+
+
+def valid_date(payload, at, flags):
+    """The date and time at `at` when the validity byte after them holds `flags` and they are possible."""
+    year, month, day, hour, minute, second, valid = struct.unpack_from("<HBBBBBB", payload, at)
+    if valid & flags != flags or year == 0 or not 1 <= month <= 12 or not 1 <= day <= 31:
+        return None
+    if hour > 23 or minute > 59 or second > 60:
+        return None
+    return year, month, day, hour, minute, second
+
+
+def valid_length(kind, payload):
+    n = len(payload)
+    return {"sol": n == 52, "dop": n == 18, "utc": n == 20, "pvt": n in (92, 84),
+            "svinfo": n >= 8 and n == 8 + 12 * payload[4],
+            "sat": n >= 8 and n == 8 + 12 * payload[5]}[kind]
+
+
 def scan(log):
-    """The good frames of the log, as (class, id, payload) in order."""
-    frames, i = [], 0
+    """The good frames of the log, as (class, id, payload) in order, and how
+    many candidates failed their checksum and ran past the end."""
+    frames, i, bad, cut = [], 0, 0, 0
     while i < len(log) - 1:
-        if log[i] == 0xB5 and log[i + 1] == 0x62 and i + 6 <= len(log):
-            length = log[i + 4] | log[i + 5] << 8
+        if log[i] == 0xB5 and log[i + 1] == 0x62:
+            length = log[i + 4] | log[i + 5] << 8 if i + 6 <= len(log) else 0
             end = i + 6 + length + 2
-            if end <= len(log):
+            if i + 6 > len(log) or end > len(log):
+                cut += 1
+            else:
                 a = b = 0
                 for byte in log[i + 2:i + 6 + length]:
                     a = (a + byte) & 0xFF
@@ -141,8 +202,9 @@ def scan(log):
                     frames.append((log[i + 2], log[i + 3], log[i + 6:i + 6 + length]))
                     i = end
                     continue
+                bad += 1
         i += 1
-    return frames
+    return frames, bad, cut
 
 
 def fixed(x, decimals):
@@ -154,31 +216,82 @@ def signed32(value):
     return value - (1 << 32) if value >= 1 << 31 else value
 
 
-def expected_file(log):
+def read_epochs(frames):
+    """The epochs of the frames in time order, as (time, time of week, kinds),
+    and the messages passed over: of a wrong length, repeated, at time of week 0."""
     names = {(1, 6): "sol", (1, 4): "dop", (1, 0x21): "utc", (1, 0x30): "svinfo", (1, 7): "pvt", (1, 0x35): "sat"}
-    epochs, firmware = {}, None
-    for cls, mid, payload in scan(log):
-        if (cls, mid) == (0x0A, 0x04) and firmware is None:
-            firmware = payload[:30].split(b"\0")[0].decode("latin-1").strip()
+    entries, wrong, repeated = [], 0, 0
+    week, previous, shown = 0, None, False
+    for cls, mid, payload in frames:
         kind = names.get((cls, mid))
         if kind is None:
             continue
+        if not valid_length(kind, payload):
+            wrong += 1
+            continue
         itow = struct.unpack_from("<I", payload)[0]
-        epochs.setdefault(itow, {}).setdefault(kind, payload)
-    times = sorted(epochs)
+        date = None
+        if kind == "pvt":
+            date = valid_date(payload, 4, 0x03)
+        elif kind == "utc":
+            date = valid_date(payload, 12, 0x04)
+        if previous is not None and itow < previous - MS_PER_WEEK // 2:
+            week += 1
+        elif previous is not None and itow > previous + MS_PER_WEEK // 2:
+            week -= 1
+        previous = itow
+        shown_week = struct.unpack_from("<h", payload, 8)[0] if kind == "sol" else (
+            week_of_date(date, itow) if date else None)
+        if shown_week is not None:
+            if not shown:
+                for entry in entries:
+                    entry["time"] += (shown_week - week) * MS_PER_WEEK
+            week, shown = shown_week, True
+        time = week * MS_PER_WEEK + itow
+        if not entries or entries[-1]["time"] != time:
+            entries.append({"time": time, "itow": itow, "kinds": {}, "dated": set()})
+        if kind in entries[-1]["kinds"]:
+            repeated += 1
+            continue
+        entries[-1]["kinds"][kind] = payload
+        if date:
+            entries[-1]["dated"].add(kind)
+    epochs = []
+    for entry in sorted(entries, key=lambda e: e["time"]):
+        if epochs and epochs[-1]["time"] == entry["time"]:
+            for kind, payload in entry["kinds"].items():
+                if kind in epochs[-1]["kinds"]:
+                    repeated += 1
+                else:
+                    epochs[-1]["kinds"][kind] = payload
+                    if kind in entry["dated"]:
+                        epochs[-1]["dated"].add(kind)
+        else:
+            epochs.append(entry)
+    at_zero = sum(len(e["kinds"]) for e in epochs if e["itow"] == 0)
+    return epochs, wrong, repeated, at_zero
+
+
+def expected_file(log, frames):
+    epochs, _, _, _ = read_epochs(frames)
+    firmware = None
+    for cls, mid, payload in frames:
+        if (cls, mid) == (0x0A, 0x04) and firmware is None:
+            text = payload[:30].split(b"\0")[0].decode("latin-1")
+            firmware = "".join(c if c.isprintable() else " " for c in text).strip()
 
     start = "0"
-    for itow in times:
-        e = epochs[itow]
-        if itow == 0:
+    for epoch in epochs:
+        if epoch["itow"] == 0:
             continue
-        if "pvt" in e and all(struct.unpack_from("<HBB", e["pvt"], 4)):
-            start = "%04d-%02d-%02d %02d:%02d:%02d" % struct.unpack_from("<HBBBBB", e["pvt"], 4)
+        if "pvt" in epoch["dated"]:
+            start = "%04d-%02d-%02d %02d:%02d:%02d" % struct.unpack_from("<HBBBBB", epoch["kinds"]["pvt"], 4)
             break
-        if "utc" in e and all(struct.unpack_from("<HBB", e["utc"], 12)):
-            start = "%04d-%02d-%02d %02d:%02d:%02d" % struct.unpack_from("<HBBBBB", e["utc"], 12)
+        if "utc" in epoch["dated"]:
+            start = "%04d-%02d-%02d %02d:%02d:%02d" % struct.unpack_from("<HBBBBB", epoch["kinds"]["utc"], 12)
             break
-    steps = sorted(b - a for a, b in zip(times, times[1:]))
+    times = [e["time"] for e in epochs]
+    steps = sorted(min(b - a, 0xFFFFFFFF) for a, b in zip(times, times[1:]))
     middle = len(steps) // 2
     median = steps[middle] if len(steps) % 2 else (steps[middle - 1] + steps[middle]) / 2
     lines = ["// Start Time: " + ("Unknown" if start == "0" else start),
@@ -187,8 +300,8 @@ def expected_file(log):
              "// Option Flags: Error: No option flags",
              "// Firmware Version: " + firmware]
 
-    for counter, itow in enumerate(times):
-        e = epochs[itow] if itow != 0 else {}
+    for counter, epoch in enumerate(epochs):
+        e = epoch["kinds"] if epoch["itow"] != 0 else {}
         row = ["%05d" % (counter % 65536)]
         if "sol" in e:
             v = struct.unpack(SOL, e["sol"])
@@ -240,7 +353,24 @@ def expected_file(log):
         else:
             row += [""] * 241
         lines.append("\t".join(row))
-    return lines, len(times)
+    return lines, len(epochs)
+
+
+def expected_notice(path, log, frames, bad, cut):
+    """The line that says what the export passed over."""
+    _, wrong, repeated, at_zero = read_epochs(frames)
+    skipped = len(log) - sum(len(p) + 8 for _, _, p in frames)
+    parts = []
+    if skipped:
+        parts.append(f"{skipped} of {len(log)} bytes outside good UBX frames (frames with a bad checksum: "
+                     f"{bad}, cut short at the end: {cut})")
+    if wrong:
+        parts.append(f"messages of a wrong length: {wrong}")
+    if repeated:
+        parts.append(f"repeated messages: {repeated}")
+    if at_zero:
+        parts.append(f"messages at time of week 0, which hold no data: {at_zero}")
+    return f"{path}: passed over: " + "; ".join(parts), skipped
 
 
 def run(arguments):
@@ -262,7 +392,8 @@ def main():
         with open(output, "rb") as f:
             exported = f.read()
         lines = exported.decode().split("\n")
-        wanted, epochs = expected_file(log)
+        frames, bad, cut = scan(log)
+        wanted, epochs = expected_file(log, frames)
         got = lines[:5] + lines[6:-1]
         if got != wanted or lines[-1] != "":
             differing = [i for i, (a, b) in enumerate(zip(got, wanted)) if a != b]
@@ -272,9 +403,9 @@ def main():
                     if a != b:
                         failures.append(f"  line {i + 1} field {column + 1}: {a!r}, expected {b!r}")
                         break
-        skipped = len(log) - sum(len(p) + 8 for _, _, p in scan(log))
-        if f"skipped {skipped} of {len(log)} bytes" not in result.stderr:
-            failures.append(f"{path}: no summary of {skipped} skipped bytes: {result.stderr!r}")
+        notice, skipped = expected_notice(path, log, frames, bad, cut)
+        if notice + "\n" not in result.stderr:
+            failures.append(f"{path}: no line {notice!r} in {result.stderr!r}")
         if run([program, "export", "--quiet", "--settings", settings, "-o", output] + SETTINGS + [path]).stderr:
             failures.append(f"{path}: --quiet still wrote to standard error")
 

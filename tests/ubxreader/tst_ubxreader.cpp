@@ -1,5 +1,7 @@
 #include <recordinginput.h>
 #include <recordingsource.h>
+#include <samplefingerprint.h>
+#include <ubxgenerator.h>
 #include <ubxreader.h>
 
 #include <QBuffer>
@@ -7,7 +9,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
 #include <limits>
+#include <random>
 #include <vector>
 
 // Frames are built here from the public message layouts, byte by byte, so
@@ -73,7 +77,13 @@ QByteArray navDop(quint32 iTOW, quint16 first = 100)
     return payload.frame(0x01, 0x04);
 }
 
-QByteArray navTimeUtc(quint32 iTOW, quint16 year, quint8 month, quint8 day, quint8 hour = 12)
+// NAV-TIMEUTC's validity flags: time of week, week number and UTC known.
+constexpr quint8 utcValid = 0x07;
+// NAV-PVT's: date and time valid.
+constexpr quint8 pvtValid = 0x03;
+
+QByteArray navTimeUtc(quint32 iTOW, quint16 year, quint8 month, quint8 day, quint8 hour = 12,
+                      quint8 valid = utcValid)
 {
     return Payload(20)
         .u32(0, iTOW)
@@ -83,18 +93,65 @@ QByteArray navTimeUtc(quint32 iTOW, quint16 year, quint8 month, quint8 day, quin
         .u8(16, hour)
         .u8(17, 34)
         .u8(18, 56)
+        .u8(19, valid)
         .frame(0x01, 0x21);
 }
 
 QByteArray navPvt(quint32 iTOW, int length = 92, quint16 year = 2026, quint8 month = 11,
-                  quint8 day = 21)
+                  quint8 day = 21, quint8 valid = pvtValid)
 {
     Payload payload(length);
-    payload.u32(0, iTOW).u16(4, year).u8(6, month).u8(7, day).u8(8, 9).u8(9, 30).u8(10, 15).u16(
-        76, 999);
+    payload.u32(0, iTOW).u16(4, year).u8(6, month).u8(7, day).u8(8, 9).u8(9, 30).u8(10, 15).u8(
+        11, valid);
+    payload.u16(76, 999);
     if (length == 92)
         payload.i32(84, -1234567);
     return payload.frame(0x01, 0x07);
+}
+
+constexpr qint64 msPerWeek = 7 * 24 * 3600 * 1000LL;
+
+// The UTC date and time of GPS week @p week, time of week @p iTOW: UTC runs
+// 18 leap seconds behind.
+QDateTime utcAt(int week, quint32 iTOW)
+{
+    return QDateTime(QDate(1980, 1, 6), QTime(0, 0), Qt::UTC)
+        .addMSecs(week * msPerWeek + iTOW - 18000);
+}
+
+QByteArray navPvtAt(int week, quint32 iTOW, quint8 valid = pvtValid)
+{
+    const QDateTime utc = utcAt(week, iTOW);
+    return Payload(92)
+        .u32(0, iTOW)
+        .u16(4, quint16(utc.date().year()))
+        .u8(6, quint8(utc.date().month()))
+        .u8(7, quint8(utc.date().day()))
+        .u8(8, quint8(utc.time().hour()))
+        .u8(9, quint8(utc.time().minute()))
+        .u8(10, quint8(utc.time().second()))
+        .u8(11, valid)
+        .frame(0x01, 0x07);
+}
+
+QByteArray navTimeUtcAt(int week, quint32 iTOW, quint8 valid = utcValid)
+{
+    const QDateTime utc = utcAt(week, iTOW);
+    return Payload(20)
+        .u32(0, iTOW)
+        .u16(12, quint16(utc.date().year()))
+        .u8(14, quint8(utc.date().month()))
+        .u8(15, quint8(utc.date().day()))
+        .u8(16, quint8(utc.time().hour()))
+        .u8(17, quint8(utc.time().minute()))
+        .u8(18, quint8(utc.time().second()))
+        .u8(19, valid)
+        .frame(0x01, 0x21);
+}
+
+QString startTimeAt(int week, quint32 iTOW)
+{
+    return utcAt(week, iTOW).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
 QByteArray navSvInfo(quint32 iTOW, int channels, int firstSvid = 1)
@@ -204,7 +261,17 @@ private slots:
     void detection_data();
     void detection();
     void sourceAnswersFromTheEpoch();
+    void weeksApartWithTheSameTimeOfWeek();
+    void logsOfDifferentWeeksJoined();
+    void logAcrossTheEndOfAWeek();
+    void weekCarriedAcrossAWrap_data();
+    void weekCarriedAcrossAWrap();
+    void generatedLogAcrossTheEndOfAWeek();
+    void noticeCountsEveryMessagePassedOver();
+    void epochsOutOfOrderGiveTheSameSamples_data();
+    void epochsOutOfOrderGiveTheSameSamples();
     void craftedSyncBytesAreScannedOnce();
+    void framesBeyondFourGibibytes();
 };
 
 void tst_UbxReader::navSolFieldsAtTheirLimits_data()
@@ -485,17 +552,21 @@ void tst_UbxReader::satelliteListsBeyondCapacity()
 
 void tst_UbxReader::timeOfWeekZeroHoldsNoData()
 {
+    // The first epoch of a week, between the last of the week before and the second.
     const Samples read =
-        this->read(navSol(200) + navPvt(0) + navSol(0) + navTimeUtc(0, 2026, 1, 1));
-    QCOMPARE(read.samples.size(), std::size_t(2));
-    QCOMPARE(read.samples[0].packetCounter, quint16(0));
-    QCOMPARE(read.samples[0].gpsSolution.iTOW, 0u);
-    QCOMPARE(read.samples[0].gpsSolution.week, qint16(0));
-    QCOMPARE(read.samples[0].gnssPvt.year, quint16(0));
+        this->read(navSol(604799800, 5, 2445) + navPvtAt(2446, 0) + navSol(0, 5, 2446)
+                   + navTimeUtcAt(2446, 0) + navSol(200, 5, 2446));
+    QCOMPARE(read.samples.size(), std::size_t(3));
+    QCOMPARE(read.samples[0].gpsSolution.iTOW, 604799800u);
     QCOMPARE(read.samples[1].packetCounter, quint16(1));
-    QCOMPARE(read.samples[1].gpsSolution.iTOW, 200u);
-    // Its date does not start the recording either.
+    QCOMPARE(read.samples[1].gpsSolution.iTOW, 0u);
+    QCOMPARE(read.samples[1].gpsSolution.week, qint16(0));
+    QCOMPARE(read.samples[1].gnssPvt.year, quint16(0));
+    QCOMPARE(read.samples[1].gpsUtcTime.year, quint16(0));
+    QCOMPARE(read.samples[2].gpsSolution.iTOW, 200u);
+    // Its date does not start the recording either, and what it held is counted.
     QCOMPARE(read.properties.value(QStringLiteral("StartTime")).toString(), QStringLiteral("0"));
+    QCOMPARE(read.statistics.atTimeOfWeekZero, qint64(3));
     QCOMPARE(read.rate, 5.0);
 }
 
@@ -507,8 +578,19 @@ void tst_UbxReader::properties_data()
     QTest::addColumn<QVariant>("firmware");
 
     QTest::newRow("start from the first epoch's PVT, in time order")
-        << navPvt(2000, 92, 2027) + navPvt(1000) + monVer("ROM 1.00 (x)")
-        << QStringLiteral("2026-11-21 09:30:15") << 1.0 << QVariant(QStringLiteral("ROM 1.00 (x)"));
+        << navPvtAt(2445, 2000) + navPvtAt(2445, 1000) + monVer("ROM 1.00 (x)")
+        << startTimeAt(2445, 1000) << 1.0 << QVariant(QStringLiteral("ROM 1.00 (x)"));
+    QTest::newRow("a PVT whose flags call its date not valid does not start the recording")
+        << navPvtAt(2445, 1000, 0) + navPvtAt(2445, 2000) << startTimeAt(2445, 2000) << 1.0
+        << QVariant();
+    QTest::newRow("nor one with a valid date but not a valid time") << navPvtAt(2445, 1000, 0x01)
+            + navPvtAt(2445, 2000) << startTimeAt(2445, 2000) << 1.0 << QVariant();
+    QTest::newRow("nor a UTC time that is not valid UTC")
+        << navTimeUtcAt(2445, 1000, 0x03) + navTimeUtcAt(2445, 2000) << startTimeAt(2445, 2000)
+        << 1.0 << QVariant();
+    QTest::newRow("the first dated epoch in time, across the end of a week")
+        << navPvtAt(2446, 500) + navPvtAt(2445, 604799500) << startTimeAt(2445, 604799500) << 1.0
+        << QVariant();
     QTest::newRow("an undated PVT gives way to the epoch's UTC time")
         << navPvt(1000, 92, 2026, 0, 21) + navTimeUtc(1000, 2025, 2, 3)
         << QStringLiteral("2025-02-03 12:34:56") << 0.0 << QVariant();
@@ -574,7 +656,8 @@ void tst_UbxReader::frameAcrossBlocks()
 
 void tst_UbxReader::pipeIsReadThroughACopy()
 {
-    const QByteArray log = gga + navSol(3000) + navSol(1000) + navPvt(2000) + navSol(2000);
+    const QByteArray log =
+        gga + navSol(3000) + navSol(1000) + navPvt(2000, 92, 2026, 11, 21, 0) + navSol(2000);
     const QString path = dir.filePath(QStringLiteral("piped.ubx"));
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -671,6 +754,217 @@ void tst_UbxReader::sourceAnswersFromTheEpoch()
     QVERIFY(!input.hasError());
 }
 
+void tst_UbxReader::weeksApartWithTheSameTimeOfWeek()
+{
+    // A log over more than a week holds every time of week more than once.
+    const Samples read = this->read(navSol(100000, 1, 2401) + navDop(100000, 10)
+                                    + navSol(100000, 2, 2400) + navDop(100000, 20));
+    QCOMPARE(read.error, QString());
+    QCOMPARE(read.samples.size(), std::size_t(2));
+    QCOMPARE(read.samples[0].gpsSolution.week, qint16(2400));
+    QCOMPARE(read.samples[0].gpsDop.gDOP, quint16(20));
+    QCOMPARE(read.samples[1].gpsSolution.week, qint16(2401));
+    QCOMPARE(read.samples[1].gpsDop.gDOP, quint16(10));
+    QCOMPARE(read.statistics.repeated, qint64(0));
+}
+
+void tst_UbxReader::logsOfDifferentWeeksJoined()
+{
+    // Two logs joined with cat, the later one first: each epoch's messages
+    // start with NAV-PVT, whose date gives the week.
+    QByteArray later, earlier;
+    for (quint32 iTOW = 1000; iTOW <= 3000; iTOW += 1000) {
+        later += navPvtAt(2401, iTOW) + navSol(iTOW, 1, 2401) + navDop(iTOW, 1);
+        earlier += navPvtAt(2400, iTOW) + navSol(iTOW, 0, 2400) + navDop(iTOW, 0);
+    }
+    const Samples read = this->read(later + earlier);
+    QCOMPARE(read.samples.size(), std::size_t(6));
+    for (std::size_t i = 0; i < 6; ++i) {
+        QCOMPARE(read.samples[i].gpsSolution.week, qint16(i < 3 ? 2400 : 2401));
+        QCOMPARE(read.samples[i].gpsSolution.iTOW, quint32(1000 * (i % 3 + 1)));
+        QCOMPARE(read.samples[i].gnssPvt.iTOW, quint32(1000 * (i % 3 + 1)));
+        QCOMPARE(read.samples[i].gpsDop.gDOP, quint16(i < 3 ? 0 : 1));
+    }
+    QCOMPARE(read.properties.value(QStringLiteral("StartTime")).toString(),
+             startTimeAt(2400, 1000));
+    QCOMPARE(read.statistics.repeated, qint64(0));
+    QCOMPARE(read.statistics.firstTime, 2400 * msPerWeek + 1000);
+    QCOMPARE(read.statistics.lastTime, 2401 * msPerWeek + 3000);
+}
+
+void tst_UbxReader::logAcrossTheEndOfAWeek()
+{
+    QByteArray log;
+    for (quint32 iTOW : {604798000u, 604799000u, 0u, 1000u}) {
+        const int week = iTOW > 1000 ? 2445 : 2446;
+        log += navSol(iTOW, 0, qint16(week)) + navPvtAt(week, iTOW) + navDop(iTOW);
+    }
+    const Samples read = this->read(log);
+    QCOMPARE(read.samples.size(), std::size_t(4));
+    const quint32 times[] = {604798000u, 604799000u, 0u, 1000u};
+    for (std::size_t i = 0; i < 4; ++i) {
+        QCOMPARE(read.samples[i].packetCounter, quint16(i));
+        QCOMPARE(read.samples[i].gpsSolution.iTOW, times[i]);
+    }
+    QCOMPARE(read.samples[3].gpsSolution.week, qint16(2446));
+    QCOMPARE(read.properties.value(QStringLiteral("StartTime")).toString(),
+             startTimeAt(2445, 604798000));
+    QCOMPARE(read.rate, 1.0);
+    QCOMPARE(read.statistics.atTimeOfWeekZero, qint64(3));
+}
+
+void tst_UbxReader::weekCarriedAcrossAWrap_data()
+{
+    QTest::addColumn<QByteArray>("log");
+    QTest::addColumn<QVector<quint16>>("order");
+
+    // Messages without a week of their own; the samples name them by gDOP.
+    QTest::newRow("on into the next week")
+        << navDop(604799000, 0) + navDop(400, 1) + navDop(1400, 2) << QVector<quint16>{0, 1, 2};
+    QTest::newRow("back into the week before")
+        << navDop(1400, 0) + navDop(604799000, 1) + navDop(400, 2) << QVector<quint16>{1, 2, 0};
+    QTest::newRow("less than half a week back stays in the week")
+        << navDop(302400000, 0) + navDop(1000, 1) << QVector<quint16>{1, 0};
+    QTest::newRow("the first week shown places the messages before it") << navDop(604799800, 0)
+            + navDop(200, 1) + navSol(400, 0, 2446) + navDop(400, 2)
+            + navDop(100, 3) << QVector<quint16>{0, 3, 1, 2};
+}
+
+void tst_UbxReader::weekCarriedAcrossAWrap()
+{
+    QFETCH(QByteArray, log);
+    QFETCH(QVector<quint16>, order);
+
+    const Samples read = this->read(log);
+    QVector<quint16> got;
+    for (const RecordingSample &sample : read.samples)
+        got.append(sample.gpsDop.gDOP);
+    QCOMPARE(got, order);
+}
+
+void tst_UbxReader::generatedLogAcrossTheEndOfAWeek()
+{
+    // From Saturday morning, an epoch every ten seconds for a week's end and more.
+    GeneratorOptions options;
+    options.samples = 6000;
+    options.rate = 0.1;
+    QByteArray log;
+    QBuffer buffer(&log);
+    QVERIFY(buffer.open(QIODevice::WriteOnly));
+    QString error;
+    QVERIFY2(generateUbxLog(options, &buffer, &error), qPrintable(error));
+    const Samples read = this->read(log);
+    QCOMPARE(read.error, QString());
+    QCOMPARE(read.samples.size(), std::size_t(6000));
+    qint64 previous = -1;
+    int weeks = 0;
+    for (const RecordingSample &sample : read.samples) {
+        const qint64 time = sample.gpsSolution.week * msPerWeek + sample.gpsSolution.iTOW;
+        QVERIFY(time > previous);
+        QCOMPARE(sample.gnssPvt.iTOW, sample.gpsSolution.iTOW);
+        weeks += previous >= 0 && sample.gpsSolution.week != read.samples[0].gpsSolution.week;
+        previous = time;
+    }
+    QVERIFY(weeks > 0);
+    QCOMPARE(read.samples.back().gpsSolution.week, qint16(read.samples[0].gpsSolution.week + 1));
+    QCOMPARE(read.properties.value(QStringLiteral("StartTime")).toString(),
+             QStringLiteral("2026-11-21 09:30:00"));
+    QCOMPARE(read.statistics.repeated, qint64(0));
+}
+
+void tst_UbxReader::noticeCountsEveryMessagePassedOver()
+{
+    QByteArray badChecksum = navSol(1000);
+    badChecksum[badChecksum.size() - 1] = char(badChecksum[badChecksum.size() - 1] ^ 1);
+    const QByteArray wrongLength = Payload(53).u32(0, 2000).frame(0x01, 0x06);
+    const QByteArray cut = navDop(5000).left(10);
+    const QByteArray log = gga + badChecksum + navSol(2000) + wrongLength + navSol(2000, 9)
+        + navDop(0) + navSvInfo(0, 1) + navDop(3000) + cut;
+    const QString path = dir.filePath(QStringLiteral("notice.ubx"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(log);
+    file.close();
+    UbxReader reader;
+    QVERIFY2(reader.open(path), qPrintable(reader.errorString()));
+    while (reader.readNext()) { }
+    const qint64 skipped = gga.size() + badChecksum.size() + cut.size();
+    QCOMPARE(reader.readingNotice(),
+             QStringLiteral("%1: passed over: %2 of %3 bytes outside good UBX frames (frames with "
+                            "a bad checksum: 1, cut short at the end: 1); messages of a wrong "
+                            "length: 1; repeated messages: 1; messages at time of week 0, which "
+                            "hold no data: 2")
+                 .arg(path)
+                 .arg(skipped)
+                 .arg(log.size()));
+
+    // Nothing passed over, nothing to say.
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(navSol(1000) + navDop(1000));
+    file.close();
+    QVERIFY(reader.open(path));
+    QCOMPARE(reader.readingNotice(), QString());
+}
+
+void tst_UbxReader::epochsOutOfOrderGiveTheSameSamples_data()
+{
+    QTest::addColumn<QString>("order");
+
+    QTest::newRow("reversed") << QStringLiteral("reversed");
+    QTest::newRow("the second half first") << QStringLiteral("halves");
+    QTest::newRow("shuffled within stretches") << QStringLiteral("local");
+    QTest::newRow("shuffled") << QStringLiteral("shuffled");
+}
+
+void tst_UbxReader::epochsOutOfOrderGiveTheSameSamples()
+{
+    QFETCH(QString, order);
+
+    GeneratorOptions options;
+    options.samples = 3000;
+    options.rate = 10;
+    QByteArray log;
+    QBuffer buffer(&log);
+    QVERIFY(buffer.open(QIODevice::WriteOnly));
+    QString error;
+    QVERIFY2(generateUbxLog(options, &buffer, &error), qPrintable(error));
+    // Each epoch of the generated log opens with its NAV-SOL.
+    const QByteArray solStart("\xB5\x62\x01\x06", 4);
+    QVector<QByteArray> epochs;
+    int start = log.indexOf(solStart);
+    const QByteArray head = log.left(start);
+    while (start >= 0) {
+        const int next = log.indexOf(solStart, start + 1);
+        epochs.append(log.mid(start, next < 0 ? -1 : next - start));
+        start = next;
+    }
+    QCOMPARE(epochs.size(), 3000);
+    std::mt19937 random(7);
+    if (order == QLatin1String("reversed")) {
+        std::reverse(epochs.begin(), epochs.end());
+    } else if (order == QLatin1String("halves")) {
+        std::rotate(epochs.begin(), epochs.begin() + epochs.size() / 2, epochs.end());
+    } else if (order == QLatin1String("local")) {
+        for (int i = 0; i < epochs.size(); i += 64)
+            std::shuffle(epochs.begin() + i, epochs.begin() + std::min(i + 64, epochs.size()),
+                         random);
+    } else {
+        std::shuffle(epochs.begin(), epochs.end(), random);
+    }
+    QByteArray shuffled = head;
+    for (const QByteArray &epoch : qAsConst(epochs))
+        shuffled += epoch;
+
+    const Samples inOrder = this->read(log);
+    const Samples outOfOrder = this->read(shuffled);
+    QCOMPARE(outOfOrder.error, QString());
+    QCOMPARE(outOfOrder.samples.size(), inOrder.samples.size());
+    for (std::size_t i = 0; i < inOrder.samples.size(); ++i)
+        QCOMPARE(sampleFingerprint(outOfOrder.samples[i]), sampleFingerprint(inOrder.samples[i]));
+    QCOMPARE(outOfOrder.properties, inOrder.properties);
+    QCOMPARE(outOfOrder.rate, inOrder.rate);
+}
+
 void tst_UbxReader::craftedSyncBytesAreScannedOnce()
 {
     // A long frame's start at every sixth byte, none of them a frame; then a real one.
@@ -683,6 +977,33 @@ void tst_UbxReader::craftedSyncBytesAreScannedOnce()
     // Those near the end run past it; the others fail their checksum.
     QCOMPARE(read.statistics.badChecksums + read.statistics.cutFrames, qint64(100000));
     QCOMPARE(read.statistics.skippedBytes(), qint64(candidate.size()) * 100000);
+}
+
+void tst_UbxReader::framesBeyondFourGibibytes()
+{
+    // A sparse file: frames at its start and beyond 4 GiB, where an offset
+    // needs more than 32 bits.
+    const QString path = dir.filePath(QStringLiteral("large.ubx"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(navSol(3000) + navDop(3000));
+    const qint64 far = (qint64(1) << 32) + 12345;
+    QVERIFY(file.seek(far));
+    file.write(navSol(1000) + navDop(1000, 7) + navSol(2000));
+    file.close();
+    UbxReader reader;
+    QVERIFY2(reader.open(path), qPrintable(reader.errorString()));
+    QVERIFY(reader.readNext());
+    QCOMPARE(reader.sample().gpsSolution.iTOW, 1000u);
+    QCOMPARE(reader.sample().gpsDop.gDOP, quint16(7));
+    QVERIFY(reader.readNext());
+    QCOMPARE(reader.sample().gpsSolution.iTOW, 2000u);
+    QVERIFY(reader.readNext());
+    QCOMPARE(reader.sample().gpsSolution.iTOW, 3000u);
+    QCOMPARE(reader.sample().gpsDop.iTOW, 3000u);
+    QVERIFY(!reader.readNext());
+    QCOMPARE(reader.errorString(), QString());
+    file.remove();
 }
 
 QTEST_GUILESS_MAIN(tst_UbxReader)
