@@ -45,6 +45,7 @@ private slots:
     void fullDisk();
     void fileSizeLimit_data();
     void fileSizeLimit();
+    void fileSizeLimitInABatch();
     void generateWritesIntoPipesAndDevices();
     void readerOfThePipeGoesAway();
     void outputThatCannotBeOpened_data();
@@ -670,8 +671,8 @@ void tst_Hostile::fileSizeLimit()
     QCOMPARE(whole.status, 0);
     const qint64 size = QFileInfo(path("whole.txt")).size();
     const qint64 limitKib = lastWrite ? (size - 1) / 1024 : size / 2048;
-    const QString limit =
-        QStringLiteral("ulimit -f %1; trap '' XFSZ; exec \"$0\" \"$@\"").arg(limitKib);
+    // No trap of the shell's: the program itself must not die of the signal.
+    const QString limit = QStringLiteral("ulimit -f %1; exec \"$0\" \"$@\"").arg(limitKib);
 
     writeFile(path("x.txt"), "an older export\n");
     const Result result = runInShell(limit,
@@ -689,6 +690,24 @@ void tst_Hostile::fileSizeLimit()
     QVERIFY2(generated.err.endsWith("File too large\n"), generated.err.constData());
     QCOMPARE(generated.status, 1);
     QCOMPARE(readFile(path("x.txt")), QByteArray("an older export\n"));
+}
+
+// A file size limit stops the one export that reaches it; the next
+// recordings of the batch are exported all the same.
+void tst_Hostile::fileSizeLimitInABatch()
+{
+    writeFile(path("walk.jsonl"), walkRecording());
+    writeFile(path("small.jsonl"), smallRecording);
+    const QString limit = QStringLiteral("ulimit -f 8; exec \"$0\" \"$@\"");
+    const Result result =
+        runInShell(limit,
+                   {"export", "--settings", path("settings.ini"), "--quiet", "--output-dir",
+                    path("out"), path("walk.jsonl"), path("small.jsonl")});
+    QCOMPARE(QString::fromUtf8(result.err),
+             path("out/walk-001.txt") + QStringLiteral(": cannot be written: File too large\n"));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(QDir(path("out")).entryList(QDir::Files), QStringList{"small-002.txt"});
+    QCOMPARE(readFile(path("out/small-002.txt")), expectedExport(QStringLiteral("\t"), QString()));
 }
 
 void tst_Hostile::generateWritesIntoPipesAndDevices()
