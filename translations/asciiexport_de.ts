@@ -385,6 +385,10 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <source>%1 recordings</source>
         <translation>%1 Aufzeichnungen</translation>
     </message>
+    <message>
+        <source>%1: the output file is the log %2 itself</source>
+        <translation>%1: Die Ausgabedatei ist das Log %2 selbst</translation>
+    </message>
 </context>
 <context>
     <name>ExportJob</name>

@@ -56,6 +56,8 @@ private slots:
     void propertiesCannotMoveOrEmptyTheName_data();
     void propertiesCannotMoveOrEmptyTheName();
     void batchCannotReplaceItsOwnRecordings();
+    void convertCannotReplaceItsLog_data();
+    void convertCannotReplaceItsLog();
     void lineBreaksInPropertyTexts_data();
     void lineBreaksInPropertyTexts();
     void damagedPluginFiles_data();
@@ -860,6 +862,49 @@ void tst_Hostile::batchCannotReplaceItsOwnRecordings()
     QCOMPARE(result.status, 1);
     QCOMPARE(readFile(path("a.jsonl")), smallRecording);
     QCOMPARE(readFile(path("b.jsonl")), smallRecording);
+}
+
+void tst_Hostile::convertCannotReplaceItsLog_data()
+{
+    QTest::addColumn<QString>("output");
+    // What the shell opens before the program runs.
+    QTest::addColumn<QString>("redirection");
+    QTest::addColumn<QString>("shownName");
+    QTest::newRow("the log's own name") << "log.ubx" << QString() << "log.ubx";
+    QTest::newRow("a hard link to the log") << "hard.ubx" << QString() << "hard.ubx";
+    QTest::newRow("a symbolic link to the log") << "soft.ubx" << QString() << "soft.ubx";
+    QTest::newRow("a descriptor open on the log") << "/dev/fd/3"
+                                                  << "3>> log.ubx"
+                                                  << "/dev/fd/3";
+    QTest::newRow("standard output appending to the log") << "-"
+                                                          << ">> log.ubx"
+                                                          << "(standard output)";
+}
+
+void tst_Hostile::convertCannotReplaceItsLog()
+{
+    QFETCH(QString, output);
+    QFETCH(QString, redirection);
+    QFETCH(QString, shownName);
+
+    const QString plainRun = QStringLiteral("exec \"$0\" \"$@\"");
+    QCOMPARE(runInShell(plainRun,
+                        {"generate", "--format", "ubx", "--samples", "20", "-o", path("log.ubx")})
+                 .status,
+             0);
+    const QByteArray log = readFile(path("log.ubx"));
+    QVERIFY(QFile::link(QStringLiteral("log.ubx"), path("soft.ubx")));
+    QCOMPARE(::link(QFile::encodeName(path("log.ubx")).constData(),
+                    QFile::encodeName(path("hard.ubx")).constData()),
+             0);
+
+    const Result result =
+        runInShell(plainRun + QLatin1Char(' ') + redirection, {"convert", "log.ubx", "-o", output});
+    QCOMPARE(QString::fromUtf8(result.err),
+             shownName + QStringLiteral(": the output file is the log log.ubx itself\n"));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(readFile(path("log.ubx")), log);
+    QCOMPARE(files(), (QStringList{"hard.ubx", "log.ubx", "soft.ubx"}));
 }
 
 void tst_Hostile::lineBreaksInPropertyTexts_data()
