@@ -27,8 +27,10 @@
  *
  * A bad line stops the reading: errorString() then reads
  * "FILE:LINE: what is wrong". A bad sample line can be passed over with
- * skipBadLine(). Property texts hold no line breaks and no NUL: they end up
- * in the comment lines of the exported file.
+ * skipBadLine(). The texts of the properties that the exported file's
+ * comment lines show (StartTime, FilterProfile, FilterProfileVersion,
+ * FilterProfileType, OptionFlags, FirmwareVersion) hold no line break and no
+ * NUL; any other property keeps any text.
  */
 class RecordingReader : public AbstractRecordingReader
 {

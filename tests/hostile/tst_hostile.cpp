@@ -910,28 +910,64 @@ void tst_Hostile::convertCannotReplaceItsLog()
 void tst_Hostile::lineBreaksInPropertyTexts_data()
 {
     QTest::addColumn<QByteArray>("property");
-    QTest::newRow("a forged comment line")
-        << QByteArray("\"FirmwareVersion\": \"\\r\\n// fake header\"");
-    QTest::newRow("a line feed in the start time")
-        << QByteArray("\"StartTime\": \"2026-11-21\\n09:30:00\"");
-    QTest::newRow("a carriage return") << QByteArray("\"FilterProfile\": \"general\\r\"");
-    QTest::newRow("a NUL") << QByteArray("\"DeviceId\": \"01\\u00002\"");
+    // The property's row in "info --recording"; empty where it is refused.
+    QTest::addColumn<QByteArray>("shown");
+
+    QTest::newRow("a forged comment line in the firmware version is refused")
+        << QByteArray("\"FirmwareVersion\": \"\\r\\n// fake header\"") << QByteArray();
+    QTest::newRow("a line feed in the start time is refused")
+        << QByteArray("\"StartTime\": \"2026-11-21\\n09:30:00\"") << QByteArray();
+    QTest::newRow("a carriage return in the filter profile is refused")
+        << QByteArray("\"FilterProfile\": \"general\\r\"") << QByteArray();
+    QTest::newRow("a line feed in the filter profile version is refused")
+        << QByteArray("\"FilterProfileVersion\": \"1\\n2\"") << QByteArray();
+    QTest::newRow("a line feed in the filter profile type is refused")
+        << QByteArray("\"FilterProfileType\": \"39\\n\"") << QByteArray();
+    QTest::newRow("a NUL in the option flags is refused")
+        << QByteArray("\"OptionFlags\": \"0\\u00001\"") << QByteArray();
+    QTest::newRow("a line feed in a free text is kept")
+        << QByteArray("\"Notes\": \"walked\\nthen ran\"")
+        << QByteArray("Notes:            \"walked\\nthen ran\"");
+    QTest::newRow("a carriage return, a NUL and quotes in a free text are kept")
+        << QByteArray("\"Notes\": \"a \\\"b\\\"\\r\\n\\u0000\"")
+        << QByteArray("Notes:            \"a \\\"b\\\"\\r\\n\\0\"");
 }
 
+// Only the properties that the header block shows must keep to one line; a
+// free text leaves the export as it would be without it.
 void tst_Hostile::lineBreaksInPropertyTexts()
 {
     QFETCH(QByteArray, property);
+    QFETCH(QByteArray, shown);
     writeFile(path("rec.jsonl"), "{\"properties\": {" + property + "}}\n" + goodSample);
     const QString key = QString::fromUtf8(property.mid(1, property.indexOf('"', 1) - 1));
-    for (const char *option : {"--quiet", "--skip-bad-lines"}) {
-        const Result result = run({"export", option, path("rec.jsonl")});
-        QVERIFY2(result.err.startsWith((path("rec.jsonl") + ":1: \"properties." + key
-                                        + "\": the text holds a line break or a NUL character")
-                                           .toUtf8()),
-                 result.err.constData());
-        QCOMPARE(result.status, 1);
-        QCOMPARE(files(), QStringList{"rec.jsonl"});
+    writeFile(path("plain.jsonl"), "{\"properties\": {}}\n" + goodSample);
+    const Result plain = run({"export", "--quiet", "-o", path("plain.txt"), path("plain.jsonl")});
+    QCOMPARE(plain.status, 0);
+
+    for (const bool skipBadLines : {false, true}) {
+        QStringList arguments{"export", "--quiet", "-o", path("out.txt"), path("rec.jsonl")};
+        if (skipBadLines)
+            arguments.insert(1, QStringLiteral("--skip-bad-lines"));
+        const Result result = run(arguments);
+        if (shown.isEmpty()) {
+            QVERIFY2(result.err.startsWith((path("rec.jsonl") + ":1: \"properties." + key
+                                            + "\": the text holds a line break or a NUL character")
+                                               .toUtf8()),
+                     result.err.constData());
+            QCOMPARE(result.status, 1);
+            QCOMPARE(files(), (QStringList{"plain.jsonl", "plain.txt", "rec.jsonl"}));
+        } else {
+            QCOMPARE(result.err, QByteArray());
+            QCOMPARE(result.status, 0);
+            QCOMPARE(readFile(path("out.txt")), readFile(path("plain.txt")));
+        }
     }
+    if (shown.isEmpty())
+        return;
+    const Result info = run({"info", "--recording", path("rec.jsonl")});
+    QCOMPARE(info.status, 0);
+    QVERIFY2(info.out.endsWith('\n' + shown + '\n'), info.out.constData());
 }
 
 void tst_Hostile::damagedPluginFiles_data()

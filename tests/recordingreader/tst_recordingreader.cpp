@@ -46,6 +46,8 @@ private slots:
     void missingData_data();
     void missingData();
     void properties();
+    void lineBreaksInPropertyTexts_data();
+    void lineBreaksInPropertyTexts();
     void updateRate_data();
     void updateRate();
     void nanAndInfinityLiterals();
@@ -814,6 +816,61 @@ void tst_RecordingReader::samplesAreReadOneAtATime()
     QVERIFY(!reader.hasError());
     QCOMPARE(count, 20000);
     QVERIFY(!reader.readNext());
+}
+
+void tst_RecordingReader::lineBreaksInPropertyTexts_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QByteArray>("text"); // as the JSON text writes it
+    QTest::addColumn<bool>("refused");
+
+    for (const char *key : {"StartTime", "FilterProfile", "FilterProfileVersion",
+                            "FilterProfileType", "OptionFlags", "FirmwareVersion"}) {
+        QTest::addRow("a line feed in %s, a header line, is refused", key)
+            << key << QByteArray("a\\nb") << true;
+        QTest::addRow("a carriage return in %s, a header line, is refused", key)
+            << key << QByteArray("a\\r") << true;
+        QTest::addRow("a NUL in %s, a header line, is refused", key)
+            << key << QByteArray("\\u0000") << true;
+    }
+    QTest::newRow("a line feed in a free text is kept")
+        << "Notes" << QByteArray("walked\\nthen ran") << false;
+    QTest::newRow("line ends and a NUL in a free text are kept")
+        << "Notes" << QByteArray("\\r\\n\\u0000") << false;
+    QTest::newRow("a line feed in a device id is kept for the file name to judge")
+        << "DeviceId" << QByteArray("01\\n23") << false;
+}
+
+void tst_RecordingReader::lineBreaksInPropertyTexts()
+{
+    QFETCH(QString, key);
+    QFETCH(QByteArray, text);
+    QFETCH(bool, refused);
+
+    QTemporaryDir dir;
+    QFile file(dir.filePath(QStringLiteral("rec.jsonl")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("{\"properties\": {\"" + key.toUtf8() + "\": \"" + text
+               + "\"}}\n{\"packetCounter\": 1}\n");
+    file.close();
+    RecordingReader reader;
+    if (refused) {
+        QVERIFY(!reader.open(file.fileName()));
+        QCOMPARE(reader.errorString(),
+                 file.fileName()
+                     + QStringLiteral(":1: \"properties.%1\": the text holds a line break or a "
+                                      "NUL character")
+                           .arg(key));
+        return;
+    }
+    QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
+    QString expected = QString::fromLatin1(text);
+    expected.replace(QLatin1String("\\n"), QLatin1String("\n"))
+        .replace(QLatin1String("\\r"), QLatin1String("\r"))
+        .replace(QLatin1String("\\u0000"), QString(QChar(0)));
+    QCOMPARE(reader.property(key), QVariant(expected));
+    QVERIFY(reader.readNext());
+    QCOMPARE(reader.sample().packetCounter, quint16(1));
 }
 
 void tst_RecordingReader::badLines_data()
