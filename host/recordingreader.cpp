@@ -164,9 +164,8 @@ bool RecordingReader::nextContentLine()
 // Parses the current line, which must hold a JSON object.
 bool RecordingReader::parseLine()
 {
-    line.assign(text);
     QString what;
-    if (!tape.parse(line, &what))
+    if (!tape.parse(text, &what))
         return fail(what);
     if (!tape.root().isObject())
         return fail(

@@ -12,7 +12,6 @@
 #include <QVariantMap>
 
 #include <memory>
-#include <string>
 #include <string_view>
 
 /**
@@ -81,9 +80,8 @@ private:
     QFile file;
     QIODevice *device = nullptr;
     std::unique_ptr<LineReader> lines;
-    // The current line, and a copy of it that the tape parses in place.
+    // The current line.
     std::string_view text;
-    std::string line;
     JsonTape tape;
     SampleReader sampleReader;
     QString error;

@@ -1,6 +1,7 @@
 #include "recordingreader.h"
 #include "recordmembertables.h"
 
+#include <numbertexts.h>
 #include <samplelines.h>
 
 #include <QFile>
@@ -8,6 +9,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -51,6 +53,8 @@ private slots:
     void updateRate_data();
     void updateRate();
     void nanAndInfinityLiterals();
+    void longNumbersAsStrtodReadsThem_data();
+    void longNumbersAsStrtodReadsThem();
     void acceptedLimits_data();
     void acceptedLimits();
     void everyFieldAtAndPastItsRange_data();
@@ -423,6 +427,62 @@ void tst_RecordingReader::nanAndInfinityLiterals()
     QCOMPARE(s.calibratedAcceleration.at(2), -std::numeric_limits<double>::infinity());
     QVERIFY(!s.orientationQuaternion.isEmpty());
     QVERIFY(std::isnan(s.orientationQuaternion[0]));
+}
+
+void tst_RecordingReader::longNumbersAsStrtodReadsThem_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("place");
+    for (const int zeros : {65536, 655359, 655360, 655361, 1000000, 1500000}) {
+        for (const NumberTexts::LongText &number : NumberTexts::longTexts(zeros)) {
+            for (const char *place : {"a property", "the update rate", "a sample"}) {
+                QTest::addRow("%s, in %s", qPrintable(number.name), place)
+                    << QByteArray::fromStdString(number.text) << place;
+            }
+        }
+    }
+}
+
+// However long a number, in the recording object or a sample, it is read as
+// strtod reads it, bit for bit.
+void tst_RecordingReader::longNumbersAsStrtodReadsThem()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, place);
+    const auto bits = [](double value) {
+        quint64 word;
+        std::memcpy(&word, &value, sizeof word);
+        return word;
+    };
+    const quint64 expected =
+        bits(NumberTexts::byStrtod(std::string_view(text.constData(), std::size_t(text.size()))));
+
+    QTemporaryDir dir;
+    QFile file(dir.filePath(QStringLiteral("long.jsonl")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    if (place == QLatin1String("a property"))
+        file.write("{\"properties\": {\"Scale\": " + text + "}}\n");
+    else if (place == QLatin1String("the update rate"))
+        file.write("{\"properties\": {}, \"updateRate\": " + text + "}\n");
+    else
+        file.write(header + "{\"temperature\": " + text + ", \"calibratedAcceleration\": [1, "
+                   + text + ", 2]}\n");
+    file.close();
+    RecordingReader reader;
+    QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
+    if (place == QLatin1String("a property")) {
+        QCOMPARE(reader.property(QStringLiteral("Scale")).userType(), int(QMetaType::Double));
+        QCOMPARE(bits(reader.property(QStringLiteral("Scale")).toDouble()), expected);
+    } else if (place == QLatin1String("the update rate")) {
+        QCOMPARE(bits(reader.updateRate()), expected);
+    } else {
+        QVERIFY2(reader.readNext(), qPrintable(reader.errorString()));
+        QCOMPARE(bits(reader.sample().temperature), expected);
+        QCOMPARE(reader.sample().calibratedAcceleration.size(), 3);
+        QCOMPARE(bits(reader.sample().calibratedAcceleration.at(1)), expected);
+    }
+    QVERIFY(!reader.readNext());
+    QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
 }
 
 void tst_RecordingReader::acceptedLimits_data()
