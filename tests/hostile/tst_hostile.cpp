@@ -327,17 +327,19 @@ void tst_Hostile::unreadableRecording()
 {
     writeFile(path("locked.jsonl"), smallRecording);
     QVERIFY(QFile::setPermissions(path("locked.jsonl"), QFileDevice::WriteOwner));
-    QStringList arguments{"export", "--quiet", "--output-dir", dir->path(), path("locked.jsonl")};
+    // Named from this test's folder, which the program may not enter from outside.
+    QStringList arguments{"export", "--quiet", "--output-dir", ".", "locked.jsonl"};
     QString command = program;
     QString why;
-    if (!FileModes::obeyed(&command, &arguments, &why))
+    if (!FileModes::obeyed(FileModes::Refused::ReadingAndWriting, &command, &arguments, &why))
         QSKIP(qPrintable(why));
     QProcess process;
+    process.setWorkingDirectory(dir->path());
     process.start(command, arguments);
     QVERIFY(process.waitForFinished(60000));
     QCOMPARE(process.exitCode(), 1);
     QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
-             path("locked.jsonl") + QStringLiteral(": cannot be read: Permission denied\n"));
+             QStringLiteral("locked.jsonl: cannot be read: Permission denied\n"));
     QCOMPARE(files(), QStringList{"locked.jsonl"});
 }
 
