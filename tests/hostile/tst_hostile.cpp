@@ -36,6 +36,8 @@ private slots:
     void lastLineWithoutLineEnd();
     void recordingIsAFolder();
     void unreadableRecording();
+    void unreadableSettings_data();
+    void unreadableSettings();
     void nonAsciiTextsAreUtf8InEveryLocale_data();
     void nonAsciiTextsAreUtf8InEveryLocale();
     void unusualTexts_data();
@@ -341,6 +343,54 @@ void tst_Hostile::unreadableRecording()
     QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
              QStringLiteral("locked.jsonl: cannot be read: Permission denied\n"));
     QCOMPARE(files(), QStringList{"locked.jsonl"});
+}
+
+void tst_Hostile::unreadableSettings_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<bool>("folder");
+    QTest::addColumn<QString>("reason");
+    for (const char *command : {"settings", "export", "info"}) {
+        QTest::addRow("%s with a settings file it may not read", command)
+            << command << false << "Permission denied";
+        QTest::addRow("%s with a folder for a settings file", command)
+            << command << true << "Is a directory";
+    }
+}
+
+// The settings are the user's choices: an export without them would not be
+// what was asked for, so it stops, with the system's reason.
+void tst_Hostile::unreadableSettings()
+{
+    QFETCH(QString, command);
+    QFETCH(bool, folder);
+    QFETCH(QString, reason);
+
+    writeFile(path("small.jsonl"), smallRecording);
+    if (folder) {
+        QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("locked.ini")));
+    } else {
+        writeFile(path("locked.ini"), "[General]\nexportPacketCounter=false\n");
+        QVERIFY(QFile::setPermissions(path("locked.ini"), QFileDevice::Permissions()));
+    }
+    QStringList arguments{command, "--settings", "locked.ini"};
+    if (command == QLatin1String("export"))
+        arguments += QStringList{"--quiet", "small.jsonl"};
+    QString program = ::program;
+    QString why;
+    if (!FileModes::obeyed(FileModes::Refused::ReadingAndWriting, &program, &arguments, &why))
+        QSKIP(qPrintable(why));
+    QProcess process;
+    process.setWorkingDirectory(dir->path());
+    process.start(program, arguments);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+             QStringLiteral("locked.ini: the settings cannot be read: ") + reason
+                 + QLatin1Char('\n'));
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(files(),
+             (folder ? QStringList{"small.jsonl"} : QStringList{"locked.ini", "small.jsonl"}));
 }
 
 void tst_Hostile::nonAsciiTextsAreUtf8InEveryLocale_data()
