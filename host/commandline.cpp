@@ -10,9 +10,40 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QStandardPaths>
 
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace Commands {
+
+namespace {
+
+// The system's reason why the settings file @p fileName cannot be read, or
+// an empty text when the system sees none. Opened without waiting for a
+// writer, should it be a FIFO.
+QString unreadableReason(const QString &fileName)
+{
+    const int descriptor =
+        ::open(QFile::encodeName(fileName).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return QString::fromLocal8Bit(std::strerror(errno));
+    struct stat status;
+    const bool known = ::fstat(descriptor, &status) == 0;
+    ::close(descriptor);
+    if (known && S_ISDIR(status.st_mode))
+        return QString::fromLocal8Bit(std::strerror(EISDIR));
+    if (known && !S_ISREG(status.st_mode))
+        return tr("not a regular file");
+    return QString();
+}
+
+} // namespace
 
 QString tr(const char *text)
 {
@@ -129,7 +160,10 @@ bool loadPlugin(PluginHost &host, const QString &settings)
         return true;
     QStringList problems;
     if (!host.factory()->settings()->load(settings, &problems)) {
-        printError(tr("%1: the settings cannot be read").arg(settings));
+        const QString reason = unreadableReason(settings);
+        printError(reason.isEmpty()
+                       ? tr("%1: the settings cannot be read").arg(settings)
+                       : tr("%1: the settings cannot be read: %2").arg(settings, reason));
         return false;
     }
     for (const QString &problem : qAsConst(problems))

@@ -8,6 +8,7 @@
 #include "recordinggenerator.h"
 #include "recordinginput.h"
 #include "recordingreport.h"
+#include "samefile.h"
 #include "samplereader.h"
 #include "settingsdialog.h"
 #include "ubxgenerator.h"
@@ -280,6 +281,17 @@ int convert(const QStringList &arguments)
         return usageError(command, tr("--output is required"));
 
     const QString log = localFilePath(parser.positionalArguments().first());
+    const QString fileName = localFilePath(parser.value(output));
+    if (fileName.isEmpty())
+        return usageError(command, tr("--output takes a file name, or - for standard output"));
+    // The log is read while its conversion is written: whichever name leads
+    // to it, writing there would lose it.
+    const bool toStandardOutput = fileName == OutputFile::standardOutputName();
+    if (isSameFile(log, toStandardOutput ? QStringLiteral("/dev/stdout") : fileName)) {
+        printError(tr("%1: the output file is the log %2 itself")
+                       .arg(toStandardOutput ? tr("(standard output)") : fileName, log));
+        return 1;
+    }
     RecordingInput input;
     if (!input.open(log)) {
         printError(input.errorString());
@@ -289,9 +301,6 @@ int convert(const QStringList &arguments)
         printError(tr("%1: is not a UBX log").arg(log));
         return 1;
     }
-    const QString fileName = localFilePath(parser.value(output));
-    if (fileName.isEmpty())
-        return usageError(command, tr("--output takes a file name, or - for standard output"));
     status =
         writeOutput(fileName, [&](QIODevice *device, const QString &shownName, QString *message) {
             QString error;

@@ -51,9 +51,11 @@ bool belowOne(std::string_view text)
         const bool negative = *p == '-';
         if (*p == '-' || *p == '+')
             ++p;
-        // Saturated: beyond a million the sign alone decides.
+        // Saturated beyond the digits' own magnitude, which the text's length
+        // bounds: from there on the sign alone decides.
+        const long limit = long(text.size()) + 1;
         for (; p != end; ++p)
-            exponent = std::min(exponent * 10 + (*p - '0'), 1000000L);
+            exponent = std::min(exponent * 10 + (*p - '0'), limit);
         if (negative)
             exponent = -exponent;
     }

@@ -1,8 +1,12 @@
 #include "jsontape.h"
 
+#include "jsonnumber.h"
+
 #include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace {
@@ -101,7 +105,104 @@ private:
     bool exceeded = false;
 };
 
-bool JsonTape::parse(std::string &text, QString *error)
+namespace {
+
+// Where a number stands in a text.
+struct Span
+{
+    std::size_t start;
+    std::size_t size;
+};
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// The numbers of @p text that the parser refuses as too big although their
+// value is a finite double: it gives up on an integer part of more than 308
+// digits, and on an exponent beyond 308 less the digits after the point,
+// whatever the other digits make of it ("1" and 400 zeros "e-400" is 1).
+// Found by a scan of their own, outside strings; texts that are no JSON
+// numbers are left to the parser.
+std::vector<Span> finiteNumbersTooBigForTheParser(std::string_view text)
+{
+    std::vector<Span> spans;
+    const std::size_t size = text.size();
+    std::size_t i = 0;
+    while (i < size) {
+        const char c = text[i];
+        if (c == '"') {
+            for (++i; i < size && text[i] != '"'; ++i) {
+                if (text[i] == '\\')
+                    ++i;
+            }
+            ++i;
+            continue;
+        }
+        if (c != '-' && !isDigit(c)) {
+            ++i;
+            continue;
+        }
+        const std::size_t start = i;
+        if (text[i] == '-')
+            ++i;
+        const std::size_t integerStart = i;
+        while (i < size && isDigit(text[i]))
+            ++i;
+        const std::size_t integerDigits = i - integerStart;
+        bool valid = integerDigits == 1 || (integerDigits > 1 && text[integerStart] != '0');
+        if (i < size && text[i] == '.') {
+            const std::size_t fractionStart = ++i;
+            while (i < size && isDigit(text[i]))
+                ++i;
+            valid = valid && i > fractionStart;
+        }
+        bool bigExponent = false;
+        if (i < size && (text[i] == 'e' || text[i] == 'E')) {
+            ++i;
+            const bool negative = i < size && text[i] == '-';
+            if (i < size && (text[i] == '-' || text[i] == '+'))
+                ++i;
+            const std::size_t exponentStart = i;
+            long exponent = 0;
+            for (; i < size && isDigit(text[i]); ++i)
+                exponent = std::min(exponent * 10 + (text[i] - '0'), 1000L);
+            valid = valid && i > exponentStart;
+            bigExponent = !negative && exponent > 308;
+        }
+        const std::string_view number = text.substr(start, i - start);
+        if (valid && (integerDigits > 308 || bigExponent)
+            && std::isfinite(JsonNumber::toDouble(number)))
+            spans.push_back({start, number.size()});
+    }
+    return spans;
+}
+
+struct Outcome
+{
+    rapidjson::ParseErrorCode code;
+    std::size_t offset;
+    bool tooDeep;
+};
+
+// Parses @p copy in place into @p tokens.
+Outcome parseInPlace(std::string &copy, bool ascii, std::vector<JsonTape::Token> &tokens)
+{
+    tokens.clear();
+    rapidjson::Reader reader;
+    rapidjson::InsituStringStream stream(copy.data());
+    TapeBuilder builder(tokens);
+    if (ascii)
+        reader.Parse<fastFlags>(stream, builder);
+    else
+        reader.Parse<validatingFlags>(stream, builder);
+    return {reader.GetParseErrorCode(), reader.GetErrorOffset(), builder.tooDeep()};
+}
+
+} // namespace
+
+bool JsonTape::parse(std::string_view text, QString *error)
 {
     tokens.clear();
     // memchr looks for the terminator; it needs none.
@@ -111,22 +212,31 @@ bool JsonTape::parse(std::string &text, QString *error)
             error,
             tr("NUL byte at column %1").arg(static_cast<const char *>(nul) - text.data() + 1));
     const bool ascii = isAscii(text.data(), text.size());
-    text.append(continuationBytes, '\0');
+    copy.assign(text);
+    copy.append(continuationBytes, '\0');
+    Outcome outcome = parseInPlace(copy, ascii, tokens);
 
-    rapidjson::Reader reader;
-    rapidjson::InsituStringStream stream(text.data());
-    TapeBuilder builder(tokens);
-    if (ascii)
-        reader.Parse<fastFlags>(stream, builder);
-    else
-        reader.Parse<validatingFlags>(stream, builder);
-    if (builder.tooDeep())
+    if (outcome.code == rapidjson::kParseErrorNumberTooBig) {
+        // The parser judges the size of a number by a few of its digits; each
+        // number it refused, but whose value is finite, is parsed as a zero of
+        // the same length, and gets its own digits back for the reader.
+        const std::vector<Span> spans = finiteNumbersTooBigForTheParser(text);
+        if (!spans.empty()) {
+            copy.assign(text);
+            copy.append(continuationBytes, '\0');
+            for (const Span &span : spans)
+                copy.replace(span.start, span.size, "0." + std::string(span.size - 2, '0'));
+            outcome = parseInPlace(copy, ascii, tokens);
+            for (const Span &span : spans)
+                copy.replace(span.start, span.size, text.substr(span.start, span.size));
+        }
+    }
+    if (outcome.tooDeep)
         return fail(error, tr("lists and objects nested deeper than %1 levels").arg(maxNesting));
-    if (reader.HasParseError())
-        return fail(
-            error,
-            tr("malformed JSON at column %1: %2")
-                .arg(reader.GetErrorOffset() + 1)
-                .arg(QString::fromLatin1(rapidjson::GetParseError_En(reader.GetParseErrorCode()))));
+    if (outcome.code != rapidjson::kParseErrorNone)
+        return fail(error,
+                    tr("malformed JSON at column %1: %2")
+                        .arg(outcome.offset + 1)
+                        .arg(QString::fromLatin1(rapidjson::GetParseError_En(outcome.code))));
     return true;
 }

@@ -11,10 +11,10 @@
 /**
  * One JSON text parsed into a flat list of tokens, in document order: each
  * list or object is followed by its entries, each object member by its key
- * token and then its value. Strings and numbers are not copied: they point
- * into the parsed text, which parse() rewrites in place (strings unescaped)
- * and which must outlive the tape's values. Numbers are kept as their text,
- * so that the reader converts each one exactly, to the type its field has.
+ * token and then its value. Strings and numbers point into the tape's own
+ * copy of the text, which the parse rewrites in place (strings unescaped).
+ * Numbers are kept as their text, so that the reader converts each one
+ * exactly, to the type its field has, whatever its number of digits.
  *
  * The tape keeps its memory from one parse to the next: parsing line after
  * line allocates nothing once the longest line has been seen.
@@ -46,19 +46,19 @@ public:
      * Parses the JSON text in @p text (NUL bytes are refused), which must be
      * a whole JSON value and nothing else. Besides standard JSON the bare
      * literals NaN, Infinity and -Infinity are numbers. Returns false with
-     * @p error set when the text is not JSON, holds invalid UTF-8 in a string
-     * or nests too deep.
-     *
-     * @p text is changed in place and gets a few bytes of padding after its
-     * end; its data must not move while the tape's values are in use.
+     * @p error set when the text is not JSON, holds invalid UTF-8 in a string,
+     * nests too deep or holds a number whose value lies beyond the largest
+     * double. The tape's values stay valid until the next parse.
      */
-    bool parse(std::string &text, QString *error);
+    bool parse(std::string_view text, QString *error);
 
     /** The parsed value: the root of the text. */
     Value root() const;
 
 private:
     std::vector<Token> tokens;
+    // The text as parsed in place, with padding after it.
+    std::string copy;
 };
 
 /** A view of one value on a tape, as cheap to copy as a pointer. */

@@ -37,8 +37,10 @@ const char overview[] =
 int main(int argc, char *argv[])
 {
     pinLocalTimeZone();
-    // A reader that closes a pipe early is a failed write, not a crash.
+    // A reader that closes a pipe early is a failed write, not a crash; so is
+    // a write past the file size limit, which then fails with "File too large".
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     const QString command = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
     bool help = false;
     for (int i = 2; i < argc; ++i)

@@ -4,9 +4,12 @@
 #include <QSaveFile>
 
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <type_traits>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,6 +45,60 @@ int reasonNotWritable(const QString &fileName)
     return 0;
 }
 
+// @p text as a number written the way the system writes it (no sign, no
+// leading zero), or -1.
+int plainNumber(const QByteArray &text)
+{
+    bool ok = false;
+    const int number = text.toInt(&ok);
+    return ok && number >= 0 && QByteArray::number(number) == text ? number : -1;
+}
+
+// Whether @p folder, a canonical path, is this process's folder of open
+// descriptors: /proc/PID/fd, or /proc/PID/task/TID/fd of one of its threads,
+// which share the descriptors (/proc/thread-self/fd leads there).
+bool isOwnDescriptorFolder(const QByteArray &folder)
+{
+    const QByteArray process = "/proc/" + QByteArray::number(::getpid());
+    if (folder == process + "/fd")
+        return true;
+    const QByteArray tasks = process + "/task/";
+    return folder.startsWith(tasks) && folder.endsWith("/fd")
+        && plainNumber(folder.mid(tasks.size(), folder.size() - tasks.size() - 3)) > 0;
+}
+
+// The open descriptor that @p fileName names in this process's folder of
+// descriptors (/dev/stdout, /dev/fd/N, /proc/self/fd/N, or a link that leads
+// to one), or -1. The links are followed one at a time: the last one leads to
+// the file behind the descriptor, whose offset and append mode would be lost
+// if the file were opened by its name.
+int descriptorNamed(const QString &fileName)
+{
+    QByteArray name = QFile::encodeName(fileName);
+    // No more links than the system follows in one name.
+    for (int links = 0; links <= 40; ++links) {
+        const int slash = name.lastIndexOf('/');
+        const QByteArray folder = slash < 0 ? QByteArray(".") : name.left(qMax(slash, 1));
+        const QByteArray last = name.mid(slash + 1);
+        char canonical[PATH_MAX];
+        if (!::realpath(folder.constData(), canonical))
+            return -1;
+        // The root is "/"; every other canonical folder ends without one.
+        const QByteArray base = qstrcmp(canonical, "/") == 0 ? QByteArray() : QByteArray(canonical);
+        const int descriptor = plainNumber(last);
+        if (descriptor >= 0 && isOwnDescriptorFolder(base) && ::fcntl(descriptor, F_GETFD) != -1)
+            return descriptor;
+        const QByteArray link = base + '/' + last;
+        char target[PATH_MAX];
+        const ssize_t length = ::readlink(link.constData(), target, sizeof target);
+        if (length <= 0 || length == ssize_t(sizeof target))
+            return -1;
+        name = target[0] == '/' ? QByteArray(target, int(length))
+                                : base + '/' + QByteArray(target, int(length));
+    }
+    return -1;
+}
+
 } // namespace
 
 // What the checked devices share: the first failure, as errno.
@@ -61,7 +118,7 @@ class OutputFile::Checked : public File, public OutputFile::Device
 public:
     using File::File;
 
-    // The file descriptor to write instead of the named file; standard output.
+    // The open file descriptor to write instead of the named file.
     int descriptor = -1;
 
     bool open(QIODevice::OpenMode mode) override
@@ -109,9 +166,15 @@ private:
 OutputFile::OutputFile(const QString &fileName)
     : fileName(fileName)
 {
-    if (fileName == standardOutputName()) {
+    // Standard output and the names of open descriptors are written where
+    // their descriptor stands, as a shell's ">>" left it, never replaced.
+    const int descriptor =
+        fileName == standardOutputName() ? STDOUT_FILENO : descriptorNamed(fileName);
+    if (descriptor >= 0) {
         auto *output = new Checked<QFile>;
-        output->descriptor = STDOUT_FILENO;
+        if (fileName != standardOutputName())
+            output->setFileName(fileName);
+        output->descriptor = descriptor;
         file.reset(output);
         return;
     }

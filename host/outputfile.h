@@ -13,7 +13,10 @@ class QFileDevice;
  * A regular file, or one that does not exist yet, is written under no name
  * and takes its name only in commit(): a failed run keeps an older file of
  * that name and leaves no partial one. A pipe or a device is written
- * directly and never replaced. "-" is standard output.
+ * directly and never replaced. "-" is standard output; a name of an open
+ * descriptor of this process (/dev/stdout, /dev/fd/N, /proc/self/fd/N, or a
+ * link that leads to one) is written through that descriptor, as the shell
+ * opened it, whatever file lies behind it.
  *
  * Writes go straight to the system and a partial write is carried on, so
  * the first failure (a full disk, a file size limit, a closed pipe) is never

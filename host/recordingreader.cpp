@@ -5,6 +5,9 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+#include <iterator>
+
 static_assert(LineReader::padding >= SampleReader::padding, "lines are read where they stand");
 
 namespace {
@@ -17,6 +20,20 @@ bool isBlank(std::string_view line)
 QString fromUtf8(std::string_view bytes)
 {
     return QString::fromUtf8(bytes.data(), int(bytes.size()));
+}
+
+// The properties that the exported file's header block shows, one comment
+// line each: a line break there would end the line and start one of the
+// text's own.
+constexpr std::string_view headerProperties[] = {
+    "StartTime",         "FilterProfile", "FilterProfileVersion",
+    "FilterProfileType", "OptionFlags",   "FirmwareVersion",
+};
+
+bool isHeaderProperty(std::string_view key)
+{
+    return std::find(std::begin(headerProperties), std::end(headerProperties), key)
+        != std::end(headerProperties);
 }
 
 } // namespace
@@ -147,9 +164,8 @@ bool RecordingReader::nextContentLine()
 // Parses the current line, which must hold a JSON object.
 bool RecordingReader::parseLine()
 {
-    line.assign(text);
     QString what;
-    if (!tape.parse(line, &what))
+    if (!tape.parse(text, &what))
         return fail(what);
     if (!tape.root().isObject())
         return fail(
@@ -200,9 +216,9 @@ bool RecordingReader::readRecordingObject()
                     break;
                 case JsonTape::Kind::String:
                 case JsonTape::Kind::Key:
-                    // A line break would end the header line the text is shown in.
-                    if (value.text().find_first_of(std::string_view("\r\n\0", 3))
-                        != std::string_view::npos)
+                    if (isHeaderProperty(property.key)
+                        && value.text().find_first_of(std::string_view("\r\n\0", 3))
+                            != std::string_view::npos)
                         return fail(
                             tr("\"properties.%1\": the text holds a line break or a NUL character")
                                 .arg(key));

@@ -12,7 +12,6 @@
 #include <QVariantMap>
 
 #include <memory>
-#include <string>
 #include <string_view>
 
 /**
@@ -27,8 +26,10 @@
  *
  * A bad line stops the reading: errorString() then reads
  * "FILE:LINE: what is wrong". A bad sample line can be passed over with
- * skipBadLine(). Property texts hold no line breaks and no NUL: they end up
- * in the comment lines of the exported file.
+ * skipBadLine(). The texts of the properties that the exported file's
+ * comment lines show (StartTime, FilterProfile, FilterProfileVersion,
+ * FilterProfileType, OptionFlags, FirmwareVersion) hold no line break and no
+ * NUL; any other property keeps any text.
  */
 class RecordingReader : public AbstractRecordingReader
 {
@@ -79,9 +80,8 @@ private:
     QFile file;
     QIODevice *device = nullptr;
     std::unique_ptr<LineReader> lines;
-    // The current line, and a copy of it that the tape parses in place.
+    // The current line.
     std::string_view text;
-    std::string line;
     JsonTape tape;
     SampleReader sampleReader;
     QString error;

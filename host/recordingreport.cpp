@@ -18,6 +18,36 @@ QString countRow(const QString &label, qint64 count)
     return row(label, QString::number(count));
 }
 
+// A property's text on its one row: a text with a line break or a NUL is
+// shown in quotes, with those, quotes and backslashes written as C escapes.
+QString shownText(const QString &text)
+{
+    if (!text.contains(QLatin1Char('\n')) && !text.contains(QLatin1Char('\r'))
+        && !text.contains(QChar(0)))
+        return text;
+    QString shown = QStringLiteral("\"");
+    for (const QChar c : text) {
+        switch (c.unicode()) {
+        case '\n':
+            shown += QLatin1String("\\n");
+            break;
+        case '\r':
+            shown += QLatin1String("\\r");
+            break;
+        case 0:
+            shown += QLatin1String("\\0");
+            break;
+        case '"':
+        case '\\':
+            shown += QLatin1Char('\\') + c;
+            break;
+        default:
+            shown += c;
+        }
+    }
+    return shown + QLatin1Char('"');
+}
+
 } // namespace
 
 bool RecordingReport::describe(RecordingInput &input, const QString &name, QStringList *lines,
@@ -85,6 +115,6 @@ bool RecordingReport::describe(RecordingInput &input, const QString &name, QStri
     lines->append(row(tr("Update rate"), rate != 0.0 ? tr("%1 Hz").arg(rate) : tr("not known")));
     const QVariantMap properties = input.properties();
     for (auto property = properties.cbegin(); property != properties.cend(); ++property)
-        lines->append(row(property.key(), property.value().toString()));
+        lines->append(row(property.key(), shownText(property.value().toString())));
     return true;
 }

@@ -485,6 +485,8 @@ QStringList SampleReader::keys()
 
 bool SampleReader::readFast(const char *text, std::size_t length, RecordingSample &sample)
 {
+    if (length > longestFastLine)
+        return false;
     simdjson::ondemand::document document;
     simdjson::ondemand::value root;
     if (onDemand->parser.iterate(text, length, length + padding).get(document)

@@ -31,6 +31,14 @@ class SampleReader
 public:
     /** Bytes that must be readable after the end of a line given to readFast(). */
     static constexpr std::size_t padding = 64;
+    /**
+     * The longest line readFast() takes. simdjson reads a number of many
+     * digits its slow way, which reads an exponent of 655,360 or more as
+     * about 65,536: only a number whose digits move its point by some 65,000
+     * places comes out wrong by that ("0." 655,359 zeros "1e655360" as 0,
+     * not 1), and no line shorter than this holds one.
+     */
+    static constexpr std::size_t longestFastLine = 60000;
 
     SampleReader();
     ~SampleReader();
@@ -41,8 +49,9 @@ public:
     /**
      * Reads the line @p text of @p length bytes, followed by at least
      * `padding` readable bytes. Returns false when the line is not one it can
-     * take with certainty; @p sample then holds a mix of old and new data,
-     * and the line must be read with read().
+     * take with certainty, or is longer than `longestFastLine`; @p sample
+     * then holds a mix of old and new data, and the line must be read with
+     * read().
      */
     bool readFast(const char *text, std::size_t length, RecordingSample &sample);
 

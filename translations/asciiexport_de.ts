@@ -385,6 +385,18 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <source>%1 recordings</source>
         <translation>%1 Aufzeichnungen</translation>
     </message>
+    <message>
+        <source>%1: the output file is the log %2 itself</source>
+        <translation>%1: Die Ausgabedatei ist das Log %2 selbst</translation>
+    </message>
+    <message>
+        <source>not a regular file</source>
+        <translation>keine reguläre Datei</translation>
+    </message>
+    <message>
+        <source>%1: the settings cannot be read: %2</source>
+        <translation>%1: Die Einstellungen können nicht gelesen werden: %2</translation>
+    </message>
 </context>
 <context>
     <name>ExportJob</name>

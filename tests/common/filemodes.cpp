@@ -4,7 +4,7 @@
 
 #include <unistd.h>
 
-bool FileModes::obeyed(QString *command, QStringList *arguments, QString *why)
+bool FileModes::obeyed(Refused refused, QString *command, QStringList *arguments, QString *why)
 {
     if (::geteuid() != 0)
         return true;
@@ -14,7 +14,9 @@ bool FileModes::obeyed(QString *command, QStringList *arguments, QString *why)
                               "over file modes");
         return false;
     }
-    const QString dropped = QStringLiteral("-dac_override,-dac_read_search");
+    const QString dropped = refused == Refused::Writing
+        ? QStringLiteral("-dac_override")
+        : QStringLiteral("-dac_override,-dac_read_search");
     *arguments =
         QStringList{"--inh-caps=" + dropped, "--bounding-set=" + dropped, *command} + *arguments;
     *command = setpriv;

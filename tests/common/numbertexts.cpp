@@ -204,8 +204,37 @@ double expected(std::string_view text)
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
     if (result.ec != std::errc::result_out_of_range)
         return value;
+    return byStrtod(text);
+}
+
+double byStrtod(std::string_view text)
+{
     static const locale_t c = newlocale(LC_ALL_MASK, "C", locale_t(0));
     return strtod_l(std::string(text).c_str(), nullptr, c);
+}
+
+QVector<LongText> longTexts(int zeros)
+{
+    const std::string n(std::size_t(zeros), '0');
+    const auto exponent = [zeros](int offset) { return std::to_string(zeros + offset); };
+    std::string digits;
+    digits.reserve(std::size_t(zeros));
+    while (digits.size() < std::size_t(zeros))
+        digits += "142857";
+    digits.resize(std::size_t(zeros));
+    const QString of = QStringLiteral(" in %1 digits").arg(zeros);
+    return {
+        {"one as a long fraction" + of, "0." + n.substr(1) + "1e" + exponent(0)},
+        {"one as a long integer" + of, "1" + n + "e-" + exponent(0)},
+        {"minus one as a long fraction" + of, "-0." + n.substr(1) + "1E+" + exponent(0)},
+        {"minus one as a long integer" + of, "-1" + n + "e-" + exponent(0)},
+        {"the largest double" + of, "0." + n.substr(1) + "17976931348623157e" + exponent(308)},
+        {"just beyond the largest double" + of, "0." + n.substr(1) + "18e" + exponent(308)},
+        {"the smallest subnormal" + of, "5" + n + "e-" + exponent(324)},
+        {"minus the smallest subnormal, rounded up" + of, "-4" + n + "e-" + exponent(324)},
+        {"far below the smallest subnormal" + of, "1" + n + "e-" + exponent(400)},
+        {"a fraction of as many significant digits" + of, "0." + digits + "e1"},
+    };
 }
 
 } // namespace NumberTexts

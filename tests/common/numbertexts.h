@@ -53,4 +53,21 @@ private:
  */
 double expected(std::string_view text);
 
+/** The double strtod reads @p text as, in the C locale. */
+double byStrtod(std::string_view text);
+
+/** A number text and what it stands for, as a row name. */
+struct LongText
+{
+    QString name;
+    std::string text;
+};
+
+/**
+ * Numbers with @p zeros zeros or digits in their integer part or fraction,
+ * whose exponent brings them back into the range of doubles, to its ends
+ * and beyond: "0." 655,359 zeros "1e655360" is 1.
+ */
+QVector<LongText> longTexts(int zeros);
+
 } // namespace NumberTexts

@@ -36,6 +36,8 @@ private slots:
     void lastLineWithoutLineEnd();
     void recordingIsAFolder();
     void unreadableRecording();
+    void unreadableSettings_data();
+    void unreadableSettings();
     void nonAsciiTextsAreUtf8InEveryLocale_data();
     void nonAsciiTextsAreUtf8InEveryLocale();
     void unusualTexts_data();
@@ -46,6 +48,7 @@ private slots:
     void endlessPipeStopsBeforeTheTemporaryFolderIsFull();
     void fileSizeLimit_data();
     void fileSizeLimit();
+    void fileSizeLimitInABatch();
     void generateWritesIntoPipesAndDevices();
     void readerOfThePipeGoesAway();
     void outputThatCannotBeOpened_data();
@@ -56,6 +59,8 @@ private slots:
     void propertiesCannotMoveOrEmptyTheName_data();
     void propertiesCannotMoveOrEmptyTheName();
     void batchCannotReplaceItsOwnRecordings();
+    void convertCannotReplaceItsLog_data();
+    void convertCannotReplaceItsLog();
     void lineBreaksInPropertyTexts_data();
     void lineBreaksInPropertyTexts();
     void damagedPluginFiles_data();
@@ -325,18 +330,68 @@ void tst_Hostile::unreadableRecording()
 {
     writeFile(path("locked.jsonl"), smallRecording);
     QVERIFY(QFile::setPermissions(path("locked.jsonl"), QFileDevice::WriteOwner));
-    QStringList arguments{"export", "--quiet", "--output-dir", dir->path(), path("locked.jsonl")};
+    // Named from this test's folder, which the program may not enter from outside.
+    QStringList arguments{"export", "--quiet", "--output-dir", ".", "locked.jsonl"};
     QString command = program;
     QString why;
-    if (!FileModes::obeyed(&command, &arguments, &why))
+    if (!FileModes::obeyed(FileModes::Refused::ReadingAndWriting, &command, &arguments, &why))
         QSKIP(qPrintable(why));
     QProcess process;
+    process.setWorkingDirectory(dir->path());
     process.start(command, arguments);
     QVERIFY(process.waitForFinished(60000));
     QCOMPARE(process.exitCode(), 1);
     QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
-             path("locked.jsonl") + QStringLiteral(": cannot be read: Permission denied\n"));
+             QStringLiteral("locked.jsonl: cannot be read: Permission denied\n"));
     QCOMPARE(files(), QStringList{"locked.jsonl"});
+}
+
+void tst_Hostile::unreadableSettings_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<bool>("folder");
+    QTest::addColumn<QString>("reason");
+    for (const char *command : {"settings", "export", "info"}) {
+        QTest::addRow("%s with a settings file it may not read", command)
+            << command << false << "Permission denied";
+        QTest::addRow("%s with a folder for a settings file", command)
+            << command << true << "Is a directory";
+    }
+}
+
+// The settings are the user's choices: an export without them would not be
+// what was asked for, so it stops, with the system's reason.
+void tst_Hostile::unreadableSettings()
+{
+    QFETCH(QString, command);
+    QFETCH(bool, folder);
+    QFETCH(QString, reason);
+
+    writeFile(path("small.jsonl"), smallRecording);
+    if (folder) {
+        QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("locked.ini")));
+    } else {
+        writeFile(path("locked.ini"), "[General]\nexportPacketCounter=false\n");
+        QVERIFY(QFile::setPermissions(path("locked.ini"), QFileDevice::Permissions()));
+    }
+    QStringList arguments{command, "--settings", "locked.ini"};
+    if (command == QLatin1String("export"))
+        arguments += QStringList{"--quiet", "small.jsonl"};
+    QString program = ::program;
+    QString why;
+    if (!FileModes::obeyed(FileModes::Refused::ReadingAndWriting, &program, &arguments, &why))
+        QSKIP(qPrintable(why));
+    QProcess process;
+    process.setWorkingDirectory(dir->path());
+    process.start(program, arguments);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+             QStringLiteral("locked.ini: the settings cannot be read: ") + reason
+                 + QLatin1Char('\n'));
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(files(),
+             (folder ? QStringList{"small.jsonl"} : QStringList{"locked.ini", "small.jsonl"}));
 }
 
 void tst_Hostile::nonAsciiTextsAreUtf8InEveryLocale_data()
@@ -705,8 +760,8 @@ void tst_Hostile::fileSizeLimit()
     QCOMPARE(whole.status, 0);
     const qint64 size = QFileInfo(path("whole.txt")).size();
     const qint64 limitKib = lastWrite ? (size - 1) / 1024 : size / 2048;
-    const QString limit =
-        QStringLiteral("ulimit -f %1; trap '' XFSZ; exec \"$0\" \"$@\"").arg(limitKib);
+    // No trap of the shell's: the program itself must not die of the signal.
+    const QString limit = QStringLiteral("ulimit -f %1; exec \"$0\" \"$@\"").arg(limitKib);
 
     writeFile(path("x.txt"), "an older export\n");
     const Result result = runInShell(limit,
@@ -724,6 +779,24 @@ void tst_Hostile::fileSizeLimit()
     QVERIFY2(generated.err.endsWith("File too large\n"), generated.err.constData());
     QCOMPARE(generated.status, 1);
     QCOMPARE(readFile(path("x.txt")), QByteArray("an older export\n"));
+}
+
+// A file size limit stops the one export that reaches it; the next
+// recordings of the batch are exported all the same.
+void tst_Hostile::fileSizeLimitInABatch()
+{
+    writeFile(path("walk.jsonl"), walkRecording());
+    writeFile(path("small.jsonl"), smallRecording);
+    const QString limit = QStringLiteral("ulimit -f 8; exec \"$0\" \"$@\"");
+    const Result result =
+        runInShell(limit,
+                   {"export", "--settings", path("settings.ini"), "--quiet", "--output-dir",
+                    path("out"), path("walk.jsonl"), path("small.jsonl")});
+    QCOMPARE(QString::fromUtf8(result.err),
+             path("out/walk-001.txt") + QStringLiteral(": cannot be written: File too large\n"));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(QDir(path("out")).entryList(QDir::Files), QStringList{"small-002.txt"});
+    QCOMPARE(readFile(path("out/small-002.txt")), expectedExport(QStringLiteral("\t"), QString()));
 }
 
 void tst_Hostile::generateWritesIntoPipesAndDevices()
@@ -878,31 +951,110 @@ void tst_Hostile::batchCannotReplaceItsOwnRecordings()
     QCOMPARE(readFile(path("b.jsonl")), smallRecording);
 }
 
+void tst_Hostile::convertCannotReplaceItsLog_data()
+{
+    QTest::addColumn<QString>("output");
+    // What the shell opens before the program runs.
+    QTest::addColumn<QString>("redirection");
+    QTest::addColumn<QString>("shownName");
+    QTest::newRow("the log's own name") << "log.ubx" << QString() << "log.ubx";
+    QTest::newRow("a hard link to the log") << "hard.ubx" << QString() << "hard.ubx";
+    QTest::newRow("a symbolic link to the log") << "soft.ubx" << QString() << "soft.ubx";
+    QTest::newRow("a descriptor open on the log") << "/dev/fd/3"
+                                                  << "3>> log.ubx"
+                                                  << "/dev/fd/3";
+    QTest::newRow("standard output appending to the log") << "-"
+                                                          << ">> log.ubx"
+                                                          << "(standard output)";
+}
+
+void tst_Hostile::convertCannotReplaceItsLog()
+{
+    QFETCH(QString, output);
+    QFETCH(QString, redirection);
+    QFETCH(QString, shownName);
+
+    const QString plainRun = QStringLiteral("exec \"$0\" \"$@\"");
+    QCOMPARE(runInShell(plainRun,
+                        {"generate", "--format", "ubx", "--samples", "20", "-o", path("log.ubx")})
+                 .status,
+             0);
+    const QByteArray log = readFile(path("log.ubx"));
+    QVERIFY(QFile::link(QStringLiteral("log.ubx"), path("soft.ubx")));
+    QCOMPARE(::link(QFile::encodeName(path("log.ubx")).constData(),
+                    QFile::encodeName(path("hard.ubx")).constData()),
+             0);
+
+    const Result result =
+        runInShell(plainRun + QLatin1Char(' ') + redirection, {"convert", "log.ubx", "-o", output});
+    QCOMPARE(QString::fromUtf8(result.err),
+             shownName + QStringLiteral(": the output file is the log log.ubx itself\n"));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(readFile(path("log.ubx")), log);
+    QCOMPARE(files(), (QStringList{"hard.ubx", "log.ubx", "soft.ubx"}));
+}
+
 void tst_Hostile::lineBreaksInPropertyTexts_data()
 {
     QTest::addColumn<QByteArray>("property");
-    QTest::newRow("a forged comment line")
-        << QByteArray("\"FirmwareVersion\": \"\\r\\n// fake header\"");
-    QTest::newRow("a line feed in the start time")
-        << QByteArray("\"StartTime\": \"2026-11-21\\n09:30:00\"");
-    QTest::newRow("a carriage return") << QByteArray("\"FilterProfile\": \"general\\r\"");
-    QTest::newRow("a NUL") << QByteArray("\"DeviceId\": \"01\\u00002\"");
+    // The property's row in "info --recording"; empty where it is refused.
+    QTest::addColumn<QByteArray>("shown");
+
+    QTest::newRow("a forged comment line in the firmware version is refused")
+        << QByteArray("\"FirmwareVersion\": \"\\r\\n// fake header\"") << QByteArray();
+    QTest::newRow("a line feed in the start time is refused")
+        << QByteArray("\"StartTime\": \"2026-11-21\\n09:30:00\"") << QByteArray();
+    QTest::newRow("a carriage return in the filter profile is refused")
+        << QByteArray("\"FilterProfile\": \"general\\r\"") << QByteArray();
+    QTest::newRow("a line feed in the filter profile version is refused")
+        << QByteArray("\"FilterProfileVersion\": \"1\\n2\"") << QByteArray();
+    QTest::newRow("a line feed in the filter profile type is refused")
+        << QByteArray("\"FilterProfileType\": \"39\\n\"") << QByteArray();
+    QTest::newRow("a NUL in the option flags is refused")
+        << QByteArray("\"OptionFlags\": \"0\\u00001\"") << QByteArray();
+    QTest::newRow("a line feed in a free text is kept")
+        << QByteArray("\"Notes\": \"walked\\nthen ran\"")
+        << QByteArray("Notes:            \"walked\\nthen ran\"");
+    QTest::newRow("a carriage return, a NUL and quotes in a free text are kept")
+        << QByteArray("\"Notes\": \"a \\\"b\\\"\\r\\n\\u0000\"")
+        << QByteArray("Notes:            \"a \\\"b\\\"\\r\\n\\0\"");
 }
 
+// Only the properties that the header block shows must keep to one line; a
+// free text leaves the export as it would be without it.
 void tst_Hostile::lineBreaksInPropertyTexts()
 {
     QFETCH(QByteArray, property);
+    QFETCH(QByteArray, shown);
     writeFile(path("rec.jsonl"), "{\"properties\": {" + property + "}}\n" + goodSample);
     const QString key = QString::fromUtf8(property.mid(1, property.indexOf('"', 1) - 1));
-    for (const char *option : {"--quiet", "--skip-bad-lines"}) {
-        const Result result = run({"export", option, path("rec.jsonl")});
-        QVERIFY2(result.err.startsWith((path("rec.jsonl") + ":1: \"properties." + key
-                                        + "\": the text holds a line break or a NUL character")
-                                           .toUtf8()),
-                 result.err.constData());
-        QCOMPARE(result.status, 1);
-        QCOMPARE(files(), QStringList{"rec.jsonl"});
+    writeFile(path("plain.jsonl"), "{\"properties\": {}}\n" + goodSample);
+    const Result plain = run({"export", "--quiet", "-o", path("plain.txt"), path("plain.jsonl")});
+    QCOMPARE(plain.status, 0);
+
+    for (const bool skipBadLines : {false, true}) {
+        QStringList arguments{"export", "--quiet", "-o", path("out.txt"), path("rec.jsonl")};
+        if (skipBadLines)
+            arguments.insert(1, QStringLiteral("--skip-bad-lines"));
+        const Result result = run(arguments);
+        if (shown.isEmpty()) {
+            QVERIFY2(result.err.startsWith((path("rec.jsonl") + ":1: \"properties." + key
+                                            + "\": the text holds a line break or a NUL character")
+                                               .toUtf8()),
+                     result.err.constData());
+            QCOMPARE(result.status, 1);
+            QCOMPARE(files(), (QStringList{"plain.jsonl", "plain.txt", "rec.jsonl"}));
+        } else {
+            QCOMPARE(result.err, QByteArray());
+            QCOMPARE(result.status, 0);
+            QCOMPARE(readFile(path("out.txt")), readFile(path("plain.txt")));
+        }
     }
+    if (shown.isEmpty())
+        return;
+    const Result info = run({"info", "--recording", path("rec.jsonl")});
+    QCOMPARE(info.status, 0);
+    QVERIFY2(info.out.endsWith('\n' + shown + '\n'), info.out.constData());
 }
 
 void tst_Hostile::damagedPluginFiles_data()

@@ -39,6 +39,8 @@ private slots:
     void outputFolderIsMade();
     void recordingFromStandardInput();
     void exportToStandardOutput();
+    void namesOfOpenDescriptorsAreWrittenInPlace_data();
+    void namesOfOpenDescriptorsAreWrittenInPlace();
     void recordingsFromPipes();
     void exportWithoutAThread();
     void groupsShorthand();
@@ -442,7 +444,8 @@ void tst_HostProgram::unwritableOutputFolder()
     QStringList arguments = withSettings({"export", "--quiet", "--output-dir", folder, recording});
     QString command = program;
     QString why;
-    if (!FileModes::obeyed(&command, &arguments, &why))
+    // Only writing: the program must still reach the recording in this test's folder.
+    if (!FileModes::obeyed(FileModes::Refused::Writing, &command, &arguments, &why))
         QSKIP(qPrintable(why));
     QProcess process;
     process.start(command, arguments);
@@ -726,6 +729,87 @@ void tst_HostProgram::exportToStandardOutput()
     QCOMPARE(generatedOut.status, 0);
     QCOMPARE(generatedOut.out,
              readFile(generated(QStringLiteral("three.jsonl"), {"--samples", "3"})));
+}
+
+void tst_HostProgram::namesOfOpenDescriptorsAreWrittenInPlace_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("output");
+    // The shell's redirection that opens out.txt for appending.
+    QTest::addColumn<QString>("redirection");
+
+    const struct
+    {
+        const char *row;
+        const char *output;
+        const char *redirection;
+    } names[] = {
+        {"/dev/stdout", "/dev/stdout", ">>"},
+        {"/dev/fd/1", "/dev/fd/1", ">>"},
+        {"/proc/self/fd/1", "/proc/self/fd/1", ">>"},
+        {"/proc/thread-self/fd/1", "/proc/thread-self/fd/1", ">>"},
+        {"the program's own /proc/PID/fd/1", "/proc/$$/fd/1", ">>"},
+        {"/dev/stderr", "/dev/stderr", "2>>"},
+        {"a descriptor other than the standard ones", "/dev/fd/3", "3>>"},
+        {"a link to /dev/stdout", "stdout-link", ">>"},
+        {"a relative link to a link to /dev/fd/1", "links/to-link", ">>"},
+    };
+    for (const char *command : {"export", "generate", "convert"}) {
+        for (const auto &name : names)
+            QTest::addRow("%s into %s appends", command, name.row)
+                << command << name.output << name.redirection;
+    }
+}
+
+// A name that leads to an open descriptor is written through that
+// descriptor, as "-o -" writes standard output: a shell's ">>" keeps what the
+// file held.
+void tst_HostProgram::namesOfOpenDescriptorsAreWrittenInPlace()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, output);
+    QFETCH(QString, redirection);
+
+    QVERIFY(QFile::link(QStringLiteral("/dev/stdout"), path(QStringLiteral("stdout-link"))));
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("links")));
+    QVERIFY(QFile::link(QStringLiteral("/dev/fd/1"), path(QStringLiteral("fd-link"))));
+    QVERIFY(QFile::link(QStringLiteral("../fd-link"), path(QStringLiteral("links/to-link"))));
+
+    QStringList arguments;
+    if (command == QLatin1String("export")) {
+        arguments = withSettings(
+            {"export", "--quiet", generated(QStringLiteral("rec.jsonl"), {"--samples", "20"})});
+    } else if (command == QLatin1String("generate")) {
+        arguments = QStringList{"generate", "--samples", "20"};
+    } else {
+        arguments = QStringList{
+            "convert",
+            generated(QStringLiteral("log.ubx"), {"--format", "ubx", "--samples", "20"})};
+    }
+    const Result fresh = run(arguments + QStringList{"-o", path(QStringLiteral("fresh.txt"))});
+    QCOMPARE(fresh.status, 0);
+    const QByteArray older = "what the file held before\n";
+    writeFile(path(QStringLiteral("out.txt")), older);
+
+    QProcess process;
+    process.setWorkingDirectory(dir->path());
+    process.start(
+        QStringLiteral("/bin/sh"),
+        QStringList{"-c",
+                    QStringLiteral("exec \"$0\" \"$@\" -o %1 %2 out.txt").arg(output, redirection),
+                    program}
+            + arguments);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    // convert's note on the bytes between frames comes after the file, into
+    // the same descriptor when that is standard error.
+    const bool intoStandardError = redirection == QLatin1String("2>>");
+    QCOMPARE(process.readAllStandardError(), intoStandardError ? QByteArray() : fresh.err);
+    QCOMPARE(readFile(path(QStringLiteral("out.txt"))),
+             older + readFile(path(QStringLiteral("fresh.txt")))
+                 + (intoStandardError ? fresh.err : QByteArray()));
+    QVERIFY(QFileInfo(path(QStringLiteral("stdout-link"))).isSymLink());
 }
 
 // /dev/stdin, a FIFO and process substitution are recordings like files.

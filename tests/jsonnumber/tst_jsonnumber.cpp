@@ -1,8 +1,11 @@
 #include "jsonnumber.h"
 
+#include <numbertexts.h>
+
 #include <QtTest>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -10,6 +13,13 @@ namespace {
 std::string_view view(const QByteArray &text)
 {
     return std::string_view(text.constData(), std::size_t(text.size()));
+}
+
+quint64 bits(double value)
+{
+    quint64 word;
+    std::memcpy(&word, &value, sizeof word);
+    return word;
 }
 
 } // namespace
@@ -25,6 +35,8 @@ private slots:
     void integers();
     void doublesAtTheEdges_data();
     void doublesAtTheEdges();
+    void longNumbersAsStrtodReadsThem_data();
+    void longNumbersAsStrtodReadsThem();
     void display_data();
     void display();
 };
@@ -98,6 +110,22 @@ void tst_JsonNumber::doublesAtTheEdges()
     const double read = JsonNumber::toDouble(view(text));
     QCOMPARE(read, value);
     QCOMPARE(std::signbit(read), std::signbit(value));
+}
+
+void tst_JsonNumber::longNumbersAsStrtodReadsThem_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    for (const int zeros : {65536, 655359, 655360, 655361, 1000000, 1500000, 4000000}) {
+        for (const NumberTexts::LongText &number : NumberTexts::longTexts(zeros))
+            QTest::newRow(qPrintable(number.name)) << QByteArray::fromStdString(number.text);
+    }
+}
+
+void tst_JsonNumber::longNumbersAsStrtodReadsThem()
+{
+    QFETCH(QByteArray, text);
+    // Bit for bit: the same double, with the same sign.
+    QCOMPARE(bits(JsonNumber::toDouble(view(text))), bits(NumberTexts::byStrtod(view(text))));
 }
 
 void tst_JsonNumber::display_data()

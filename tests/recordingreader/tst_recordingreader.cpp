@@ -1,6 +1,7 @@
 #include "recordingreader.h"
 #include "recordmembertables.h"
 
+#include <numbertexts.h>
 #include <samplelines.h>
 
 #include <QFile>
@@ -8,6 +9,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -46,9 +48,13 @@ private slots:
     void missingData_data();
     void missingData();
     void properties();
+    void lineBreaksInPropertyTexts_data();
+    void lineBreaksInPropertyTexts();
     void updateRate_data();
     void updateRate();
     void nanAndInfinityLiterals();
+    void longNumbersAsStrtodReadsThem_data();
+    void longNumbersAsStrtodReadsThem();
     void acceptedLimits_data();
     void acceptedLimits();
     void everyFieldAtAndPastItsRange_data();
@@ -421,6 +427,62 @@ void tst_RecordingReader::nanAndInfinityLiterals()
     QCOMPARE(s.calibratedAcceleration.at(2), -std::numeric_limits<double>::infinity());
     QVERIFY(!s.orientationQuaternion.isEmpty());
     QVERIFY(std::isnan(s.orientationQuaternion[0]));
+}
+
+void tst_RecordingReader::longNumbersAsStrtodReadsThem_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("place");
+    for (const int zeros : {65536, 655359, 655360, 655361, 1000000, 1500000}) {
+        for (const NumberTexts::LongText &number : NumberTexts::longTexts(zeros)) {
+            for (const char *place : {"a property", "the update rate", "a sample"}) {
+                QTest::addRow("%s, in %s", qPrintable(number.name), place)
+                    << QByteArray::fromStdString(number.text) << place;
+            }
+        }
+    }
+}
+
+// However long a number, in the recording object or a sample, it is read as
+// strtod reads it, bit for bit.
+void tst_RecordingReader::longNumbersAsStrtodReadsThem()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, place);
+    const auto bits = [](double value) {
+        quint64 word;
+        std::memcpy(&word, &value, sizeof word);
+        return word;
+    };
+    const quint64 expected =
+        bits(NumberTexts::byStrtod(std::string_view(text.constData(), std::size_t(text.size()))));
+
+    QTemporaryDir dir;
+    QFile file(dir.filePath(QStringLiteral("long.jsonl")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    if (place == QLatin1String("a property"))
+        file.write("{\"properties\": {\"Scale\": " + text + "}}\n");
+    else if (place == QLatin1String("the update rate"))
+        file.write("{\"properties\": {}, \"updateRate\": " + text + "}\n");
+    else
+        file.write(header + "{\"temperature\": " + text + ", \"calibratedAcceleration\": [1, "
+                   + text + ", 2]}\n");
+    file.close();
+    RecordingReader reader;
+    QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
+    if (place == QLatin1String("a property")) {
+        QCOMPARE(reader.property(QStringLiteral("Scale")).userType(), int(QMetaType::Double));
+        QCOMPARE(bits(reader.property(QStringLiteral("Scale")).toDouble()), expected);
+    } else if (place == QLatin1String("the update rate")) {
+        QCOMPARE(bits(reader.updateRate()), expected);
+    } else {
+        QVERIFY2(reader.readNext(), qPrintable(reader.errorString()));
+        QCOMPARE(bits(reader.sample().temperature), expected);
+        QCOMPARE(reader.sample().calibratedAcceleration.size(), 3);
+        QCOMPARE(bits(reader.sample().calibratedAcceleration.at(1)), expected);
+    }
+    QVERIFY(!reader.readNext());
+    QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
 }
 
 void tst_RecordingReader::acceptedLimits_data()
@@ -814,6 +876,61 @@ void tst_RecordingReader::samplesAreReadOneAtATime()
     QVERIFY(!reader.hasError());
     QCOMPARE(count, 20000);
     QVERIFY(!reader.readNext());
+}
+
+void tst_RecordingReader::lineBreaksInPropertyTexts_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QByteArray>("text"); // as the JSON text writes it
+    QTest::addColumn<bool>("refused");
+
+    for (const char *key : {"StartTime", "FilterProfile", "FilterProfileVersion",
+                            "FilterProfileType", "OptionFlags", "FirmwareVersion"}) {
+        QTest::addRow("a line feed in %s, a header line, is refused", key)
+            << key << QByteArray("a\\nb") << true;
+        QTest::addRow("a carriage return in %s, a header line, is refused", key)
+            << key << QByteArray("a\\r") << true;
+        QTest::addRow("a NUL in %s, a header line, is refused", key)
+            << key << QByteArray("\\u0000") << true;
+    }
+    QTest::newRow("a line feed in a free text is kept")
+        << "Notes" << QByteArray("walked\\nthen ran") << false;
+    QTest::newRow("line ends and a NUL in a free text are kept")
+        << "Notes" << QByteArray("\\r\\n\\u0000") << false;
+    QTest::newRow("a line feed in a device id is kept for the file name to judge")
+        << "DeviceId" << QByteArray("01\\n23") << false;
+}
+
+void tst_RecordingReader::lineBreaksInPropertyTexts()
+{
+    QFETCH(QString, key);
+    QFETCH(QByteArray, text);
+    QFETCH(bool, refused);
+
+    QTemporaryDir dir;
+    QFile file(dir.filePath(QStringLiteral("rec.jsonl")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("{\"properties\": {\"" + key.toUtf8() + "\": \"" + text
+               + "\"}}\n{\"packetCounter\": 1}\n");
+    file.close();
+    RecordingReader reader;
+    if (refused) {
+        QVERIFY(!reader.open(file.fileName()));
+        QCOMPARE(reader.errorString(),
+                 file.fileName()
+                     + QStringLiteral(":1: \"properties.%1\": the text holds a line break or a "
+                                      "NUL character")
+                           .arg(key));
+        return;
+    }
+    QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
+    QString expected = QString::fromLatin1(text);
+    expected.replace(QLatin1String("\\n"), QLatin1String("\n"))
+        .replace(QLatin1String("\\r"), QLatin1String("\r"))
+        .replace(QLatin1String("\\u0000"), QString(QChar(0)));
+    QCOMPARE(reader.property(key), QVariant(expected));
+    QVERIFY(reader.readNext());
+    QCOMPARE(reader.sample().packetCounter, quint16(1));
 }
 
 void tst_RecordingReader::badLines_data()

@@ -39,6 +39,14 @@ bool readCarefully(SampleReader &reader, const QByteArray &line, RecordingSample
     return true;
 }
 
+// A sample line of exactly @p length bytes, made long by an unknown text.
+QByteArray lineOfLength(std::size_t length)
+{
+    const QByteArray start = R"({"temperature": 21.5, "note": ")";
+    const QByteArray end = R"("})";
+    return start + QByteArray(int(length) - start.size() - end.size(), 'a') + end;
+}
+
 QByteArray manySatellites()
 {
     QByteArray line = R"({"gnssSatellites": {"iTOW": 1, "numSvs": 70, "satellites": [)";
@@ -103,6 +111,8 @@ void tst_SampleReader::bothWaysReadTheSame_data()
     QTest::newRow("status words written unsigned") << QByteArray(R"({"statusWord": 4294967295})");
     QTest::newRow("text in UTF-8 under an unknown key")
         << QByteArray("{\"name\": \"\xc3\xa9t\xc3\xa9 \xf0\x9f\x9b\xb0\"}");
+    QTest::newRow("the longest line the fast way takes")
+        << lineOfLength(SampleReader::longestFastLine);
 }
 
 void tst_SampleReader::bothWaysReadTheSame()
@@ -128,6 +138,10 @@ void tst_SampleReader::fastWayLeavesGoodLinesToTheTape_data()
     QTest::newRow("a key written with an escape") << QByteArray(R"({"packet\u0043ounter": 9})");
     QTest::newRow("an unknown key written with an escape")
         << QByteArray(R"({"n\u00e9": 1, "packetCounter": 2})");
+    QTest::newRow("a line longer than the fast way takes")
+        << lineOfLength(SampleReader::longestFastLine + 1);
+    QTest::newRow("a long fraction whose exponent simdjson would misread")
+        << "{\"temperature\": 0." + QByteArray(655359, '0') + "1e655360}";
 }
 
 void tst_SampleReader::fastWayLeavesGoodLinesToTheTape()
