@@ -6,6 +6,7 @@
 #include "localfilepath.h"
 #include "outputfile.h"
 #include "outputnamer.h"
+#include "outputnames.h"
 #include "parallelexports.h"
 #include "pluginhost.h"
 #include "progressbar.h"
@@ -290,44 +291,24 @@ int exportRecordings(const QStringList &arguments)
                        .arg(parser.value(outputDir), reasonText(errno)));
         return 1;
     }
-    QSet<QString> recordingFiles;
-    for (const QString &recording : qAsConst(recordings)) {
-        const QFileInfo info(recording);
-        if (info.exists())
-            recordingFiles.insert(info.canonicalFilePath());
-    }
-
     const bool showProgress =
         parser.isSet(progress) || (!parser.isSet(quiet) && ::isatty(STDERR_FILENO));
     ProgressBar bar(stderr);
     const OutputNamer namer(store->setting(QStringLiteral("outputFileFormat")).toString(),
                             factory->fileExtension(), parser.value(outputDir),
                             QDateTime::currentDateTime());
-    QHash<QString, QString> written; // output file -> recording
-    const auto outputName = [&](int i, const QVariantMap &properties, QString *problem) {
-        const QString &recording = recordings.at(i);
-        if (parser.isSet(output) && parser.value(output) == OutputFile::standardOutputName())
+    OutputNames names(recordings);
+    // The file recording i would be written to, before the batch has a say.
+    const auto wantedName = [&](int i, const QVariantMap &properties, QString *problem) {
+        if (!parser.isSet(output))
+            return namer.fileName(recordings.at(i), i + 1, properties, problem);
+        if (parser.value(output) == OutputFile::standardOutputName())
             return OutputFile::standardOutputName();
-        QString file = parser.isSet(output)
-            ? QFileInfo(localFilePath(parser.value(output))).absoluteFilePath()
-            : namer.fileName(recording, i + 1, properties, problem);
-        if (file.isEmpty())
-            return QString();
-        if (written.contains(file)) {
-            *problem = tr("%1: the output file %2 was written for %3 already")
-                           .arg(recording, file, written.value(file));
-            return QString();
-        }
-        // A later recording of the batch must still be there when its turn comes.
-        const QFileInfo target(file);
-        if (target.exists() && recordingFiles.contains(target.canonicalFilePath())
-            && target.canonicalFilePath() != QFileInfo(recording).canonicalFilePath()) {
-            *problem = tr("%1: the output file %2 would replace a recording of this run")
-                           .arg(recording, file);
-            return QString();
-        }
-        written.insert(file, recording);
-        return file;
+        return QFileInfo(localFilePath(parser.value(output))).absoluteFilePath();
+    };
+    const auto shownName = [&recordings](int i) {
+        return recordings.at(i) == QLatin1String("-") ? ExportJob::standardInputName()
+                                                      : recordings.at(i);
     };
 
     const bool sideBySide = jobCount > 1 && recordings.size() > 1;
@@ -338,26 +319,25 @@ int exportRecordings(const QStringList &arguments)
         bar.clear();
         printError(warning);
     });
-    // Names given beforehand, when the exports run side by side; a problem
-    // instead of a name where the recording must not be exported.
-    QVector<QPair<QString, QString>> givenNames;
+    // Asks the batch for the file that recording i wants; false, with the
+    // problem set, when another recording of the batch has it.
+    using Claim = std::function<bool(const QString &fileName, QString *problem)>;
     // Exports one recording, says on standard error what there is to say and
     // gives the exit status.
-    const auto exportOne = [&](int i, const ExportJob::Progress &followReading) {
+    const auto exportOne = [&](int i, const ExportJob::Progress &followReading,
+                               const Claim &claim) {
         const QString &recording = recordings.at(i);
         const auto name = [&](const QVariantMap &properties, QString *problem) {
-            if (givenNames.isEmpty())
-                return outputName(i, properties, problem);
-            *problem = givenNames.at(i).second;
-            return givenNames.at(i).first;
+            const QString file = wantedName(i, properties, problem);
+            if (file.isEmpty() || file == OutputFile::standardOutputName())
+                return file;
+            return claim(file, problem) ? file : QString();
         };
         const bool done = job.run(recording, name, followReading);
         bar.clear();
-        const QString shownName =
-            recording == QLatin1String("-") ? ExportJob::standardInputName() : recording;
         if (job.linesSkipped() > 0) {
             printError(tr("%1: samples written: %2, bad lines skipped: %3")
-                           .arg(shownName)
+                           .arg(shownName(i))
                            .arg(job.samplesWritten())
                            .arg(job.linesSkipped()));
         }
@@ -370,39 +350,47 @@ int exportRecordings(const QStringList &arguments)
         }
         // Standard output is the file itself; any other file is named.
         if (!parser.isSet(quiet) && job.outputFile() != OutputFile::standardOutputName())
-            printError(tr("%1 -> %2").arg(shownName, job.outputFile()));
+            printError(tr("%1 -> %2").arg(shownName(i), job.outputFile()));
         return 0;
     };
 
     if (sideBySide) {
-        // The names are worked out here, in the order of the command line, so
-        // that the same recordings clash as they would one after another.
+        // The workers ask this process for their output files, so that the
+        // same recordings clash as they would one after another.
+        QStringList shownNames;
         QVector<qint64> sizes;
         for (int i = 0; i < recordings.size(); ++i) {
-            RecordingInput input;
-            QString nameProblem;
-            const QString name = input.open(recordings.at(i))
-                ? outputName(i, input.properties(), &nameProblem)
-                : QString();
-            givenNames.append({name, nameProblem});
-            sizes.append(QFileInfo(recordings.at(i)).isFile() ? QFileInfo(recordings.at(i)).size()
-                                                              : 0);
+            shownNames.append(shownName(i));
+            const QFileInfo info(recordings.at(i));
+            sizes.append(info.isFile() ? info.size() : 0);
         }
-        const QString label = tr("%1 recordings").arg(recordings.size());
-        return ParallelExports::run(
-            sizes, jobCount,
-            [&exportOne](int i, const ParallelExports::TaskProgress &report) {
-                return exportOne(i, [&report](qint64 position, qint64) { report(position); });
+        ParallelExports exports(
+            [&exportOne](int i, const ParallelExports::TaskProgress &report,
+                         const ParallelExports::Ask &ask) {
+                return exportOne(
+                    i, [&report](qint64 position, qint64) { report(position); },
+                    [&ask](const QString &fileName, QString *problem) {
+                        *problem = QString::fromUtf8(ask(fileName.toUtf8()));
+                        return problem->isEmpty();
+                    });
             },
-            [&](qint64 done, qint64 total) {
-                if (showProgress)
-                    bar.update(label, done, total);
+            [&names](int i, const QByteArray &fileName, QByteArray *answer) {
+                QString problem;
+                const OutputNames::Answer given =
+                    names.claim(i, QString::fromUtf8(fileName), &problem);
+                *answer = problem.toUtf8();
+                return given != OutputNames::Answer::Wait;
             },
+            [&names](int i, int exitStatus) { names.finished(i, exitStatus == 0); },
             [&bar](const QByteArray &text) {
                 bar.clear();
                 std::fwrite(text.constData(), 1, std::size_t(text.size()), stderr);
                 std::fflush(stderr);
             });
+        const QString label = tr("%1 recordings").arg(recordings.size());
+        if (showProgress)
+            exports.setProgress([&](qint64 done, qint64 total) { bar.update(label, done, total); });
+        return exports.run(shownNames, sizes, jobCount);
     }
 
     for (int i = 0; i < recordings.size(); ++i) {
@@ -416,7 +404,12 @@ int exportRecordings(const QStringList &arguments)
                 bar.update(label, position, size);
             };
         }
-        status = std::max(status, exportOne(i, followReading));
+        const int exported =
+            exportOne(i, followReading, [&](const QString &fileName, QString *problem) {
+                return names.claim(i, fileName, problem) == OutputNames::Answer::Given;
+            });
+        names.finished(i, exported == 0);
+        status = std::max(status, exported);
     }
     return status;
 }

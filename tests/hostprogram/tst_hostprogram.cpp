@@ -24,6 +24,8 @@ private slots:
     void setIsNotSaved();
     void patternNaming();
     void outputFileAndFolder();
+    void failedRecordingLeavesItsNameFree_data();
+    void failedRecordingLeavesItsNameFree();
     void progress();
     void badLine_data();
     void badLine();
@@ -352,6 +354,37 @@ void tst_HostProgram::patternNaming()
                  .match(names.first())
                  .hasMatch(),
              qPrintable(names.first()));
+}
+
+void tst_HostProgram::failedRecordingLeavesItsNameFree_data()
+{
+    QTest::addColumn<int>("jobs");
+
+    QTest::newRow("one after another") << 1;
+    QTest::newRow("two at a time") << 2;
+}
+
+void tst_HostProgram::failedRecordingLeavesItsNameFree()
+{
+    QFETCH(int, jobs);
+
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("bad")));
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("good")));
+    // It fails after its name was given: at a bad sample line.
+    writeFile(path("bad/x.jsonl"), recordingObject + "{\"packetCounter\": 1}\nnot a sample\n");
+    const QString good = generated(QStringLiteral("good/x.jsonl"), {"--samples", "3"});
+    const QString alone = generated(QStringLiteral("alone.jsonl"), {"--samples", "3"});
+    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), alone})).status, 0);
+    const Result result = run(withSettings({"export", "--jobs", QString::number(jobs), "--set",
+                                            "outputFileFormat=<inputfile>", "--output-dir",
+                                            path("out"), path("bad/x.jsonl"), good}));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(QString::fromUtf8(result.err),
+             path("bad/x.jsonl")
+                 + ":3: malformed JSON at column 2: Invalid value. (--skip-bad-lines exports the "
+                   "other samples)\n"
+                 + good + " -> " + path("out/x.txt") + "\n");
+    QCOMPARE(readFile(path("out/x.txt")), readFile(path("expected.txt")));
 }
 
 void tst_HostProgram::outputFileAndFolder()

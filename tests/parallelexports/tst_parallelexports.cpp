@@ -1,0 +1,386 @@
+#include "programrun.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <functional>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// Exports side by side (--jobs) as the user runs them, in real processes:
+// recordings that can be read once only, workers that die or are killed,
+// a program that is interrupted, and limits on descriptors and processes.
+// Whatever happens, the files and messages are those of one export after
+// another, or every failure is named.
+class tst_ParallelExports : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void pipesAreReadOnce_data();
+    void pipesAreReadOnce();
+    void deadWorkerIsNamed_data();
+    void deadWorkerIsNamed();
+    void endingTheProgramEndsItsWorkers_data();
+    void endingTheProgramEndsItsWorkers();
+    void fewerAtATimeUnderLimits_data();
+    void fewerAtATimeUnderLimits();
+    void oneWorkerPerJobForManyRecordings();
+    void laterRecordingWaitsForTheNameOfAnEarlierOne();
+
+private:
+    QString path(const QString &name) const { return dir->filePath(name); }
+    QString generated(const QString &name, const QStringList &options = {});
+    QStringList files(const QString &folder) const;
+    QByteArray readFile(const QString &name) const;
+    // Starts an export of a.jsonl, b.jsonl and a FIFO nobody writes, two at
+    // a time, and waits until only the worker stuck on the FIFO is left.
+    pid_t startStuckExport(QProcess &process);
+
+    QTemporaryDir *dir = nullptr;
+};
+
+namespace {
+
+const QString program = QStringLiteral(ASCIIEXPORT_PROGRAM);
+
+// The processes whose parent is @p parent.
+QVector<pid_t> childrenOf(pid_t parent)
+{
+    QVector<pid_t> children;
+    const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
+    for (const QString &entry : entries) {
+        bool number = false;
+        const pid_t pid = entry.toInt(&number);
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(entry));
+        if (!number || !stat.open(QIODevice::ReadOnly))
+            continue;
+        // "pid (name) state ppid ...", where the name may hold anything.
+        const QByteArray text = stat.readAll();
+        const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+        if (fields.size() > 1 && fields.at(1).toInt() == parent)
+            children.append(pid);
+    }
+    return children;
+}
+
+// Whether @p pid has ended: gone, or a zombie that nobody reaps.
+bool hasEnded(pid_t pid)
+{
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return true;
+    const QByteArray text = stat.readAll();
+    return text.mid(text.lastIndexOf(')') + 2, 1) == "Z";
+}
+
+bool waitUntil(const std::function<bool()> &condition, int milliseconds = 60000)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > milliseconds)
+            return false;
+        QThread::msleep(20);
+    }
+    return true;
+}
+
+} // namespace
+
+void tst_ParallelExports::init()
+{
+    dir = new QTemporaryDir;
+    QVERIFY(dir->isValid());
+}
+
+void tst_ParallelExports::cleanup()
+{
+    delete dir;
+}
+
+QString tst_ParallelExports::generated(const QString &name, const QStringList &options)
+{
+    const ProgramRun run = ProgramRun::start(
+        program,
+        QStringList{QStringLiteral("generate"), QStringLiteral("-o"), path(name)} + options,
+        dir->path());
+    return run.status == 0 ? path(name) : QString();
+}
+
+QStringList tst_ParallelExports::files(const QString &folder) const
+{
+    return QDir(path(folder)).entryList(QDir::Files, QDir::Name);
+}
+
+QByteArray tst_ParallelExports::readFile(const QString &name) const
+{
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
+}
+
+void tst_ParallelExports::pipesAreReadOnce_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QString>("recording");
+
+    // The same recordings are set up anew for each run of the program.
+    QTest::newRow("a UBX log through a FIFO")
+        << QStringLiteral("rm -f log.fifo && mkfifo log.fifo && (cat log.ubx > log.fifo &) && "
+                          "exec \"$0\" \"$@\"")
+        << QStringLiteral("log.fifo");
+    QTest::newRow("JSON Lines through a FIFO")
+        << QStringLiteral("rm -f b.fifo && mkfifo b.fifo && (cat b.jsonl > b.fifo &) && "
+                          "exec \"$0\" \"$@\"")
+        << QStringLiteral("b.fifo");
+    QTest::newRow("JSON Lines piped into standard input")
+        << QStringLiteral("cat b.jsonl | \"$0\" \"$@\"") << QStringLiteral("/dev/stdin");
+    QTest::newRow("a UBX log piped into standard input")
+        << QStringLiteral("cat log.ubx | \"$0\" \"$@\"") << QStringLiteral("/dev/stdin");
+}
+
+void tst_ParallelExports::pipesAreReadOnce()
+{
+    QFETCH(QString, script);
+    QFETCH(QString, recording);
+
+    QVERIFY(!generated(QStringLiteral("a.jsonl"), {"--samples", "300"}).isEmpty());
+    QVERIFY(!generated(QStringLiteral("b.jsonl"), {"--samples", "500", "--seed", "2"}).isEmpty());
+    QVERIFY(!generated(QStringLiteral("c.jsonl"), {"--samples", "200", "--seed", "3"}).isEmpty());
+    QVERIFY(
+        !generated(QStringLiteral("log.ubx"), {"--format", "ubx", "--samples", "40"}).isEmpty());
+    const QStringList exportArguments{
+        "export",  "--settings", path("settings.ini"), "--set", "exportRawGnss=true", "a.jsonl",
+        recording, "c.jsonl"};
+    const ProgramRun once = ProgramRun::inShell(
+        script, program, exportArguments + QStringList{"--output-dir", "once"}, dir->path(), 60000);
+    const ProgramRun sideBySide = ProgramRun::inShell(
+        script, program, exportArguments + QStringList{"--jobs", "2", "--output-dir", "apart"},
+        dir->path(), 60000);
+    QCOMPARE(once.status, 0);
+    QCOMPARE(sideBySide.status, 0);
+    QCOMPARE(files(QStringLiteral("apart")).size(), 3);
+    QCOMPARE(files(QStringLiteral("apart")), files(QStringLiteral("once")));
+    for (const QString &file : files(QStringLiteral("once")))
+        QCOMPARE(readFile("apart/" + file), readFile("once/" + file));
+    QCOMPARE(
+        QString::fromUtf8(sideBySide.err).replace(QStringLiteral("/apart/"), QStringLiteral("/")),
+        QString::fromUtf8(once.err).replace(QStringLiteral("/once/"), QStringLiteral("/")));
+}
+
+pid_t tst_ParallelExports::startStuckExport(QProcess &process)
+{
+    const QString fifo = path(QStringLiteral("stuck.fifo"));
+    if (generated(QStringLiteral("a.jsonl"), {"--samples", "300"}).isEmpty()
+        || generated(QStringLiteral("b.jsonl"), {"--samples", "300", "--seed", "2"}).isEmpty()
+        || ::mkfifo(QFile::encodeName(fifo).constData(), 0600) != 0)
+        return -1;
+    process.setWorkingDirectory(dir->path());
+    process.start(program,
+                  {"export", "--settings", path("settings.ini"), "--jobs", "2", "--output-dir",
+                   path("out"), path("a.jsonl"), path("b.jsonl"), fifo});
+    if (!process.waitForStarted())
+        return -1;
+    // One worker exports b and ends; the other, after a, waits for a writer
+    // of the FIFO that never comes.
+    const pid_t parent = pid_t(process.processId());
+    QVector<pid_t> children;
+    const bool stuck = waitUntil([&] {
+        children = childrenOf(parent);
+        return QFile::exists(path("out/a-001.txt")) && QFile::exists(path("out/b-002.txt"))
+            && children.size() == 1;
+    });
+    return stuck ? children.first() : -1;
+}
+
+void tst_ParallelExports::deadWorkerIsNamed_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<QString>("reason");
+
+    QTest::newRow("killed, as the out-of-memory killer does")
+        << int(SIGKILL) << QStringLiteral("9 (Killed)");
+    QTest::newRow("crashed") << int(SIGSEGV) << QStringLiteral("11 (Segmentation fault)");
+    QTest::newRow("aborted") << int(SIGABRT) << QStringLiteral("6 (Aborted)");
+}
+
+void tst_ParallelExports::deadWorkerIsNamed()
+{
+    QFETCH(int, signal);
+    QFETCH(QString, reason);
+
+    QProcess process;
+    const pid_t worker = startStuckExport(process);
+    QVERIFY(worker > 0);
+    QCOMPARE(::kill(worker, signal), 0);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+             path("a.jsonl") + " -> " + path("out/a-001.txt") + "\n" + path("b.jsonl") + " -> "
+                 + path("out/b-002.txt") + "\n" + path("stuck.fifo")
+                 + ": the export process was killed by signal " + reason + " before it finished\n");
+    QCOMPARE(files(QStringLiteral("out")), (QStringList{"a-001.txt", "b-002.txt"}));
+}
+
+void tst_ParallelExports::endingTheProgramEndsItsWorkers_data()
+{
+    QTest::addColumn<int>("signal");
+
+    QTest::newRow("interrupted") << int(SIGINT);
+    QTest::newRow("terminated") << int(SIGTERM);
+    QTest::newRow("hung up") << int(SIGHUP);
+    QTest::newRow("killed") << int(SIGKILL);
+}
+
+void tst_ParallelExports::endingTheProgramEndsItsWorkers()
+{
+    QFETCH(int, signal);
+
+    QProcess process;
+    const pid_t worker = startStuckExport(process);
+    QVERIFY(worker > 0);
+    QCOMPARE(::kill(pid_t(process.processId()), signal), 0);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QVERIFY(waitUntil([worker] { return hasEnded(worker); }, 10000));
+    // Nobody reads the FIFO any more, and nothing was written for it.
+    const int fifo =
+        ::open(QFile::encodeName(path("stuck.fifo")).constData(), O_WRONLY | O_NONBLOCK);
+    QCOMPARE(fifo, -1);
+    QCOMPARE(errno, ENXIO);
+    QCOMPARE(files(QStringLiteral("out")), (QStringList{"a-001.txt", "b-002.txt"}));
+}
+
+void tst_ParallelExports::fewerAtATimeUnderLimits_data()
+{
+    QTest::addColumn<QString>("limit");
+    QTest::addColumn<bool>("asAnotherUser");
+
+    QTest::newRow("few descriptors") << QStringLiteral("--nofile=16") << false;
+    QTest::newRow("too few descriptors for even one worker")
+        << QStringLiteral("--nofile=9") << false;
+    QTest::newRow("no process beside the program") << QStringLiteral("--nproc=1") << true;
+}
+
+void tst_ParallelExports::fewerAtATimeUnderLimits()
+{
+    QFETCH(QString, limit);
+    QFETCH(bool, asAnotherUser);
+
+    const QString prlimit = QStandardPaths::findExecutable(QStringLiteral("prlimit"));
+    if (prlimit.isEmpty())
+        QSKIP("prlimit is not there to set the limit");
+    QStringList command{prlimit, limit, "--", program};
+    // Root has no process limit: the program runs as nobody then.
+    if (asAnotherUser) {
+        const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
+        if (::geteuid() != 0 || setpriv.isEmpty())
+            QSKIP("a process limit holds for another user only, which root and setpriv can make");
+        command =
+            QStringList{setpriv, "--reuid=nobody", "--regid=nogroup", "--clear-groups"} + command;
+        QVERIFY(QFile::setPermissions(dir->path(), QFile::Permissions(0x7777)));
+        // The test's folder must be within reach of that user.
+        for (QDir up(dir->path()); up.cdUp() && !up.isRoot();) {
+            if (!(QFileInfo(up.path()).permissions() & QFile::ExeOther))
+                QSKIP("another user cannot reach the test's temporary folder");
+        }
+    }
+    QStringList recordings;
+    for (int i = 1; i <= 12; ++i) {
+        recordings.append(generated(QStringLiteral("r%1.jsonl").arg(i),
+                                    {"--samples", "50", "--seed", QString::number(i)}));
+        QVERIFY(!recordings.last().isEmpty());
+    }
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("once")));
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("apart")));
+    QVERIFY(QFile::setPermissions(path("apart"), QFile::Permissions(0x7777)));
+    const QStringList arguments =
+        QStringList{"export", "--settings", path("settings.ini"), "--quiet"} + recordings;
+    QCOMPARE(
+        ProgramRun::start(program, arguments + QStringList{"--output-dir", "once"}, dir->path())
+            .status,
+        0);
+    const ProgramRun limited = ProgramRun::start(
+        command.first(),
+        command.mid(1) + arguments + QStringList{"--jobs", "8", "--output-dir", "apart"},
+        dir->path());
+    QCOMPARE(QString::fromUtf8(limited.err), QString());
+    QCOMPARE(limited.status, 0);
+    QCOMPARE(files(QStringLiteral("apart")), files(QStringLiteral("once")));
+    for (const QString &file : files(QStringLiteral("once")))
+        QCOMPARE(readFile("apart/" + file), readFile("once/" + file));
+}
+
+void tst_ParallelExports::oneWorkerPerJobForManyRecordings()
+{
+    const QString strace = QStandardPaths::findExecutable(QStringLiteral("strace"));
+    if (strace.isEmpty())
+        QSKIP("strace is not there to count the processes the program makes");
+    QStringList recordings;
+    for (int i = 1; i <= 40; ++i) {
+        recordings.append(generated(QStringLiteral("t%1.jsonl").arg(i),
+                                    {"--samples", "5", "--seed", QString::number(i)}));
+        QVERIFY(!recordings.last().isEmpty());
+    }
+    const ProgramRun traced = ProgramRun::start(
+        strace,
+        QStringList{"-f", "-qq", "-e", "trace=fork,vfork,clone,clone3", "-o", path("forks.txt"),
+                    program, "export", "--settings", path("settings.ini"), "--quiet", "--jobs", "3",
+                    "--output-dir", path("out")}
+            + recordings,
+        dir->path());
+    QCOMPARE(traced.status, 0);
+    QCOMPARE(files(QStringLiteral("out")).size(), 40);
+    // A new process, unlike a thread, shares no memory with its parent.
+    int processes = 0;
+    for (const QByteArray &line : readFile(QStringLiteral("forks.txt")).split('\n')) {
+        if ((line.contains("clone") || line.contains("fork")) && !line.contains("CLONE_VM"))
+            ++processes;
+    }
+    QCOMPARE(processes, 3);
+}
+
+void tst_ParallelExports::laterRecordingWaitsForTheNameOfAnEarlierOne()
+{
+    // Both are named x.txt: the later one, done first, must wait for the
+    // earlier one, and is refused as it would be one after another.
+    QVERIFY(QDir(dir->path()).mkpath(QStringLiteral("long")));
+    QVERIFY(QDir(dir->path()).mkpath(QStringLiteral("short")));
+    QVERIFY(!generated(QStringLiteral("long/x.jsonl"), {"--samples", "200000"}).isEmpty());
+    QVERIFY(!generated(QStringLiteral("short/x.jsonl"), {"--samples", "10"}).isEmpty());
+    const QStringList arguments{"export",
+                                "--settings",
+                                path("settings.ini"),
+                                "--set",
+                                "outputFileFormat=<inputfile>",
+                                path("long/x.jsonl"),
+                                path("short/x.jsonl")};
+    const ProgramRun once = ProgramRun::start(
+        program, arguments + QStringList{"--output-dir", path("once")}, dir->path());
+    const ProgramRun sideBySide = ProgramRun::start(
+        program, arguments + QStringList{"--jobs", "2", "--output-dir", path("apart")},
+        dir->path());
+    QCOMPARE(once.status, 1);
+    QCOMPARE(sideBySide.status, 1);
+    QCOMPARE(
+        QString::fromUtf8(sideBySide.err).replace(QStringLiteral("/apart/"), QStringLiteral("/")),
+        QString::fromUtf8(once.err).replace(QStringLiteral("/once/"), QStringLiteral("/")));
+    QVERIFY(
+        sideBySide.err.contains("was written for " + path("long/x.jsonl").toUtf8() + " already"));
+    QCOMPARE(readFile(QStringLiteral("apart/x.txt")), readFile(QStringLiteral("once/x.txt")));
+}
+
+QTEST_GUILESS_MAIN(tst_ParallelExports)
+#include "tst_parallelexports.moc"
