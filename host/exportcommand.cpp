@@ -331,7 +331,12 @@ int exportRecordings(const QStringList &arguments)
             const QString file = wantedName(i, properties, problem);
             if (file.isEmpty() || file == OutputFile::standardOutputName())
                 return file;
-            return claim(file, problem) ? file : QString();
+            if (!claim(file, problem))
+                return QString();
+            // The folders of a pattern are made, below the output folder only.
+            if (!parser.isSet(output) && !namer.makeFolders(recording, file, problem))
+                return QString();
+            return file;
         };
         const bool done = job.run(recording, name, followReading);
         bar.clear();

@@ -7,6 +7,9 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <cerrno>
+#include <cstring>
+
 namespace {
 
 bool isNoName(const QString &name)
@@ -68,9 +71,31 @@ QString OutputNamer::fileName(const QString &recording, int sequenceNumber,
         expanded.append(piece);
     }
     const QString baseName = expanded.join(QLatin1Char('/'));
-    const QDir folder = !outputDir.isEmpty() ? QDir(outputDir)
-        : standardInput                      ? QDir::current()
-                                             : input.absoluteDir();
-    return QDir::cleanPath(
-        folder.absoluteFilePath(localFilePath(baseName + QLatin1Char('.') + extension)));
+    return QDir::cleanPath(folderOf(recording).absoluteFilePath(
+        localFilePath(baseName + QLatin1Char('.') + extension)));
+}
+
+bool OutputNamer::makeFolders(const QString &recording, const QString &fileName,
+                              QString *problem) const
+{
+    const QDir folder = folderOf(recording);
+    const QString below = folder.relativeFilePath(QFileInfo(fileName).absolutePath());
+    if (below.isEmpty() || below == QLatin1String(".") || below == QLatin1String("..")
+        || below.startsWith(QLatin1String("../")) || QDir::isAbsolutePath(below))
+        return true;
+    if (folder.mkpath(below))
+        return true;
+    *problem =
+        tr("%1: the folder %2 cannot be made: %3")
+            .arg(recording, folder.filePath(below), QString::fromLocal8Bit(std::strerror(errno)));
+    return false;
+}
+
+QDir OutputNamer::folderOf(const QString &recording) const
+{
+    if (!outputDir.isEmpty())
+        return QDir(outputDir);
+    if (recording == QLatin1String("-"))
+        return QDir::current();
+    return QFileInfo(localFilePath(recording)).absoluteDir();
 }

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QDir>
 #include <QString>
 #include <QVariantMap>
 
@@ -38,7 +39,17 @@ public:
     QString fileName(const QString &recording, int sequenceNumber, const QVariantMap &properties,
                      QString *problem) const;
 
+    /**
+     * Makes the folders that @p fileName, given by fileName(), needs below
+     * the output folder of @p recording; folders elsewhere are not the
+     * pattern's to make. Returns false, with @p problem set, when one cannot
+     * be made.
+     */
+    bool makeFolders(const QString &recording, const QString &fileName, QString *problem) const;
+
 private:
+    QDir folderOf(const QString &recording) const;
+
     QString pattern;
     QString extension;
     QString outputDir;

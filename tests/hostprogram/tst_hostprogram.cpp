@@ -24,6 +24,8 @@ private slots:
     void setIsNotSaved();
     void patternNaming();
     void outputFileAndFolder();
+    void foldersOfThePatternAreMade_data();
+    void foldersOfThePatternAreMade();
     void failedRecordingLeavesItsNameFree_data();
     void failedRecordingLeavesItsNameFree();
     void progress();
@@ -354,6 +356,45 @@ void tst_HostProgram::patternNaming()
                  .match(names.first())
                  .hasMatch(),
              qPrintable(names.first()));
+}
+
+void tst_HostProgram::foldersOfThePatternAreMade_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<bool>("intoOutputFolder");
+    QTest::addColumn<QString>("file");
+
+    QTest::newRow("a folder in the output folder")
+        << QStringLiteral("sub/<inputfile>") << true << QStringLiteral("out/sub/rec.txt");
+    QTest::newRow("folders in folders beside the recording")
+        << QStringLiteral("by product/<productcode>/<inputfile>") << false
+        << QStringLiteral("by product/T100/rec.txt");
+    QTest::newRow("a folder that is there already")
+        << QStringLiteral("../out/<inputfile>") << true << QStringLiteral("out/rec.txt");
+}
+
+void tst_HostProgram::foldersOfThePatternAreMade()
+{
+    QFETCH(QString, pattern);
+    QFETCH(bool, intoOutputFolder);
+    QFETCH(QString, file);
+
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "3"});
+    QStringList arguments{"export", "--quiet", "--set", "outputFileFormat=" + pattern};
+    if (intoOutputFolder)
+        arguments << "--output-dir" << path("out");
+    for (const int jobs : {1, 2}) {
+        // Two at a time, the same recording twice: the second gets its name
+        // once the first has written the file, and is refused it.
+        const Result result = run(withSettings(
+            arguments + QStringList{"--jobs", QString::number(jobs), recording, recording}));
+        QCOMPARE(result.status, 1);
+        QCOMPARE(QString::fromUtf8(result.err),
+                 recording + ": the output file " + path(file) + " was written for " + recording
+                     + " already\n");
+        QVERIFY(QFile::exists(path(file)));
+        QVERIFY(QFile::remove(path(file)));
+    }
 }
 
 void tst_HostProgram::failedRecordingLeavesItsNameFree_data()
