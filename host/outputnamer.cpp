@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -32,6 +33,19 @@ QString OutputNamer::fileName(const QString &recording, int sequenceNumber,
 {
     const bool standardInput = recording == QLatin1String("-");
     const QFileInfo input(localFilePath(recording));
+    // A line break in a file name would break every list of files it stands in.
+    for (const auto &[placeholder, key] :
+         {std::pair{"<deviceid>", "DeviceId"}, std::pair{"<productcode>", "ProductCode"},
+          std::pair{"<filterprofile>", "FilterProfile"}}) {
+        const QString text = properties.value(QLatin1String(key)).toString();
+        if (pattern.contains(QLatin1String(placeholder))
+            && (text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r')))) {
+            *problem = tr("%1: the property %2 holds a line break, which the output file name "
+                          "pattern \"%3\" would put into the file name")
+                           .arg(recording, QLatin1String(key), pattern);
+            return QString();
+        }
+    }
     const auto property = [&properties](const char *key) {
         return properties.value(QLatin1String(key))
             .toString()

@@ -16,7 +16,8 @@
  * The folders of a name are the pattern's own: a property's text never adds,
  * removes or climbs a folder level. A "/" or a NUL in a property's text
  * becomes "_", and a name whose folder or file name a property turns into
- * nothing, "." or ".." is refused.
+ * nothing, "." or ".." is refused, as is a name into which a property would
+ * put a line break.
  */
 class OutputNamer
 {

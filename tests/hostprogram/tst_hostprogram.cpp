@@ -28,6 +28,7 @@ private slots:
     void foldersOfThePatternAreMade();
     void failedRecordingLeavesItsNameFree_data();
     void failedRecordingLeavesItsNameFree();
+    void lineBreakCannotReachAFileName();
     void progress();
     void badLine_data();
     void badLine();
@@ -426,6 +427,24 @@ void tst_HostProgram::failedRecordingLeavesItsNameFree()
                    "other samples)\n"
                  + good + " -> " + path("out/x.txt") + "\n");
     QCOMPARE(readFile(path("out/x.txt")), readFile(path("expected.txt")));
+}
+
+void tst_HostProgram::lineBreakCannotReachAFileName()
+{
+    writeFile(path("noted.jsonl"),
+              "{\"properties\": {\"DeviceId\": \"01\\n23\"}, \"updateRate\": 100}\n"
+              "{\"packetCounter\": 1, \"orientationEuler\": [1, 2, 3]}\n");
+    // The default pattern does not use the device: the text may hold anything.
+    QCOMPARE(run(withSettings({"export", "--quiet", path("noted.jsonl")})).status, 0);
+    QVERIFY(QFile::exists(path("noted-001.txt")));
+    const Result named = run(withSettings(
+        {"export", "--set", "outputFileFormat=<inputfile>-<deviceid>", path("noted.jsonl")}));
+    QCOMPARE(named.status, 1);
+    QCOMPARE(QString::fromUtf8(named.err),
+             path("noted.jsonl")
+                 + ": the property DeviceId holds a line break, which the output file name "
+                   "pattern \"<inputfile>-<deviceid>\" would put into the file name\n");
+    QCOMPARE(QDir(dir->path()).entryList({"noted-01*"}, QDir::Files), QStringList());
 }
 
 void tst_HostProgram::outputFileAndFolder()
