@@ -8,18 +8,27 @@ over the same generated recordings, whole exports through asciiexport against
 the to_chars limit writing the same rows, peak memory, and the reader's
 differential check of numbers on a large count.
 
-Last, a generated UBX receiver log: reading it (info --recording reads every
+Then a generated UBX receiver log: reading it (info --recording reads every
 epoch), exporting it with the raw GPS and GNSS groups, and converting it to
-JSON Lines, in MB/s of the log, with peak memory.
+JSON Lines, in MB/s of the log, with peak memory; the same export of the log
+with its epochs reversed and shuffled, against the log in order; and the
+scan of a stream crafted to announce a long frame at every sixth byte.
+
+Last, a batch of small recordings exported one after another and two at a
+time (--jobs 2): wall time and the processor time of all processes.
 
 Usage: run_bench.py BUILD_DIR [ROWS [SAMPLES [NUMBERS [EPOCHS]]]]
        run_bench.py BUILD_DIR reader [SAMPLES]  (the reading side only)
        run_bench.py BUILD_DIR ubx [EPOCHS]      (the UBX log only)
+       run_bench.py BUILD_DIR batch             (the batch of small recordings only)
 """
+
+import random
 
 import hashlib
 import json
 import os
+import random
 import resource
 import subprocess
 import sys
@@ -90,12 +99,16 @@ def medians_side_by_side(runs):
     return {label: sorted(rs, key=lambda r: r["seconds"])[len(rs) // 2] for label, rs in results.items()}
 
 
-def program_run(arguments):
-    process = subprocess.Popen(arguments)
-    start = time.perf_counter()
-    _, status, usage = os.wait4(process.pid, 0)
+def program_run(arguments, status=0, quiet=False):
+    """Wall time, processor time of the process and its children, and peak memory;
+    @p status is the exit status the run must have."""
+    with open(os.devnull, "w") as null:
+        output = null if quiet else None
+        process = subprocess.Popen(arguments, stdout=output, stderr=output)
+        start = time.perf_counter()
+        _, wait, usage = os.wait4(process.pid, 0)
     seconds = time.perf_counter() - start
-    if status != 0:
+    if os.waitstatus_to_exitcode(wait) != status:
         sys.exit(f"{' '.join(arguments)} failed")
     return {"seconds": seconds, "cpu_seconds": usage.ru_utime + usage.ru_stime, "peak_kib": usage.ru_maxrss}
 
@@ -208,21 +221,74 @@ def ubx_section(build, epochs):
             ("export, raw GPS and GNSS", [program, "export", "--quiet", "--settings", settings, *raw, "-o", output,
                                           log]),
             ("convert to JSON Lines", [program, "convert", log, "-o", converted]))
-    with open(os.devnull, "w") as quiet:
-        for label, arguments in ways:
-            def timed():
-                process = subprocess.Popen(arguments, stdout=quiet, stderr=quiet)
-                start = time.perf_counter()
-                _, status, usage = os.wait4(process.pid, 0)
-                if status != 0:
-                    sys.exit(f"{' '.join(arguments)} failed")
-                return {"seconds": time.perf_counter() - start, "peak_kib": usage.ru_maxrss}
-            r = median_of(timed)
-            print(f"{label:<44}{r['seconds'] / epochs * 1e9:>10.0f}{size / r['seconds'] / 1e6:>8.0f}"
-                  f"{r['peak_kib'] / 1024:>10.1f}")
+    for label, arguments in ways:
+        r = median_of(lambda: program_run(arguments, quiet=True))
+        print(f"{label:<44}{r['seconds'] / epochs * 1e9:>10.0f}{size / r['seconds'] / 1e6:>8.0f}"
+              f"{r['peak_kib'] / 1024:>10.1f}")
+
+    # The same log with its epochs (each opens with NAV-SOL) out of order.
+    with open(log, "rb") as f:
+        data = f.read()
+    starts = []
+    at = data.find(b"\xb5\x62\x01\x06")
+    while at >= 0:
+        starts.append(at)
+        at = data.find(b"\xb5\x62\x01\x06", at + 1)
+    blocks = [data[a:b] for a, b in zip(starts, starts[1:] + [len(data)])]
+    orders = {"in order": blocks, "reversed": blocks[::-1],
+              "shuffled": random.Random(1).sample(blocks, len(blocks))}
+    logs = {}
+    for label, order in orders.items():
+        logs[label] = os.path.join(SCRATCH, f"asciiexporter-bench-{label.replace(' ', '-')}.ubx")
+        with open(logs[label], "wb") as f:
+            f.write(data[:starts[0]] + b"".join(order))
+    del data, blocks, orders
+    results = medians_side_by_side({
+        label: (lambda path=path: program_run([program, "export", "--quiet", "--settings", settings, *raw,
+                                               "-o", output, path]))
+        for label, path in logs.items()})
+    print()
+    print(f"{'export, raw GPS and GNSS, epochs':<44}{'ns/epoch':>10}{'MB/s':>8}{'/in order':>10}")
+    for label, r in results.items():
+        print(f"{label:<44}{r['seconds'] / epochs * 1e9:>10.0f}{size / r['seconds'] / 1e6:>8.0f}"
+              f"{r['seconds'] / results['in order']['seconds']:>10.2f}")
+        os.remove(logs[label])
+
+    # Sync bytes announcing a frame of 65,535 bytes at every sixth byte.
+    crafted_size = 10 * 1000 * 1000
+    with open(log, "wb") as f:
+        f.write(b"\xb5\x62\x01\x07\xff\xff" * (crafted_size // 6))
+    r = median_of(lambda: program_run([program, "info", "--recording", log], status=1, quiet=True))
+    print()
+    print(f"scan of {crafted_size / 1e6:.0f} MB crafted to announce a long frame every 6 bytes: "
+          f"{r['seconds']:.2f} s, {crafted_size / r['seconds'] / 1e6:.0f} MB/s")
     for leftover in (log, output, converted, settings):
         if os.path.exists(leftover):
             os.remove(leftover)
+    return True
+
+
+def batch_section(build, count=200):
+    program = os.path.join(build, "bin", "asciiexport")
+    folder = os.path.join(SCRATCH, "asciiexporter-bench-batch")
+    os.makedirs(folder, exist_ok=True)
+    settings = os.path.join(folder, "settings.ini")
+    recordings = []
+    for i in range(count):
+        recordings.append(os.path.join(folder, f"small-{i}.jsonl"))
+        run_child([program, "generate", "--samples", "5", "--seed", str(i + 1), "-o", recordings[-1]])
+    print()
+    print(f"A batch of {count} small recordings (5 samples each), median of {REPEATS} runs")
+    print()
+    print(f"{'way':<30}{'wall ms':>10}{'processor ms':>14}{'/one after another':>20}")
+    alone = None
+    for label, jobs in (("one after another", "1"), ("two at a time (--jobs 2)", "2")):
+        r = median_of(lambda: program_run([program, "export", "--quiet", "--settings", settings, "--jobs", jobs,
+                                           "--output-dir", os.path.join(folder, "out"), *recordings]))
+        alone = alone or r["cpu_seconds"]
+        print(f"{label:<30}{r['seconds'] * 1e3:>10.0f}{r['cpu_seconds'] * 1e3:>14.0f}"
+              f"{r['cpu_seconds'] / alone:>20.2f}")
+    subprocess.run(["rm", "-rf", folder], check=True)
     return True
 
 
@@ -237,6 +303,8 @@ def main():
     build = sys.argv[1]
     if len(sys.argv) > 2 and sys.argv[2] == "ubx":
         return 0 if ubx_section(build, int(sys.argv[3]) if len(sys.argv) > 3 else 100000) else 1
+    if len(sys.argv) > 2 and sys.argv[2] == "batch":
+        return 0 if batch_section(build) else 1
     if len(sys.argv) > 2 and sys.argv[2] == "reader":
         return 0 if reader_section(build, int(sys.argv[3]) if len(sys.argv) > 3 else 300000) else 1
     rows = int(sys.argv[2]) if len(sys.argv) > 2 else 1000000
@@ -296,6 +364,7 @@ def main():
     ok = reader_section(build, samples) and ok
     ok = number_check(build, numbers) and ok
     ok = ubx_section(build, epochs) and ok
+    ok = batch_section(build) and ok
     return 0 if ok else 1
 
 
