@@ -76,10 +76,6 @@
         <translation>%1 nimmt true, false, 1 oder 0, nicht „%2“</translation>
     </message>
     <message>
-        <source>%1: the output file %2 was written for %3 already</source>
-        <translation>%1: Die Ausgabedatei %2 wurde schon für %3 geschrieben</translation>
-    </message>
-    <message>
         <source>Lists every setting of the plug-in: its current value, its default and its description.</source>
         <translation>Listet jede Einstellung des Plug-ins auf: ihren Wert, ihre Vorgabe und ihre Beschreibung.</translation>
     </message>
@@ -276,10 +272,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>%1: the folder cannot be made: %2</source>
         <translation>%1: Der Ordner kann nicht angelegt werden: %2</translation>
-    </message>
-    <message>
-        <source>%1: the output file %2 would replace a recording of this run</source>
-        <translation>%1: Die Ausgabedatei %2 würde eine Aufzeichnung dieses Laufs ersetzen</translation>
     </message>
     <message>
         <source>%1: samples written: %2, bad lines skipped: %3</source>
@@ -483,6 +475,36 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <source>%1: the output file name pattern &quot;%2&quot; gives the folder name &quot;%3&quot; for this recording; a recording&apos;s properties may not remove or climb a folder level</source>
         <translation>%1: Das Muster des Ausgabedateinamens „%2“ ergibt für diese Aufzeichnung den Ordnernamen „%3“; die Eigenschaften einer Aufzeichnung dürfen keine Ordnerebene entfernen oder verlassen</translation>
     </message>
+    <message>
+        <source>%1: the property %2 holds a line break, which the output file name pattern &quot;%3&quot; would put into the file name</source>
+        <translation>%1: Die Eigenschaft %2 enthält einen Zeilenumbruch, den das Muster für Ausgabedateinamen &quot;%3&quot; in den Dateinamen setzen würde</translation>
+    </message>
+    <message>
+        <source>%1: the folder %2 cannot be made: %3</source>
+        <translation>%1: Der Ordner %2 kann nicht angelegt werden: %3</translation>
+    </message>
+</context>
+<context>
+    <name>OutputNames</name>
+    <message>
+        <source>%1: the output file %2 was written for %3 already</source>
+        <translation>%1: Die Ausgabedatei %2 wurde schon für %3 geschrieben</translation>
+    </message>
+    <message>
+        <source>%1: the output file %2 would replace a recording of this run</source>
+        <translation>%1: Die Ausgabedatei %2 würde eine Aufzeichnung dieses Laufs ersetzen</translation>
+    </message>
+</context>
+<context>
+    <name>ParallelExports</name>
+    <message>
+        <source>%1: the export process was killed by signal %2 (%3) before it finished</source>
+        <translation>%1: Der Exportprozess wurde durch Signal %2 (%3) beendet, bevor er fertig war</translation>
+    </message>
+    <message>
+        <source>%1: the export process ended with status %2 before it finished</source>
+        <translation>%1: Der Exportprozess endete mit Status %2, bevor er fertig war</translation>
+    </message>
 </context>
 <context>
     <name>PluginHost</name>
@@ -643,10 +665,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>Epochen</translation>
     </message>
     <message>
-        <source>%1 (iTOW %2 to %3 ms)</source>
-        <translation>%1 (iTOW %2 bis %3 ms)</translation>
-    </message>
-    <message>
         <source>Satellites</source>
         <translation>Satelliten</translation>
     </message>
@@ -669,6 +687,22 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>not known</source>
         <translation>unbekannt</translation>
+    </message>
+    <message>
+        <source>At iTOW 0</source>
+        <translation>Bei iTOW 0</translation>
+    </message>
+    <message>
+        <source>week %1 iTOW %2 ms</source>
+        <translation>Woche %1 iTOW %2 ms</translation>
+    </message>
+    <message>
+        <source>iTOW %1 ms</source>
+        <translation>iTOW %1 ms</translation>
+    </message>
+    <message>
+        <source>%1 (%2 to %3)</source>
+        <translation>%1 (%2 bis %3)</translation>
     </message>
 </context>
 <context>
@@ -760,10 +794,22 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     </message>
 </context>
 <context>
-    <name>UbxFrameScanner</name>
+    <name>TemporaryCopy</name>
     <message>
-        <source>cannot keep a copy of the data: %1</source>
-        <translation>keine Kopie der Daten möglich: %1</translation>
+        <source>%1: cannot make a temporary copy: %2</source>
+        <translation>%1: keine temporäre Kopie möglich: %2</translation>
+    </message>
+    <message>
+        <source>%1: cannot be read: %2</source>
+        <translation>%1: kann nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>%1: cannot make a temporary copy: after %2, the temporary folder %3 would have less than %4 free (TMPDIR names another folder)</source>
+        <translation>%1: keine temporäre Kopie möglich: nach %2 hätte der temporäre Ordner %3 weniger als %4 frei (TMPDIR nennt einen anderen Ordner)</translation>
+    </message>
+    <message>
+        <source>%1: cannot make a temporary copy in %2: %3</source>
+        <translation>%1: keine temporäre Kopie in %2 möglich: %3</translation>
     </message>
 </context>
 <context>
@@ -777,10 +823,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>%1: kann nicht gelesen werden: %2</translation>
     </message>
     <message>
-        <source>%1: cannot make a temporary copy: %2</source>
-        <translation>%1: keine temporäre Kopie möglich: %2</translation>
-    </message>
-    <message>
         <source>%1: holds no UBX frame with a good checksum</source>
         <translation>%1: enthält keinen UBX-Frame mit richtiger Prüfsumme</translation>
     </message>
@@ -789,8 +831,32 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>%1: Das Log hat sich beim Lesen geändert</translation>
     </message>
     <message>
-        <source>%1: skipped %2 of %3 bytes outside good UBX frames (%4 frames with a bad checksum, %5 cut short at the end)</source>
-        <translation>%1: %2 von %3 Bytes außerhalb guter UBX-Frames übersprungen (%4 Frames mit falscher Prüfsumme, %5 am Ende abgeschnitten)</translation>
+        <source>%1: a UBX log is read twice, which a pipe cannot be</source>
+        <translation>%1: Ein UBX-Protokoll wird zweimal gelesen, was eine Pipe nicht zulässt</translation>
+    </message>
+    <message>
+        <source>%1: is too large to be read as a UBX log</source>
+        <translation>%1: ist zu groß, um als UBX-Protokoll gelesen zu werden</translation>
+    </message>
+    <message>
+        <source>%1 of %2 bytes outside good UBX frames (frames with a bad checksum: %3, cut short at the end: %4)</source>
+        <translation>%1 von %2 Bytes außerhalb guter UBX-Frames (Frames mit falscher Prüfsumme: %3, am Ende abgeschnitten: %4)</translation>
+    </message>
+    <message>
+        <source>messages of a wrong length: %1</source>
+        <translation>Nachrichten falscher Länge: %1</translation>
+    </message>
+    <message>
+        <source>repeated messages: %1</source>
+        <translation>wiederholte Nachrichten: %1</translation>
+    </message>
+    <message>
+        <source>messages at time of week 0, which hold no data: %1</source>
+        <translation>Nachrichten bei Wochenzeit 0, die keine Daten enthalten: %1</translation>
+    </message>
+    <message>
+        <source>%1: passed over: %2</source>
+        <translation>%1: übergangen: %2</translation>
     </message>
 </context>
 <context>
