@@ -4,12 +4,12 @@
 #include "readahead.h"
 #include "recordinginput.h"
 #include "recordingsource.h"
+#include "samefile.h"
 
 #include <abstractexporter.h>
 #include <abstractexporterfactory.h>
 
 #include <QFileDevice>
-#include <QFileInfo>
 
 #include <memory>
 
@@ -69,12 +69,10 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
     output = outputName(reader.properties(), &problem);
     if (output.isEmpty())
         return fail(problem);
-    if (!fromStandardInput && output != OutputFile::standardOutputName()) {
-        const QFileInfo target(output);
-        if (target.exists()
-            && target.canonicalFilePath() == QFileInfo(recording).canonicalFilePath())
-            return fail(tr("%1: the output file would replace the recording itself").arg(output));
-    }
+    // By whichever name: a link, a hard link or a descriptor's name.
+    if (!fromStandardInput && output != OutputFile::standardOutputName()
+        && isSameFile(output, recording))
+        return fail(tr("%1: the output file would replace the recording itself").arg(output));
 
     OutputFile file(output);
     QString reported;

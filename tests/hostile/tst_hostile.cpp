@@ -59,6 +59,8 @@ private slots:
     void propertiesCannotMoveOrEmptyTheName_data();
     void propertiesCannotMoveOrEmptyTheName();
     void batchCannotReplaceItsOwnRecordings();
+    void exportCannotReplaceItsRecordingByAnyName_data();
+    void exportCannotReplaceItsRecordingByAnyName();
     void convertCannotReplaceItsLog_data();
     void convertCannotReplaceItsLog();
     void lineBreaksInPropertyTexts_data();
@@ -949,6 +951,30 @@ void tst_Hostile::batchCannotReplaceItsOwnRecordings()
     QCOMPARE(result.status, 1);
     QCOMPARE(readFile(path("a.jsonl")), smallRecording);
     QCOMPARE(readFile(path("b.jsonl")), smallRecording);
+}
+
+void tst_Hostile::exportCannotReplaceItsRecordingByAnyName_data()
+{
+    QTest::addColumn<QString>("link");
+
+    QTest::newRow("a hard link") << QStringLiteral("ln");
+    QTest::newRow("a symbolic link") << QStringLiteral("ln -s");
+}
+
+void tst_Hostile::exportCannotReplaceItsRecordingByAnyName()
+{
+    QFETCH(QString, link);
+
+    writeFile(path("a.jsonl"), smallRecording);
+    const Result result =
+        runInShell(link + QStringLiteral(" a.jsonl other.txt && exec \"$0\" \"$@\""),
+                   {"export", "--settings", path("settings.ini"), "--quiet", "-o",
+                    path("other.txt"), path("a.jsonl")});
+    QCOMPARE(QString::fromUtf8(result.err),
+             path("other.txt")
+                 + QStringLiteral(": the output file would replace the recording itself\n"));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(readFile(path("a.jsonl")), smallRecording);
 }
 
 void tst_Hostile::convertCannotReplaceItsLog_data()
