@@ -20,8 +20,8 @@ OutputNames::Answer OutputNames::claim(int index, const QString &fileName, QStri
     claim.asked = true;
     for (int earlier = 0; earlier < index; ++earlier) {
         const Claim &other = claims.at(earlier);
-        const bool settled = other.finished || other.refused
-            || (other.asked && other.fileName != fileName);
+        const bool settled =
+            other.finished || other.refused || (other.asked && other.fileName != fileName);
         if (!settled)
             return Answer::Wait;
     }
