@@ -44,6 +44,9 @@ private:
     QString generated(const QString &name, const QStringList &options = {});
     QStringList files(const QString &folder) const;
     QByteArray readFile(const QString &name) const;
+    // The program, its plug-in and libraries copied into the test's folder,
+    // all of it open to other users; empty on failure.
+    QString copyOfTheProgram();
     // Starts an export of a.jsonl, b.jsonl and a FIFO nobody writes, two at
     // a time, and waits until only the worker stuck on the FIFO is left.
     pid_t startStuckExport(QProcess &process);
@@ -128,6 +131,32 @@ QByteArray tst_ParallelExports::readFile(const QString &name) const
 {
     QFile file(path(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
+}
+
+QString tst_ParallelExports::copyOfTheProgram()
+{
+    const QString copy = path(QStringLiteral("program/bin/asciiexport"));
+    // The program finds its plug-in beside its own folder, and the libraries
+    // where LD_LIBRARY_PATH says.
+    const QList<QPair<QString, QString>> files{
+        {program, copy},
+        {QStringLiteral(ASCIIEXPORTER_PLUGIN),
+         path(QStringLiteral("program/plugins/exporters/libasciiexporter.so"))},
+        {QStringLiteral(PLUGINFRAMEWORK_LIBRARY),
+         path(QStringLiteral("program/lib/" PLUGINFRAMEWORK_SONAME))},
+        {QStringLiteral(KVTYPES_LIBRARY), path(QStringLiteral("program/lib/" KVTYPES_SONAME))},
+    };
+    for (const auto &[from, to] : files) {
+        if (!QDir().mkpath(QFileInfo(to).path()) || !QFile::copy(from, to)
+            || !QFile::setPermissions(to, QFile::Permissions(0x7555)))
+            return QString();
+    }
+    for (const char *folder : {"program", "program/bin", "program/lib", "program/plugins",
+                               "program/plugins/exporters"}) {
+        if (!QFile::setPermissions(path(QLatin1String(folder)), QFile::Permissions(0x7755)))
+            return QString();
+    }
+    return copy;
 }
 
 void tst_ParallelExports::pipesAreReadOnce_data()
@@ -283,19 +312,29 @@ void tst_ParallelExports::fewerAtATimeUnderLimits()
     if (prlimit.isEmpty())
         QSKIP("prlimit is not there to set the limit");
     QStringList command{prlimit, limit, "--", program};
-    // Root has no process limit: the program runs as nobody then.
+    // Root has no process limit: the program runs as nobody then, from a
+    // copy in the test's folder, which the build's folder may not let it reach.
     if (asAnotherUser) {
         const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
         if (::geteuid() != 0 || setpriv.isEmpty())
             QSKIP("a process limit holds for another user only, which root and setpriv can make");
-        command =
-            QStringList{setpriv, "--reuid=nobody", "--regid=nogroup", "--clear-groups"} + command;
-        QVERIFY(QFile::setPermissions(dir->path(), QFile::Permissions(0x7777)));
-        // The test's folder must be within reach of that user.
         for (QDir up(dir->path()); up.cdUp() && !up.isRoot();) {
             if (!(QFileInfo(up.path()).permissions() & QFile::ExeOther))
                 QSKIP("another user cannot reach the test's temporary folder");
         }
+        const QString copy = copyOfTheProgram();
+        QVERIFY(!copy.isEmpty());
+        QVERIFY(QFile::setPermissions(dir->path(), QFile::Permissions(0x7777)));
+        command = QStringList{setpriv,
+                              "--reuid=nobody",
+                              "--regid=nogroup",
+                              "--clear-groups",
+                              QStandardPaths::findExecutable(QStringLiteral("env")),
+                              "LD_LIBRARY_PATH=" + path("program/lib"),
+                              prlimit,
+                              limit,
+                              "--",
+                              copy};
     }
     QStringList recordings;
     for (int i = 1; i <= 12; ++i) {

@@ -119,34 +119,29 @@ QDateTime utcAt(int week, quint32 iTOW)
         .addMSecs(week * msPerWeek + iTOW - 18000);
 }
 
+// The date and time as both messages hold them: year, month, day, hour,
+// minute, second, then the validity flags.
+Payload &dated(Payload &payload, int offset, const QDateTime &utc, quint8 valid)
+{
+    return payload.u16(offset, quint16(utc.date().year()))
+        .u8(offset + 2, quint8(utc.date().month()))
+        .u8(offset + 3, quint8(utc.date().day()))
+        .u8(offset + 4, quint8(utc.time().hour()))
+        .u8(offset + 5, quint8(utc.time().minute()))
+        .u8(offset + 6, quint8(utc.time().second()))
+        .u8(offset + 7, valid);
+}
+
 QByteArray navPvtAt(int week, quint32 iTOW, quint8 valid = pvtValid)
 {
-    const QDateTime utc = utcAt(week, iTOW);
-    return Payload(92)
-        .u32(0, iTOW)
-        .u16(4, quint16(utc.date().year()))
-        .u8(6, quint8(utc.date().month()))
-        .u8(7, quint8(utc.date().day()))
-        .u8(8, quint8(utc.time().hour()))
-        .u8(9, quint8(utc.time().minute()))
-        .u8(10, quint8(utc.time().second()))
-        .u8(11, valid)
-        .frame(0x01, 0x07);
+    Payload payload(92);
+    return dated(payload.u32(0, iTOW), 4, utcAt(week, iTOW), valid).frame(0x01, 0x07);
 }
 
 QByteArray navTimeUtcAt(int week, quint32 iTOW, quint8 valid = utcValid)
 {
-    const QDateTime utc = utcAt(week, iTOW);
-    return Payload(20)
-        .u32(0, iTOW)
-        .u16(12, quint16(utc.date().year()))
-        .u8(14, quint8(utc.date().month()))
-        .u8(15, quint8(utc.date().day()))
-        .u8(16, quint8(utc.time().hour()))
-        .u8(17, quint8(utc.time().minute()))
-        .u8(18, quint8(utc.time().second()))
-        .u8(19, valid)
-        .frame(0x01, 0x21);
+    Payload payload(20);
+    return dated(payload.u32(0, iTOW), 12, utcAt(week, iTOW), valid).frame(0x01, 0x21);
 }
 
 QString startTimeAt(int week, quint32 iTOW)
