@@ -162,8 +162,8 @@ int exportRecordings(const QStringList &arguments)
                                    tr("Export every N-th of these samples."), tr("N"));
     const QCommandLineOption jobs(
         QStringLiteral("jobs"),
-        tr("Export up to N recordings at a time, each in a process of its own; the "
-           "files and messages are those of one export after another."),
+        tr("Export up to N recordings at a time, in N worker processes; the files and "
+           "messages are those of one export after another."),
         tr("N"));
     const QCommandLineOption progress(
         QStringLiteral("progress"),

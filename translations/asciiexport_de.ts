@@ -346,8 +346,8 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>Jeden N-ten dieser Abtastwerte exportieren.</translation>
     </message>
     <message>
-        <source>Export up to N recordings at a time, each in a process of its own; the files and messages are those of one export after another.</source>
-        <translation>Bis zu N Aufzeichnungen gleichzeitig exportieren, jede in einem eigenen Prozess; Dateien und Meldungen sind die eines Exports nach dem anderen.</translation>
+        <source>Export up to N recordings at a time, in N worker processes; the files and messages are those of one export after another.</source>
+        <translation>Bis zu N Aufzeichnungen gleichzeitig exportieren, in N Arbeitsprozessen; Dateien und Meldungen sind die eines Exports nach dem anderen.</translation>
     </message>
     <message>
         <source>Show no progress, and do not name the files written.</source>
