@@ -186,6 +186,13 @@ bool UbxReader::indexFrames(QIODevice *source)
             for (Epoch &epoch : epochs)
                 epoch.time += shift;
         }
+        // So does a week shown among an epoch's messages for those of them
+        // before it, which carried a week the log had not shown for them:
+        // the week of the log before, where two logs are joined.
+        if (week && !epochs.empty() && !(epochs.back().marks & Epoch::weekShown)
+            && epochs.back().time != time
+            && (time - epochs.back().time) % UbxTimeline::msPerWeek == 0)
+            epochs.back().time = time;
 
         // An epoch's messages mostly come together; one that comes apart
         // makes an entry of its own, merged once the entries are in order.
@@ -196,6 +203,8 @@ bool UbxReader::indexFrames(QIODevice *source)
                 epochs.back().marks |= Epoch::atTimeOfWeekZero;
         }
         Epoch &epoch = epochs.back();
+        if (week)
+            epoch.marks |= Epoch::weekShown;
         if (epoch.hasFrame(kind)) {
             ++counts.repeated;
             continue;

@@ -18,7 +18,9 @@
  * NAV-TIMEUTC, NAV-SVINFO, NAV-PVT and NAV-SAT messages and a packet counter.
  *
  * An epoch's time is its GPS week and time of week (see UbxTimeline), so a
- * log may cross the end of a week or hold several weeks. Messages are
+ * log may cross the end of a week or hold several weeks; a week shown by one
+ * of an epoch's messages is the week of those that came before it in the
+ * epoch too, as where two logs are joined. Messages are
  * grouped into epochs by that time, the first message of each kind
  * counting, and the epochs come out in ascending time even when the log
  * holds them out of order. An epoch at time of week 0 comes out without
@@ -79,9 +81,12 @@ private:
         // Where the frame of each kind starts in the log, plus 1; 0 for none.
         quint32 startLow[kindCount] = {};
         quint16 startHigh[kindCount] = {};
-        // Which frames carry a valid date (bit per kind), and atTimeOfWeekZero.
+        // Which frames carry a valid date (bit per kind), weekShown and
+        // atTimeOfWeekZero.
         quint8 marks = 0;
 
+        // One of its messages showed the week.
+        static constexpr quint8 weekShown = 0x40;
         static constexpr quint8 atTimeOfWeekZero = 0x80;
 
         bool hasFrame(int kind) const { return startLow[kind] != 0 || startHigh[kind] != 0; }

@@ -248,8 +248,14 @@ def read_epochs(frames):
                     entry["time"] += (shown_week - week) * MS_PER_WEEK
             week, shown = shown_week, True
         time = week * MS_PER_WEEK + itow
+        # The messages of the epoch before this one showed its week take it too.
+        if (shown_week is not None and entries and not entries[-1]["week shown"]
+                and entries[-1]["time"] != time and (time - entries[-1]["time"]) % MS_PER_WEEK == 0):
+            entries[-1]["time"] = time
         if not entries or entries[-1]["time"] != time:
-            entries.append({"time": time, "itow": itow, "kinds": {}, "dated": set()})
+            entries.append({"time": time, "itow": itow, "kinds": {}, "dated": set(), "week shown": False})
+        if shown_week is not None:
+            entries[-1]["week shown"] = True
         if kind in entries[-1]["kinds"]:
             repeated += 1
             continue

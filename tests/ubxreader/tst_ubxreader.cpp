@@ -257,6 +257,7 @@ private slots:
     void detection();
     void sourceAnswersFromTheEpoch();
     void weeksApartWithTheSameTimeOfWeek();
+    void logsOfDifferentWeeksJoined_data();
     void logsOfDifferentWeeksJoined();
     void logAcrossTheEndOfAWeek();
     void weekCarriedAcrossAWrap_data();
@@ -763,14 +764,29 @@ void tst_UbxReader::weeksApartWithTheSameTimeOfWeek()
     QCOMPARE(read.statistics.repeated, qint64(0));
 }
 
+void tst_UbxReader::logsOfDifferentWeeksJoined_data()
+{
+    QTest::addColumn<bool>("weekFirst");
+
+    QTest::newRow("each epoch opens with the message that shows its week") << true;
+    QTest::newRow("a message without a week comes first") << false;
+}
+
 void tst_UbxReader::logsOfDifferentWeeksJoined()
 {
-    // Two logs joined with cat, the later one first: each epoch's messages
-    // start with NAV-PVT, whose date gives the week.
+    QFETCH(bool, weekFirst);
+
+    // Two logs joined with cat, the later one first. The week comes from
+    // NAV-PVT's date and NAV-SOL.
     QByteArray later, earlier;
     for (quint32 iTOW = 1000; iTOW <= 3000; iTOW += 1000) {
-        later += navPvtAt(2401, iTOW) + navSol(iTOW, 1, 2401) + navDop(iTOW, 1);
-        earlier += navPvtAt(2400, iTOW) + navSol(iTOW, 0, 2400) + navDop(iTOW, 0);
+        if (weekFirst) {
+            later += navPvtAt(2401, iTOW) + navSol(iTOW, 1, 2401) + navDop(iTOW, 1);
+            earlier += navPvtAt(2400, iTOW) + navSol(iTOW, 0, 2400) + navDop(iTOW, 0);
+        } else {
+            later += navDop(iTOW, 1) + navSol(iTOW, 1, 2401) + navPvtAt(2401, iTOW);
+            earlier += navDop(iTOW, 0) + navSol(iTOW, 0, 2400) + navPvtAt(2400, iTOW);
+        }
     }
     const Samples read = this->read(later + earlier);
     QCOMPARE(read.samples.size(), std::size_t(6));
