@@ -856,6 +856,8 @@ void tst_RecordingReader::windowsLineEndsAndByteOrderMark()
 void tst_RecordingReader::samplesAreReadOneAtATime()
 {
     QByteArray content = header;
+    // One append at a time may grow the array only by what it appends.
+    content.reserve(header.size() + 20000 * 48);
     for (int i = 0; i < 20000; ++i)
         content += R"({"packetCounter": )" + QByteArray::number(i % 65536)
             + R"(, "sampleTimeFine": )" + QByteArray::number(i * 100) + "}\n";

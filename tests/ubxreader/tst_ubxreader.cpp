@@ -637,6 +637,8 @@ void tst_UbxReader::frameAcrossBlocks()
 {
     // Frames on both sides of every boundary of the scanner's 1 MiB blocks.
     QByteArray log;
+    // One append at a time may grow the array only by what it appends.
+    log.reserve(3 * (1 << 20) + 1024);
     quint32 iTOW = 1000;
     while (log.size() < 3 * (1 << 20)) {
         iTOW += 100;
