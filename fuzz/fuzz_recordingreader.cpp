@@ -1,4 +1,4 @@
-#include <recordingreader.h>
+#include <jsonlinesreader.h>
 #include <recordingsource.h>
 
 #include <QFile>
@@ -90,7 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
             std::abort();
     }
 
-    RecordingReader reader;
+    JsonLinesReader reader;
     double sum = 0.0;
     const bool opened = reader.open(path);
     if (opened) {

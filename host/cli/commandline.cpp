@@ -1,6 +1,8 @@
 #include "commandline.h"
 
+#include "commands.h"
 #include "localfilepath.h"
+#include "outputfile.h"
 #include "pluginhost.h"
 #include "versiontext.h"
 
@@ -21,6 +23,15 @@
 #include <unistd.h>
 
 namespace Commands {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("Commands", text);
+}
+
+} // namespace Commands
+
+namespace CommandLine {
 
 namespace {
 
@@ -47,7 +58,7 @@ QString unreadableReason(const QString &fileName)
 
 QString tr(const char *text)
 {
-    return QCoreApplication::translate("Commands", text);
+    return QCoreApplication::translate("CommandLine", text);
 }
 
 void printLine(std::FILE *stream, const QString &text)
@@ -171,4 +182,29 @@ bool loadPlugin(PluginHost &host, const QString &settings)
     return true;
 }
 
-} // namespace Commands
+int writeOutput(
+    const QString &fileName,
+    const std::function<bool(QIODevice *device, const QString &shownName, QString *message)> &write)
+{
+    OutputFile file(fileName);
+    const QString shownName =
+        fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
+    if (!file.device()->open(QIODevice::WriteOnly)) {
+        printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
+        return 1;
+    }
+    QString message;
+    if (!write(file.device(), shownName, &message)) {
+        if (!file.readerWentAway())
+            printError(message);
+        return 1;
+    }
+    if (!file.commit()) {
+        if (!file.readerWentAway())
+            printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace CommandLine

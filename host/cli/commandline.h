@@ -4,8 +4,10 @@
 #include <QStringList>
 
 #include <cstdio>
+#include <functional>
 
 class PluginHost;
+class QIODevice;
 class QCommandLineOption;
 class QCommandLineParser;
 
@@ -14,9 +16,9 @@ class QCommandLineParser;
  * and the settings file, and the parsing of their arguments with --help and
  * --version.
  */
-namespace Commands {
+namespace CommandLine {
 
-/** @p text translated in the commands' context. */
+/** @p text translated in the context of the command line. */
 QString tr(const char *text);
 
 void printLine(std::FILE *stream, const QString &text);
@@ -44,4 +46,14 @@ QString settingsFile(const QCommandLineParser &parser, const QCommandLineOption 
 /** Loads the plug-in and its stored settings; false after reporting why not. */
 bool loadPlugin(PluginHost &host, const QString &settings);
 
-} // namespace Commands
+/**
+ * Writes @p fileName ("-": standard output) with @p write, which sets the
+ * message when it fails. The file takes its name only when everything was
+ * written. Gives the exit status, after saying what went wrong; nothing when
+ * the reader of a pipe went away.
+ */
+int writeOutput(
+    const QString &fileName,
+    const std::function<bool(QIODevice *device, const QString &shownName, QString *message)> &write);
+
+} // namespace CommandLine

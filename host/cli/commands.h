@@ -16,4 +16,7 @@ int showInfo(const QStringList &arguments);
 int generate(const QStringList &arguments);
 int convert(const QStringList &arguments);
 
+/** @p text translated in the commands' context. */
+QString tr(const char *text);
+
 } // namespace Commands

@@ -35,6 +35,8 @@
 
 namespace Commands {
 
+using namespace CommandLine;
+
 namespace {
 
 // The number of single-character edits between @p a and @p b, ignoring case.

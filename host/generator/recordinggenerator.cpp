@@ -1,6 +1,6 @@
 #include "recordinggenerator.h"
 
-#include "jsonline.h"
+#include "jsonlinewriter.h"
 #include "samplewriters.h"
 #include "walk.h"
 
@@ -49,6 +49,14 @@ bool checkOptions(const GeneratorOptions &options, QString *error)
 
 } // namespace
 
+QStringList recordingKeys()
+{
+    QStringList keys;
+    for (std::size_t i = 0; i < sampleWriterCount; ++i)
+        keys.append(QLatin1String(sampleWriters[i].key));
+    return keys;
+}
+
 bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString *error)
 {
     if (!checkOptions(options, error))
@@ -67,7 +75,7 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
     }
 
     Walk walk(options, recordingReceiverRate);
-    JsonLine line;
+    JsonLineWriter line;
     walk.writeRecordingObject(line);
     if (!writeLine(out, line.data(), error))
         return false;

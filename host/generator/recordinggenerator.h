@@ -18,9 +18,12 @@ struct GeneratorOptions
     double rate = 100.0;
     /** Seed of the noise; the same options give the same bytes. */
     quint64 seed = 1;
-    /** The sample keys to write (see SampleReader::keys()); empty for every key. */
+    /** The sample keys to write (see recordingKeys()); empty for every key. */
     QStringList keys;
 };
+
+/** The sample keys of the recording format that the generator writes, in the order of a line. */
+QStringList recordingKeys();
 
 /**
  * Writes a synthetic recording in the JSON Lines format to @p out, which must

@@ -1,84 +1,84 @@
 #include "samplewriters.h"
 
-#include "jsonline.h"
-#include "recordmembertables.h"
+#include "jsonlinewriter.h"
+#include "recordfields.h"
 #include "walk.h"
 
 #include <iterator>
 
 const SampleWriter sampleWriters[] = {
-    {"packetCounter", [](const SampleState &s, JsonLine &l) { l.integer(s.index & 0xFFFF); }},
-    {"sampleTimeFine", [](const SampleState &s, JsonLine &l) { l.integer(s.sampleTimeFine); }},
-    {"sampleDateTime", [](const SampleState &s, JsonLine &l) { l.string(s.dateTime); }},
+    {"packetCounter", [](const SampleState &s, JsonLineWriter &l) { l.integer(s.index & 0xFFFF); }},
+    {"sampleTimeFine", [](const SampleState &s, JsonLineWriter &l) { l.integer(s.sampleTimeFine); }},
+    {"sampleDateTime", [](const SampleState &s, JsonLineWriter &l) { l.string(s.dateTime); }},
     {"utcTime",
-     [](const SampleState &s, JsonLine &l) { l.record(RecordFields::utcTime, s.utcTime); }},
-    {"statusWord", [](const SampleState &s, JsonLine &l) { l.integer(s.statusWord); }},
-    {"clippingFlags", [](const SampleState &s, JsonLine &l) { l.integer(s.clippingFlags); }},
-    {"rssi", [](const SampleState &s, JsonLine &l) { l.number(s.rssi, 0); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::utcTime, s.utcTime); }},
+    {"statusWord", [](const SampleState &s, JsonLineWriter &l) { l.integer(s.statusWord); }},
+    {"clippingFlags", [](const SampleState &s, JsonLineWriter &l) { l.integer(s.clippingFlags); }},
+    {"rssi", [](const SampleState &s, JsonLineWriter &l) { l.number(s.rssi, 0); }},
     {"calibratedAcceleration",
-     [](const SampleState &s, JsonLine &l) { l.numbers(s.acceleration, 3, 6); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.acceleration, 3, 6); }},
     {"freeAcceleration",
-     [](const SampleState &s, JsonLine &l) { l.numbers(s.freeAcceleration, 3, 6); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.freeAcceleration, 3, 6); }},
     {"calibratedAngularVelocity",
-     [](const SampleState &s, JsonLine &l) { l.numbers(s.angularVelocity, 3, 6); }},
-    {"magneticField", [](const SampleState &s, JsonLine &l) { l.numbers(s.magneticField, 3, 6); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.angularVelocity, 3, 6); }},
+    {"magneticField", [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.magneticField, 3, 6); }},
     {"velocityIncrement",
-     [](const SampleState &s, JsonLine &l) { l.numbers(s.velocityIncrement, 3, 8); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.velocityIncrement, 3, 8); }},
     {"scrAcceleration",
-     [](const SampleState &s, JsonLine &l) { l.numbers(s.scrAcceleration, 3, 0); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.scrAcceleration, 3, 0); }},
     {"scrGyroscopeData",
-     [](const SampleState &s, JsonLine &l) { l.numbers(s.scrGyroscope, 3, 0); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.scrGyroscope, 3, 0); }},
     {"scrMagneticField",
-     [](const SampleState &s, JsonLine &l) { l.numbers(s.scrMagneticField, 3, 0); }},
-    {"velocity", [](const SampleState &s, JsonLine &l) { l.numbers(s.velocity, 3, 4); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.scrMagneticField, 3, 0); }},
+    {"velocity", [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.velocity, 3, 4); }},
     {"orientationIncrement",
-     [](const SampleState &s, JsonLine &l) { l.quaternion(s.orientationIncrement, 9); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.quaternion(s.orientationIncrement, 9); }},
     {"orientationQuaternion",
-     [](const SampleState &s, JsonLine &l) { l.quaternion(s.quaternion, 9); }},
-    {"orientationEuler", [](const SampleState &s, JsonLine &l) { l.numbers(s.euler, 3, 6); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.quaternion(s.quaternion, 9); }},
+    {"orientationEuler", [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.euler, 3, 6); }},
     {"orientationMatrix",
-     [](const SampleState &s, JsonLine &l) {
+     [](const SampleState &s, JsonLineWriter &l) {
          l.beginList();
          for (int row = 0; row < 3; ++row)
              l.numbers(s.matrix + 3 * row, 3, 9);
          l.endList();
      }},
     {"latitudeLongitude",
-     [](const SampleState &s, JsonLine &l) { l.numbers(s.latitudeLongitude, 2, 9); }},
-    {"altitude", [](const SampleState &s, JsonLine &l) { l.number(s.altitude, 3); }},
-    {"temperature", [](const SampleState &s, JsonLine &l) { l.number(s.temperature, 2); }},
-    {"pressure", [](const SampleState &s, JsonLine &l) { l.number(s.pressure, 1); }},
-    {"scrTemperature", [](const SampleState &s, JsonLine &l) { l.integer(s.scrTemperature); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.latitudeLongitude, 2, 9); }},
+    {"altitude", [](const SampleState &s, JsonLineWriter &l) { l.number(s.altitude, 3); }},
+    {"temperature", [](const SampleState &s, JsonLineWriter &l) { l.number(s.temperature, 2); }},
+    {"pressure", [](const SampleState &s, JsonLineWriter &l) { l.number(s.pressure, 1); }},
+    {"scrTemperature", [](const SampleState &s, JsonLineWriter &l) { l.integer(s.scrTemperature); }},
     {"gyroTemperatures",
-     [](const SampleState &s, JsonLine &l) {
+     [](const SampleState &s, JsonLineWriter &l) {
          l.beginList();
          for (quint16 word : s.gyroTemperatures)
              l.integer(word);
          l.endList();
      }},
     {"gpsSolution",
-     [](const SampleState &s, JsonLine &l) { l.record(RecordFields::gpsSolution, s.gpsSolution); }},
-    {"gpsDop", [](const SampleState &s, JsonLine &l) { l.record(RecordFields::gpsDop, s.gpsDop); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::gpsSolution, s.gpsSolution); }},
+    {"gpsDop", [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::gpsDop, s.gpsDop); }},
     {"gpsUtcTime",
-     [](const SampleState &s, JsonLine &l) { l.record(RecordFields::gpsUtcTime, s.gpsUtcTime); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::gpsUtcTime, s.gpsUtcTime); }},
     {"gpsSatellites",
-     [](const SampleState &s, JsonLine &l) {
+     [](const SampleState &s, JsonLineWriter &l) {
          l.listRecord(RecordFields::gpsSatellites, s.gpsSatellites, RecordFields::gpsChannelList,
                       RecordFields::gpsChannel, s.gpsSatellites.channels, s.gpsSatellites.numCh);
      }},
     {"gnssPvt",
-     [](const SampleState &s, JsonLine &l) { l.record(RecordFields::gnssPvt, s.gnssPvt); }},
+     [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::gnssPvt, s.gnssPvt); }},
     {"gnssSatellites",
-     [](const SampleState &s, JsonLine &l) {
+     [](const SampleState &s, JsonLineWriter &l) {
          l.listRecord(RecordFields::gnssSatellites, s.gnssSatellites,
                       RecordFields::gnssSatelliteList, RecordFields::gnssSatellite,
                       s.gnssSatellites.satellites, s.gnssSatellites.numSvs);
      }},
     {"triggerIn1",
-     [](const SampleState &s, JsonLine &l) { l.record(RecordFields::trigger, s.triggerIn1); },
+     [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::trigger, s.triggerIn1); },
      [](const SampleState &s) { return s.triggerIn1.valid; }},
     {"triggerIn2",
-     [](const SampleState &s, JsonLine &l) { l.record(RecordFields::trigger, s.triggerIn2); },
+     [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::trigger, s.triggerIn2); },
      [](const SampleState &s) { return s.triggerIn2.valid; }},
 };
 

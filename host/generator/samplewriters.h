@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-class JsonLine;
+class JsonLineWriter;
 struct SampleState;
 
 /**
@@ -12,7 +12,7 @@ struct SampleState;
 struct SampleWriter
 {
     const char *key;
-    void (*write)(const SampleState &state, JsonLine &line);
+    void (*write)(const SampleState &state, JsonLineWriter &line);
     // For keys that only some samples hold; none means every sample.
     bool (*present)(const SampleState &state) = nullptr;
 };

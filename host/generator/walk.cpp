@@ -1,7 +1,7 @@
 #include "walk.h"
 
 #include "dilutions.h"
-#include "jsonline.h"
+#include "jsonlinewriter.h"
 #include "orientationmath.h"
 #include "random.h"
 
@@ -92,7 +92,7 @@ public:
         startTimeOfWeek = gpsMs % msPerGpsWeek;
     }
 
-    void writeRecordingObject(JsonLine &line) const
+    void writeRecordingObject(JsonLineWriter &line) const
     {
         line.beginObject();
         line.key("properties");
@@ -431,7 +431,7 @@ Walk::Walk(const GeneratorOptions &options, double receiverRate)
 
 Walk::~Walk() = default;
 
-void Walk::writeRecordingObject(JsonLine &line) const
+void Walk::writeRecordingObject(JsonLineWriter &line) const
 {
     d->writeRecordingObject(line);
 }

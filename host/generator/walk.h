@@ -11,7 +11,7 @@
 
 #include <memory>
 
-class JsonLine;
+class JsonLineWriter;
 
 // Everything one sample line can hold. All of it is computed for every
 // sample, so the values of a key do not depend on which keys are written.
@@ -63,7 +63,7 @@ public:
     ~Walk();
 
     /** The recording object: properties and update rate. */
-    void writeRecordingObject(JsonLine &line) const;
+    void writeRecordingObject(JsonLineWriter &line) const;
     /** Moves on to sample @p index and gives its state. */
     const SampleState &step(qint64 index);
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "abstractrecordingreader.h"
-#include "recordingreader.h"
+#include "jsonlinesreader.h"
 #include "temporarycopy.h"
 #include "ubxreader.h"
 
@@ -61,7 +61,7 @@ private:
     std::unique_ptr<TemporaryCopy> copy;
     // Why the recording could not be handed to a reader at all.
     QString error;
-    RecordingReader jsonLines;
+    JsonLinesReader jsonLines;
     UbxReader ubx;
     AbstractRecordingReader *active = &jsonLines;
 };

@@ -1,4 +1,4 @@
-#include "recordingreader.h"
+#include "jsonlinesreader.h"
 
 #include "jsonnumber.h"
 #include "tapefieldreader.h"
@@ -38,7 +38,7 @@ bool isHeaderProperty(std::string_view key)
 
 } // namespace
 
-bool RecordingReader::open(const QString &name)
+bool JsonLinesReader::open(const QString &name)
 {
     file.close();
     badLine = false;
@@ -57,7 +57,7 @@ bool RecordingReader::open(const QString &name)
     return open(&file, name);
 }
 
-bool RecordingReader::open(QIODevice *source, const QString &name)
+bool JsonLinesReader::open(QIODevice *source, const QString &name)
 {
     device = source;
     fileName = name;
@@ -70,7 +70,7 @@ bool RecordingReader::open(QIODevice *source, const QString &name)
     return readRecordingObject();
 }
 
-bool RecordingReader::readNext()
+bool JsonLinesReader::readNext()
 {
     if (!error.isEmpty() || !lines || !nextContentLine())
         return false;
@@ -84,60 +84,60 @@ bool RecordingReader::readNext()
     return true;
 }
 
-bool RecordingReader::hasError() const
+bool JsonLinesReader::hasError() const
 {
     return !error.isEmpty();
 }
 
-QString RecordingReader::errorString() const
+QString JsonLinesReader::errorString() const
 {
     return error;
 }
 
-bool RecordingReader::hasBadLine() const
+bool JsonLinesReader::hasBadLine() const
 {
     return badLine;
 }
 
-void RecordingReader::skipBadLine()
+void JsonLinesReader::skipBadLine()
 {
     error.clear();
     badLine = false;
 }
 
-QVariant RecordingReader::property(const QString &key) const
+QVariant JsonLinesReader::property(const QString &key) const
 {
     return recordingProperties.value(key);
 }
 
-QVariantMap RecordingReader::properties() const
+QVariantMap JsonLinesReader::properties() const
 {
     return recordingProperties;
 }
 
-double RecordingReader::updateRate() const
+double JsonLinesReader::updateRate() const
 {
     return rate;
 }
 
-const RecordingSample &RecordingReader::sample() const
+const RecordingSample &JsonLinesReader::sample() const
 {
     return current;
 }
 
-qint64 RecordingReader::position() const
+qint64 JsonLinesReader::position() const
 {
     return lines ? lines->position() : 0;
 }
 
-qint64 RecordingReader::size() const
+qint64 JsonLinesReader::size() const
 {
     return device && !device->isSequential() ? device->size() : 0;
 }
 
 // Skips empty lines; false at the end of the recording or when a line cannot
 // be read.
-bool RecordingReader::nextContentLine()
+bool JsonLinesReader::nextContentLine()
 {
     for (;;) {
         switch (lines->next()) {
@@ -162,7 +162,7 @@ bool RecordingReader::nextContentLine()
 }
 
 // Parses the current line, which must hold a JSON object.
-bool RecordingReader::parseLine()
+bool JsonLinesReader::parseLine()
 {
     QString what;
     if (!tape.parse(text, &what))
@@ -173,7 +173,7 @@ bool RecordingReader::parseLine()
     return true;
 }
 
-bool RecordingReader::readRecordingObject()
+bool JsonLinesReader::readRecordingObject()
 {
     if (!nextContentLine()) {
         if (error.isEmpty()) {
@@ -252,7 +252,7 @@ bool RecordingReader::readRecordingObject()
     return true;
 }
 
-bool RecordingReader::fail(const QString &what)
+bool JsonLinesReader::fail(const QString &what)
 {
     error = tr("%1:%2: %3").arg(fileName).arg(lines->lineNumber()).arg(what);
     badLine = true;

@@ -31,9 +31,9 @@
  * FilterProfileType, OptionFlags, FirmwareVersion) hold no line break and no
  * NUL; any other property keeps any text.
  */
-class RecordingReader : public AbstractRecordingReader
+class JsonLinesReader : public AbstractRecordingReader
 {
-    Q_DECLARE_TR_FUNCTIONS(RecordingReader)
+    Q_DECLARE_TR_FUNCTIONS(JsonLinesReader)
 
 public:
     /**

@@ -1,4 +1,4 @@
-#include "jsonline.h"
+#include "jsonlinewriter.h"
 
 #include <charconv>
 #include <cmath>
@@ -17,14 +17,14 @@ double rounded(double value, int decimals)
 
 } // namespace
 
-void JsonLine::clear()
+void JsonLineWriter::clear()
 {
     text.clear();
     firstInLevel.clear();
     afterKey = false;
 }
 
-void JsonLine::key(const char *name)
+void JsonLineWriter::key(const char *name)
 {
     separate();
     text += '"';
@@ -33,26 +33,26 @@ void JsonLine::key(const char *name)
     afterKey = true;
 }
 
-void JsonLine::integer(qint64 value)
+void JsonLineWriter::integer(qint64 value)
 {
     beforeValue();
     char buffer[24];
     text.append(buffer, std::to_chars(std::begin(buffer), std::end(buffer), value).ptr);
 }
 
-void JsonLine::number(double value, int decimals)
+void JsonLineWriter::number(double value, int decimals)
 {
     exactNumber(rounded(value, decimals));
 }
 
-void JsonLine::exactNumber(double value)
+void JsonLineWriter::exactNumber(double value)
 {
     beforeValue();
     char buffer[32];
     text.append(buffer, std::to_chars(std::begin(buffer), std::end(buffer), value).ptr);
 }
 
-void JsonLine::numbers(const double *values, int count, int decimals)
+void JsonLineWriter::numbers(const double *values, int count, int decimals)
 {
     beginList();
     for (int i = 0; i < count; ++i)
@@ -60,7 +60,7 @@ void JsonLine::numbers(const double *values, int count, int decimals)
     endList();
 }
 
-void JsonLine::quaternion(const KvQuaternion &q, int decimals)
+void JsonLineWriter::quaternion(const KvQuaternion &q, int decimals)
 {
     const double components[4] = {q[0], q[1], q[2], q[3]};
     numbers(components, 4, decimals);
@@ -68,7 +68,7 @@ void JsonLine::quaternion(const KvQuaternion &q, int decimals)
 
 // Texts from a log may hold anything; quotes, backslashes and control
 // characters are escaped, everything else is written as UTF-8.
-void JsonLine::string(const QString &value)
+void JsonLineWriter::string(const QString &value)
 {
     beforeValue();
     text += '"';
@@ -89,26 +89,26 @@ void JsonLine::string(const QString &value)
     text += '"';
 }
 
-void JsonLine::boolean(bool value)
+void JsonLineWriter::boolean(bool value)
 {
     beforeValue();
     text += value ? "true" : "false";
 }
 
-void JsonLine::open(char bracket)
+void JsonLineWriter::open(char bracket)
 {
     beforeValue();
     text += bracket;
     firstInLevel.push_back(true);
 }
 
-void JsonLine::close(char bracket)
+void JsonLineWriter::close(char bracket)
 {
     text += bracket;
     firstInLevel.pop_back();
 }
 
-void JsonLine::separate()
+void JsonLineWriter::separate()
 {
     if (!firstInLevel.back())
         text += ',';
@@ -117,7 +117,7 @@ void JsonLine::separate()
 
 // A value after a key follows its colon; any other value inside a list
 // is separated from the one before.
-void JsonLine::beforeValue()
+void JsonLineWriter::beforeValue()
 {
     if (afterKey)
         afterKey = false;

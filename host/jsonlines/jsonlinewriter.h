@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recordmembertables.h"
+#include "recordfields.h"
 
 #include <kvquaternion.h>
 
@@ -14,7 +14,7 @@
  * One JSON object on one line, written compactly, as the recording format
  * wants it. Keys are literals of our own, which need no escapes.
  */
-class JsonLine
+class JsonLineWriter
 {
 public:
     void clear();

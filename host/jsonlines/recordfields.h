@@ -1,5 +1,7 @@
 #pragma once
 
+#include "recordmember.h"
+
 #include <kvreceiverrecords.h>
 #include <kvtriggerindication.h>
 #include <kvutctime.h>
@@ -28,35 +30,14 @@ struct Field
     qint64 (*load)(const Record &record);
 };
 
-template <typename Pointer>
-struct MemberOf;
-
-template <typename Record, typename Type>
-struct MemberOf<Type Record::*>
-{
-    using RecordType = Record;
-    using MemberType = Type;
-};
-
-template <auto member>
-void storeMember(typename MemberOf<decltype(member)>::RecordType &record, qint64 value)
-{
-    record.*member = static_cast<typename MemberOf<decltype(member)>::MemberType>(value);
-}
-
-template <auto member>
-qint64 loadMember(const typename MemberOf<decltype(member)>::RecordType &record)
-{
-    return static_cast<qint64>(record.*member);
-}
-
 /** The entry for @p member, its range taken from the member's own type. */
 template <auto member>
-constexpr Field<typename MemberOf<decltype(member)>::RecordType> field(std::string_view name)
+constexpr Field<typename RecordMember::Of<decltype(member)>::RecordType> field(std::string_view name)
 {
-    using Type = typename MemberOf<decltype(member)>::MemberType;
+    using Type = typename RecordMember::Of<decltype(member)>::MemberType;
     return {name, qint64(std::numeric_limits<Type>::min()),
-            qint64(std::numeric_limits<Type>::max()), &storeMember<member>, &loadMember<member>};
+            qint64(std::numeric_limits<Type>::max()), &RecordMember::store<member>,
+            &RecordMember::load<member>};
 }
 
 inline constexpr Field<KvUtcTime> utcTime[] = {

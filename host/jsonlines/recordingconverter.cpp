@@ -1,8 +1,8 @@
 #include "recordingconverter.h"
 
 #include "abstractrecordingreader.h"
-#include "jsonline.h"
-#include "recordmembertables.h"
+#include "jsonlinewriter.h"
+#include "recordfields.h"
 
 #include <QFileDevice>
 #include <QIODevice>
@@ -11,7 +11,7 @@
 
 namespace {
 
-void writeProperty(JsonLine &line, const QString &key, const QVariant &value)
+void writeProperty(JsonLineWriter &line, const QString &key, const QVariant &value)
 {
     line.key(key.toUtf8().constData());
     switch (value.userType()) {
@@ -33,7 +33,7 @@ void writeProperty(JsonLine &line, const QString &key, const QVariant &value)
 
 // A record with time of week 0 holds no data, so it is left out, which
 // reads back the same.
-void writeSample(JsonLine &line, const RecordingSample &sample)
+void writeSample(JsonLineWriter &line, const RecordingSample &sample)
 {
     using namespace RecordFields;
     line.beginObject();
@@ -84,7 +84,7 @@ bool RecordingConverter::convert(AbstractRecordingReader &reader, QIODevice *out
         return true;
     };
 
-    JsonLine line;
+    JsonLineWriter line;
     line.beginObject();
     line.key("properties");
     line.beginObject();

@@ -1,7 +1,7 @@
 #include "samplereader.h"
 
 #include "ondemandfieldreader.h"
-#include "recordmembertables.h"
+#include "recordfields.h"
 
 #include <iterator>
 #include <limits>
@@ -85,7 +85,7 @@ void resetMember(RecordingSample &sample)
 }
 
 template <auto member>
-using MemberType = typename RecordFields::MemberOf<decltype(member)>::MemberType;
+using MemberType = typename RecordMember::Of<decltype(member)>::MemberType;
 
 // The readers of the sample keys. Each reads its key's value through the
 // field reader In and can set its data back to "missing".

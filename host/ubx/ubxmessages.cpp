@@ -1,6 +1,6 @@
 #include "ubxmessages.h"
 
-#include "recordmembertables.h"
+#include "recordmember.h"
 
 #include <algorithm>
 #include <iterator>
@@ -21,11 +21,10 @@ struct Place
 };
 
 template <auto member>
-constexpr Place<typename RecordFields::MemberOf<decltype(member)>::RecordType> at(int offset)
+constexpr Place<typename RecordMember::Of<decltype(member)>::RecordType> at(int offset)
 {
-    using Type = typename RecordFields::MemberOf<decltype(member)>::MemberType;
-    return {offset, int(sizeof(Type)), &RecordFields::storeMember<member>,
-            &RecordFields::loadMember<member>};
+    using Type = typename RecordMember::Of<decltype(member)>::MemberType;
+    return {offset, int(sizeof(Type)), &RecordMember::store<member>, &RecordMember::load<member>};
 }
 
 constexpr Place<KvGpsSolution> navSolLayout[] = {

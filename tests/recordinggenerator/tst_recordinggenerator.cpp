@@ -1,6 +1,6 @@
 #include "orientationmath.h"
 #include "recordinggenerator.h"
-#include "recordingreader.h"
+#include "jsonlinesreader.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -129,7 +129,7 @@ void tst_RecordingGenerator::everyLineReadsBack()
     QVERIFY2(generateRecording(options(samples, rate, seed), &file, &error), qPrintable(error));
     file.close();
 
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
     QCOMPARE(reader.updateRate(), rate);
     QCOMPARE(reader.property(QStringLiteral("ProductCode")), QVariant(QStringLiteral("T100")));
@@ -163,7 +163,7 @@ void tst_RecordingGenerator::motionIsPlausible()
     QVERIFY2(generateRecording(options(1000), &file, &error), qPrintable(error));
     file.close();
 
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
     int triggers1 = 0, triggers2 = 0, index = 0;
     quint32 lastTimeOfWeek = 0;

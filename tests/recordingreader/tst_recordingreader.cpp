@@ -1,5 +1,5 @@
-#include "recordingreader.h"
-#include "recordmembertables.h"
+#include "jsonlinesreader.h"
+#include "recordfields.h"
 
 #include <numbertexts.h>
 #include <samplelines.h>
@@ -104,7 +104,7 @@ tst_RecordingReader::Result tst_RecordingReader::readAll(const QByteArray &conte
         return result;
     }
     file.close();
-    RecordingReader reader;
+    JsonLinesReader reader;
     if (reader.open(path)) {
         while (reader.readNext())
             result.samples.append(reader.sample());
@@ -361,7 +361,7 @@ void tst_RecordingReader::properties()
         R"( "Big": 9223372036854775807, "Bigger": 9223372036854775808, "Negative": -5, "Ratio": 1.5,)"
         R"( "Whole": 2.0, "Flag": true, "Off": false, "Nothing": null, "Text": "\u00e9\"\t"}})");
     file.close();
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
 
     QCOMPARE(reader.property(QStringLiteral("StartTime")),
@@ -407,7 +407,7 @@ void tst_RecordingReader::updateRate()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(firstLine + '\n');
     file.close();
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
     QCOMPARE(reader.updateRate(), rate);
 }
@@ -468,7 +468,7 @@ void tst_RecordingReader::longNumbersAsStrtodReadsThem()
         file.write(header + "{\"temperature\": " + text + ", \"calibratedAcceleration\": [1, "
                    + text + ", 2]}\n");
     file.close();
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
     if (place == QLatin1String("a property")) {
         QCOMPARE(reader.property(QStringLiteral("Scale")).userType(), int(QMetaType::Double));
@@ -867,7 +867,7 @@ void tst_RecordingReader::samplesAreReadOneAtATime()
     file.write(content);
     file.close();
 
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
     int count = 0;
     while (reader.readNext()) {
@@ -915,7 +915,7 @@ void tst_RecordingReader::lineBreaksInPropertyTexts()
     file.write("{\"properties\": {\"" + key.toUtf8() + "\": \"" + text
                + "\"}}\n{\"packetCounter\": 1}\n");
     file.close();
-    RecordingReader reader;
+    JsonLinesReader reader;
     if (refused) {
         QVERIFY(!reader.open(file.fileName()));
         QCOMPARE(reader.errorString(),
@@ -1299,7 +1299,7 @@ void tst_RecordingReader::hugeLine()
     file.write("\"}\n{\"packetCounter\": 2}\n");
     file.close();
 
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
     QVERIFY(!reader.readNext());
     QCOMPARE(reader.errorString(),
@@ -1328,7 +1328,7 @@ void tst_RecordingReader::readingStopsAfterABadLine()
                  "\n");
     file.close();
 
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY(reader.open(file.fileName()));
     QVERIFY(reader.readNext());
     QVERIFY(!reader.hasError());
@@ -1342,7 +1342,7 @@ void tst_RecordingReader::readingStopsAfterABadLine()
 void tst_RecordingReader::directoryAsInput()
 {
     QTemporaryDir dir;
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY(!reader.open(dir.path()));
     QCOMPARE(reader.errorString(),
              dir.path() + QStringLiteral(": is a directory, not a recording"));
@@ -1353,7 +1353,7 @@ void tst_RecordingReader::missingFile()
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("absent.jsonl"));
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY(!reader.open(path));
     QCOMPARE(reader.errorString(),
              path + QStringLiteral(": cannot be read: No such file or directory"));
@@ -1371,7 +1371,7 @@ void tst_RecordingReader::unreadableFile()
     if (file.open(QIODevice::ReadOnly))
         QSKIP("this user reads files without read permission (root)");
 
-    RecordingReader reader;
+    JsonLinesReader reader;
     QVERIFY(!reader.open(file.fileName()));
     QCOMPARE(reader.errorString(),
              file.fileName() + QStringLiteral(": cannot be read: Permission denied"));

@@ -1,4 +1,4 @@
-#include "recordingreader.h"
+#include "jsonlinesreader.h"
 #include "recordingsource.h"
 
 #include <kvconstants.h>
@@ -22,7 +22,7 @@ const QByteArray header =
 struct Fixture
 {
     QTemporaryDir dir;
-    RecordingReader reader;
+    JsonLinesReader reader;
     std::unique_ptr<RecordingSource> source;
 
     bool load(const QByteArray &content)
