@@ -39,7 +39,7 @@ void verifyVector(const KvVector &vector, std::initializer_list<double> expected
 
 // The file format as the reader takes it: every key, the rules for missing
 // data, the ranges of every field and the message for every kind of bad line.
-class tst_RecordingReader : public QObject
+class tst_JsonLinesReader : public QObject
 {
     Q_OBJECT
 
@@ -93,7 +93,7 @@ private:
     static void verifyMissing(const RecordingSample &sample);
 };
 
-tst_RecordingReader::Result tst_RecordingReader::readAll(const QByteArray &content)
+tst_JsonLinesReader::Result tst_JsonLinesReader::readAll(const QByteArray &content)
 {
     Result result;
     QTemporaryDir dir;
@@ -115,7 +115,7 @@ tst_RecordingReader::Result tst_RecordingReader::readAll(const QByteArray &conte
     return result;
 }
 
-RecordingSample tst_RecordingReader::readOne(const QByteArray &sampleLine)
+RecordingSample tst_JsonLinesReader::readOne(const QByteArray &sampleLine)
 {
     const Result result = readAll(header + sampleLine + '\n');
     if (!result.error.isEmpty() || result.samples.size() != 1) {
@@ -125,7 +125,7 @@ RecordingSample tst_RecordingReader::readOne(const QByteArray &sampleLine)
     return result.samples.first();
 }
 
-void tst_RecordingReader::verifyMissing(const RecordingSample &s)
+void tst_JsonLinesReader::verifyMissing(const RecordingSample &s)
 {
     QCOMPARE(s.packetCounter, quint16(0));
     QVERIFY(!s.hasSampleTimeFine);
@@ -168,7 +168,7 @@ void tst_RecordingReader::verifyMissing(const RecordingSample &s)
     QVERIFY(!s.triggerIn2.isValid());
 }
 
-void tst_RecordingReader::everyKeyIsRead()
+void tst_JsonLinesReader::everyKeyIsRead()
 {
     const Result result = readAll(header + everyKeySampleLine() + "\n");
     QCOMPARE(result.error, QString());
@@ -328,7 +328,7 @@ void tst_RecordingReader::everyKeyIsRead()
     QCOMPARE(s.triggerIn2.frameNumber, quint16(6));
 }
 
-void tst_RecordingReader::missingData_data()
+void tst_JsonLinesReader::missingData_data()
 {
     QTest::addColumn<QByteArray>("line");
 
@@ -342,7 +342,7 @@ void tst_RecordingReader::missingData_data()
     }
 }
 
-void tst_RecordingReader::missingData()
+void tst_JsonLinesReader::missingData()
 {
     QFETCH(QByteArray, line);
     const Result result = readAll(header + line + '\n');
@@ -351,7 +351,7 @@ void tst_RecordingReader::missingData()
     verifyMissing(result.samples.first());
 }
 
-void tst_RecordingReader::properties()
+void tst_JsonLinesReader::properties()
 {
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("p.jsonl")));
@@ -384,7 +384,7 @@ void tst_RecordingReader::properties()
     QVERIFY(!reader.hasError());
 }
 
-void tst_RecordingReader::updateRate_data()
+void tst_JsonLinesReader::updateRate_data()
 {
     QTest::addColumn<QByteArray>("firstLine");
     QTest::addColumn<double>("rate");
@@ -398,7 +398,7 @@ void tst_RecordingReader::updateRate_data()
         << QByteArray(R"({"properties": {}, "updateRate": null})") << 0.0;
 }
 
-void tst_RecordingReader::updateRate()
+void tst_JsonLinesReader::updateRate()
 {
     QFETCH(QByteArray, firstLine);
     QFETCH(double, rate);
@@ -412,7 +412,7 @@ void tst_RecordingReader::updateRate()
     QCOMPARE(reader.updateRate(), rate);
 }
 
-void tst_RecordingReader::nanAndInfinityLiterals()
+void tst_JsonLinesReader::nanAndInfinityLiterals()
 {
     const RecordingSample s = readOne(
         R"({"temperature": NaN, "pressure": Infinity, "altitude": -Infinity, "rssi": NaN,)"
@@ -429,7 +429,7 @@ void tst_RecordingReader::nanAndInfinityLiterals()
     QVERIFY(std::isnan(s.orientationQuaternion[0]));
 }
 
-void tst_RecordingReader::longNumbersAsStrtodReadsThem_data()
+void tst_JsonLinesReader::longNumbersAsStrtodReadsThem_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("place");
@@ -445,7 +445,7 @@ void tst_RecordingReader::longNumbersAsStrtodReadsThem_data()
 
 // However long a number, in the recording object or a sample, it is read as
 // strtod reads it, bit for bit.
-void tst_RecordingReader::longNumbersAsStrtodReadsThem()
+void tst_JsonLinesReader::longNumbersAsStrtodReadsThem()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, place);
@@ -485,7 +485,7 @@ void tst_RecordingReader::longNumbersAsStrtodReadsThem()
     QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
 }
 
-void tst_RecordingReader::acceptedLimits_data()
+void tst_JsonLinesReader::acceptedLimits_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QString>("field");
@@ -530,7 +530,7 @@ void tst_RecordingReader::acceptedLimits_data()
         << "gnssSatellites.satellites[0].flags" << qint64(4294967295LL);
 }
 
-void tst_RecordingReader::acceptedLimits()
+void tst_JsonLinesReader::acceptedLimits()
 {
     QFETCH(QByteArray, line);
     QFETCH(QString, field);
@@ -672,7 +672,7 @@ qint64 readBack(const RecordingSample &s, const QString &path)
 
 } // namespace
 
-void tst_RecordingReader::everyFieldAtAndPastItsRange_data()
+void tst_JsonLinesReader::everyFieldAtAndPastItsRange_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QString>("path");
@@ -705,7 +705,7 @@ void tst_RecordingReader::everyFieldAtAndPastItsRange_data()
                   RecordFields::gnssSatelliteList.data());
 }
 
-void tst_RecordingReader::everyFieldAtAndPastItsRange()
+void tst_JsonLinesReader::everyFieldAtAndPastItsRange()
 {
     QFETCH(QByteArray, line);
     QFETCH(QString, path);
@@ -722,7 +722,7 @@ void tst_RecordingReader::everyFieldAtAndPastItsRange()
     QCOMPARE(readBack(result.samples.first(), path), stored);
 }
 
-void tst_RecordingReader::statusWordTakesTheLow32Bits_data()
+void tst_JsonLinesReader::statusWordTakesTheLow32Bits_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<qint32>("word");
@@ -738,21 +738,21 @@ void tst_RecordingReader::statusWordTakesTheLow32Bits_data()
         << QByteArray(R"({"statusWord": 4294967295})") << qint32(-1);
 }
 
-void tst_RecordingReader::statusWordTakesTheLow32Bits()
+void tst_JsonLinesReader::statusWordTakesTheLow32Bits()
 {
     QFETCH(QByteArray, line);
     QFETCH(qint32, word);
     QCOMPARE(readOne(line).statusWord, word);
 }
 
-void tst_RecordingReader::gyroTemperaturesKeepTheLow16Bits()
+void tst_JsonLinesReader::gyroTemperaturesKeepTheLow16Bits()
 {
     const RecordingSample s = readOne(R"({"gyroTemperatures": [-32768, -1, 0, 6400, 65535]})");
     QCOMPARE(s.gyroTemperatures, (QVector<quint16>{32768, 65535, 0, 6400, 65535}));
     QCOMPARE(readOne(R"({"gyroTemperatures": []})").gyroTemperatures, QVector<quint16>());
 }
 
-void tst_RecordingReader::sampleDateTime_data()
+void tst_JsonLinesReader::sampleDateTime_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QDateTime>("expected");
@@ -768,7 +768,7 @@ void tst_RecordingReader::sampleDateTime_data()
         << QDateTime(QDate(2026, 11, 21), QTime(9, 30, 7));
 }
 
-void tst_RecordingReader::sampleDateTime()
+void tst_JsonLinesReader::sampleDateTime()
 {
     QFETCH(QByteArray, line);
     QFETCH(QDateTime, expected);
@@ -777,7 +777,7 @@ void tst_RecordingReader::sampleDateTime()
     QCOMPARE(read.timeSpec(), expected.timeSpec());
 }
 
-void tst_RecordingReader::satelliteListsAreTruncated()
+void tst_JsonLinesReader::satelliteListsAreTruncated()
 {
     QByteArray gps = R"({"gpsSatellites": {"iTOW": 5, "numCh": 20, "channels": [)";
     for (int i = 0; i < 20; ++i)
@@ -799,7 +799,7 @@ void tst_RecordingReader::satelliteListsAreTruncated()
         QCOMPARE(withGnss.gnssSatellites.satellites[i].svId, quint8(i + 1));
 }
 
-void tst_RecordingReader::receiverRecordWithoutTimeOfWeekIsAbsent()
+void tst_JsonLinesReader::receiverRecordWithoutTimeOfWeekIsAbsent()
 {
     const RecordingSample s = readOne(
         R"({"gnssPvt": {"iTOW": 0, "lat": 5}, "gpsSolution": {"week": 3}, "gpsDop": {"iTOW": 0, "pDOP": 1},)"
@@ -808,7 +808,7 @@ void tst_RecordingReader::receiverRecordWithoutTimeOfWeekIsAbsent()
     verifyMissing(s);
 }
 
-void tst_RecordingReader::emptyTriggerObjectIsAPresentTrigger()
+void tst_JsonLinesReader::emptyTriggerObjectIsAPresentTrigger()
 {
     const RecordingSample s = readOne(R"({"triggerIn1": {}})");
     QVERIFY(s.triggerIn1.isValid());
@@ -816,7 +816,7 @@ void tst_RecordingReader::emptyTriggerObjectIsAPresentTrigger()
     QVERIFY(!s.triggerIn2.isValid());
 }
 
-void tst_RecordingReader::unknownKeysAreIgnored()
+void tst_JsonLinesReader::unknownKeysAreIgnored()
 {
     const RecordingSample s = readOne(
         R"({"future": [1, {"a": "b"}], "future": 2, "packetCounter": 7,)"
@@ -826,7 +826,7 @@ void tst_RecordingReader::unknownKeysAreIgnored()
     QVERIFY(s.triggerIn1.isValid());
 }
 
-void tst_RecordingReader::emptyLinesAreSkipped()
+void tst_JsonLinesReader::emptyLinesAreSkipped()
 {
     const Result result = readAll("\n  \n" + header
                                   + "\n\t\n"
@@ -840,7 +840,7 @@ void tst_RecordingReader::emptyLinesAreSkipped()
     QCOMPARE(result.samples.at(1).packetCounter, quint16(2));
 }
 
-void tst_RecordingReader::windowsLineEndsAndByteOrderMark()
+void tst_JsonLinesReader::windowsLineEndsAndByteOrderMark()
 {
     const Result result = readAll("\xEF\xBB\xBF"
                                   R"({"properties": {"A": "b"}, "updateRate": 50})"
@@ -853,7 +853,7 @@ void tst_RecordingReader::windowsLineEndsAndByteOrderMark()
     QCOMPARE(result.samples.at(1).packetCounter, quint16(2));
 }
 
-void tst_RecordingReader::samplesAreReadOneAtATime()
+void tst_JsonLinesReader::samplesAreReadOneAtATime()
 {
     QByteArray content = header;
     // One append at a time may grow the array only by what it appends.
@@ -880,7 +880,7 @@ void tst_RecordingReader::samplesAreReadOneAtATime()
     QVERIFY(!reader.readNext());
 }
 
-void tst_RecordingReader::lineBreaksInPropertyTexts_data()
+void tst_JsonLinesReader::lineBreaksInPropertyTexts_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QByteArray>("text"); // as the JSON text writes it
@@ -903,7 +903,7 @@ void tst_RecordingReader::lineBreaksInPropertyTexts_data()
         << "DeviceId" << QByteArray("01\\n23") << false;
 }
 
-void tst_RecordingReader::lineBreaksInPropertyTexts()
+void tst_JsonLinesReader::lineBreaksInPropertyTexts()
 {
     QFETCH(QString, key);
     QFETCH(QByteArray, text);
@@ -935,7 +935,7 @@ void tst_RecordingReader::lineBreaksInPropertyTexts()
     QCOMPARE(reader.sample().packetCounter, quint16(1));
 }
 
-void tst_RecordingReader::badLines_data()
+void tst_JsonLinesReader::badLines_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("message");
@@ -1276,7 +1276,7 @@ void tst_RecordingReader::badLines_data()
         << "rec.jsonl:2: malformed JSON at column 22: Invalid escape character in string." << 0;
 }
 
-void tst_RecordingReader::badLines()
+void tst_JsonLinesReader::badLines()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, message);
@@ -1286,7 +1286,7 @@ void tst_RecordingReader::badLines()
     QCOMPARE(result.samples.size(), samplesBefore);
 }
 
-void tst_RecordingReader::hugeLine()
+void tst_JsonLinesReader::hugeLine()
 {
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("huge.jsonl")));
@@ -1306,7 +1306,7 @@ void tst_RecordingReader::hugeLine()
              file.fileName() + QStringLiteral(":2: the line is longer than 4194304 bytes"));
 }
 
-void tst_RecordingReader::largeLineBelowTheLimit()
+void tst_JsonLinesReader::largeLineBelowTheLimit()
 {
     const RecordingSample s =
         readOne(R"({"packetCounter": 3, "note": ")" + QByteArray(3 * 1024 * 1024, 'a')
@@ -1315,7 +1315,7 @@ void tst_RecordingReader::largeLineBelowTheLimit()
     QCOMPARE(s.temperature, 21.5);
 }
 
-void tst_RecordingReader::readingStopsAfterABadLine()
+void tst_JsonLinesReader::readingStopsAfterABadLine()
 {
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("bad.jsonl")));
@@ -1339,7 +1339,7 @@ void tst_RecordingReader::readingStopsAfterABadLine()
     QCOMPARE(reader.errorString(), message);
 }
 
-void tst_RecordingReader::directoryAsInput()
+void tst_JsonLinesReader::directoryAsInput()
 {
     QTemporaryDir dir;
     JsonLinesReader reader;
@@ -1349,7 +1349,7 @@ void tst_RecordingReader::directoryAsInput()
     QVERIFY(!reader.readNext());
 }
 
-void tst_RecordingReader::missingFile()
+void tst_JsonLinesReader::missingFile()
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("absent.jsonl"));
@@ -1360,7 +1360,7 @@ void tst_RecordingReader::missingFile()
     QVERIFY(!reader.readNext());
 }
 
-void tst_RecordingReader::unreadableFile()
+void tst_JsonLinesReader::unreadableFile()
 {
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("locked.jsonl")));
@@ -1377,6 +1377,6 @@ void tst_RecordingReader::unreadableFile()
              file.fileName() + QStringLiteral(": cannot be read: Permission denied"));
 }
 
-QTEST_GUILESS_MAIN(tst_RecordingReader)
+QTEST_GUILESS_MAIN(tst_JsonLinesReader)
 
-#include "tst_recordingreader.moc"
+#include "tst_jsonlinesreader.moc"
