@@ -2,6 +2,7 @@
 #include "recordfields.h"
 
 #include <numbertexts.h>
+#include <recordingread.h>
 #include <samplelines.h>
 
 #include <QFile>
@@ -13,9 +14,6 @@
 #include <limits>
 
 namespace {
-
-const QByteArray header = R"({"properties": {}, "updateRate": 100})"
-                          "\n";
 
 template <typename Record, std::size_t count>
 bool allZero(const RecordFields::Field<Record> (&fields)[count], const Record &record)
@@ -81,49 +79,8 @@ private slots:
     void unreadableFile();
 
 private:
-    struct Result
-    {
-        QVector<RecordingSample> samples;
-        QString error;
-    };
-    // Reads @p content from rec.jsonl in a fresh directory; the error's path
-    // is shortened to "rec.jsonl".
-    static Result readAll(const QByteArray &content);
-    static RecordingSample readOne(const QByteArray &sampleLine);
     static void verifyMissing(const RecordingSample &sample);
 };
-
-tst_JsonLinesReader::Result tst_JsonLinesReader::readAll(const QByteArray &content)
-{
-    Result result;
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("rec.jsonl"));
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
-        result.error = QStringLiteral("<test file not written>");
-        return result;
-    }
-    file.close();
-    JsonLinesReader reader;
-    if (reader.open(path)) {
-        while (reader.readNext())
-            result.samples.append(reader.sample());
-    }
-    result.error = reader.errorString();
-    if (result.error.startsWith(path))
-        result.error.replace(0, path.size(), QStringLiteral("rec.jsonl"));
-    return result;
-}
-
-RecordingSample tst_JsonLinesReader::readOne(const QByteArray &sampleLine)
-{
-    const Result result = readAll(header + sampleLine + '\n');
-    if (!result.error.isEmpty() || result.samples.size() != 1) {
-        qWarning("%s", qPrintable(result.error));
-        return RecordingSample();
-    }
-    return result.samples.first();
-}
 
 void tst_JsonLinesReader::verifyMissing(const RecordingSample &s)
 {
@@ -170,7 +127,7 @@ void tst_JsonLinesReader::verifyMissing(const RecordingSample &s)
 
 void tst_JsonLinesReader::everyKeyIsRead()
 {
-    const Result result = readAll(header + everyKeySampleLine() + "\n");
+    const RecordingRead result = readRecording(recordingHeader() + everyKeySampleLine() + "\n");
     QCOMPARE(result.error, QString());
     QCOMPARE(result.samples.size(), 1);
     const RecordingSample &s = result.samples.first();
@@ -345,7 +302,7 @@ void tst_JsonLinesReader::missingData_data()
 void tst_JsonLinesReader::missingData()
 {
     QFETCH(QByteArray, line);
-    const Result result = readAll(header + line + '\n');
+    const RecordingRead result = readRecording(recordingHeader() + line + '\n');
     QCOMPARE(result.error, QString());
     QCOMPARE(result.samples.size(), 1);
     verifyMissing(result.samples.first());
@@ -414,7 +371,7 @@ void tst_JsonLinesReader::updateRate()
 
 void tst_JsonLinesReader::nanAndInfinityLiterals()
 {
-    const RecordingSample s = readOne(
+    const RecordingSample s = readSample(
         R"({"temperature": NaN, "pressure": Infinity, "altitude": -Infinity, "rssi": NaN,)"
         R"( "calibratedAcceleration": [NaN, Infinity, -Infinity], "orientationQuaternion": [NaN, 0, 0, 1]})");
     QVERIFY(std::isnan(s.temperature));
@@ -465,8 +422,8 @@ void tst_JsonLinesReader::longNumbersAsStrtodReadsThem()
     else if (place == QLatin1String("the update rate"))
         file.write("{\"properties\": {}, \"updateRate\": " + text + "}\n");
     else
-        file.write(header + "{\"temperature\": " + text + ", \"calibratedAcceleration\": [1, "
-                   + text + ", 2]}\n");
+        file.write(recordingHeader() + "{\"temperature\": " + text
+                   + ", \"calibratedAcceleration\": [1, " + text + ", 2]}\n");
     file.close();
     JsonLinesReader reader;
     QVERIFY2(reader.open(file.fileName()), qPrintable(reader.errorString()));
@@ -535,7 +492,7 @@ void tst_JsonLinesReader::acceptedLimits()
     QFETCH(QByteArray, line);
     QFETCH(QString, field);
     QFETCH(qint64, value);
-    const Result result = readAll(header + line + '\n');
+    const RecordingRead result = readRecording(recordingHeader() + line + '\n');
     QCOMPARE(result.error, QString());
     QCOMPARE(result.samples.size(), 1);
     const RecordingSample &s = result.samples.first();
@@ -712,7 +669,7 @@ void tst_JsonLinesReader::everyFieldAtAndPastItsRange()
     QFETCH(qint64, stored);
     QFETCH(QString, message);
 
-    const Result result = readAll(header + line + '\n');
+    const RecordingRead result = readRecording(recordingHeader() + line + '\n');
     QCOMPARE(result.error, message);
     if (!message.isEmpty()) {
         QCOMPARE(result.samples.size(), 0);
@@ -742,14 +699,14 @@ void tst_JsonLinesReader::statusWordTakesTheLow32Bits()
 {
     QFETCH(QByteArray, line);
     QFETCH(qint32, word);
-    QCOMPARE(readOne(line).statusWord, word);
+    QCOMPARE(readSample(line).statusWord, word);
 }
 
 void tst_JsonLinesReader::gyroTemperaturesKeepTheLow16Bits()
 {
-    const RecordingSample s = readOne(R"({"gyroTemperatures": [-32768, -1, 0, 6400, 65535]})");
+    const RecordingSample s = readSample(R"({"gyroTemperatures": [-32768, -1, 0, 6400, 65535]})");
     QCOMPARE(s.gyroTemperatures, (QVector<quint16>{32768, 65535, 0, 6400, 65535}));
-    QCOMPARE(readOne(R"({"gyroTemperatures": []})").gyroTemperatures, QVector<quint16>());
+    QCOMPARE(readSample(R"({"gyroTemperatures": []})").gyroTemperatures, QVector<quint16>());
 }
 
 void tst_JsonLinesReader::sampleDateTime_data()
@@ -772,7 +729,7 @@ void tst_JsonLinesReader::sampleDateTime()
 {
     QFETCH(QByteArray, line);
     QFETCH(QDateTime, expected);
-    const QDateTime read = readOne(line).sampleDateTime;
+    const QDateTime read = readSample(line).sampleDateTime;
     QCOMPARE(read, expected);
     QCOMPARE(read.timeSpec(), expected.timeSpec());
 }
@@ -784,7 +741,7 @@ void tst_JsonLinesReader::satelliteListsAreTruncated()
         gps += (i ? ", " : "") + QByteArray(R"({"svid": )") + QByteArray::number(i + 1)
             + R"(, "quality": 7})";
     gps += "]}}";
-    const RecordingSample withGps = readOne(gps);
+    const RecordingSample withGps = readSample(gps);
     QCOMPARE(withGps.gpsSatellites.numCh, quint8(20));
     for (int i = 0; i < KvGpsSatelliteInfo::maxChannels; ++i)
         QCOMPARE(withGps.gpsSatellites.channels[i].svid, quint8(i + 1));
@@ -793,7 +750,7 @@ void tst_JsonLinesReader::satelliteListsAreTruncated()
     for (int i = 0; i < 70; ++i)
         gnss += (i ? ", " : "") + QByteArray(R"({"svId": )") + QByteArray::number(i + 1) + "}";
     gnss += "]}}";
-    const RecordingSample withGnss = readOne(gnss);
+    const RecordingSample withGnss = readSample(gnss);
     QCOMPARE(withGnss.gnssSatellites.numSvs, quint8(70));
     for (int i = 0; i < KvGnssSatelliteInfo::maxSatellites; ++i)
         QCOMPARE(withGnss.gnssSatellites.satellites[i].svId, quint8(i + 1));
@@ -801,7 +758,7 @@ void tst_JsonLinesReader::satelliteListsAreTruncated()
 
 void tst_JsonLinesReader::receiverRecordWithoutTimeOfWeekIsAbsent()
 {
-    const RecordingSample s = readOne(
+    const RecordingSample s = readSample(
         R"({"gnssPvt": {"iTOW": 0, "lat": 5}, "gpsSolution": {"week": 3}, "gpsDop": {"iTOW": 0, "pDOP": 1},)"
         R"( "gpsUtcTime": {"year": 2026}, "gpsSatellites": {"numCh": 1, "channels": [{"svid": 3}]},)"
         R"( "gnssSatellites": {"iTOW": 0, "numSvs": 1, "satellites": [{"svId": 3}]}})");
@@ -810,7 +767,7 @@ void tst_JsonLinesReader::receiverRecordWithoutTimeOfWeekIsAbsent()
 
 void tst_JsonLinesReader::emptyTriggerObjectIsAPresentTrigger()
 {
-    const RecordingSample s = readOne(R"({"triggerIn1": {}})");
+    const RecordingSample s = readSample(R"({"triggerIn1": {}})");
     QVERIFY(s.triggerIn1.isValid());
     QCOMPARE(s.triggerIn1.timestamp, quint32(0));
     QVERIFY(!s.triggerIn2.isValid());
@@ -818,7 +775,7 @@ void tst_JsonLinesReader::emptyTriggerObjectIsAPresentTrigger()
 
 void tst_JsonLinesReader::unknownKeysAreIgnored()
 {
-    const RecordingSample s = readOne(
+    const RecordingSample s = readSample(
         R"({"future": [1, {"a": "b"}], "future": 2, "packetCounter": 7,)"
         R"( "gnssPvt": {"iTOW": 9, "extra": "x", "extra": [1]}, "triggerIn1": {"colour": "red"}})");
     QCOMPARE(s.packetCounter, quint16(7));
@@ -828,12 +785,12 @@ void tst_JsonLinesReader::unknownKeysAreIgnored()
 
 void tst_JsonLinesReader::emptyLinesAreSkipped()
 {
-    const Result result = readAll("\n  \n" + header
-                                  + "\n\t\n"
-                                    R"({"packetCounter": 1})"
-                                    "\n\n"
-                                    R"({"packetCounter": 2})"
-                                    "\n \n");
+    const RecordingRead result = readRecording("\n  \n" + recordingHeader()
+                                               + "\n\t\n"
+                                                 R"({"packetCounter": 1})"
+                                                 "\n\n"
+                                                 R"({"packetCounter": 2})"
+                                                 "\n \n");
     QCOMPARE(result.error, QString());
     QCOMPARE(result.samples.size(), 2);
     QCOMPARE(result.samples.at(0).packetCounter, quint16(1));
@@ -842,12 +799,12 @@ void tst_JsonLinesReader::emptyLinesAreSkipped()
 
 void tst_JsonLinesReader::windowsLineEndsAndByteOrderMark()
 {
-    const Result result = readAll("\xEF\xBB\xBF"
-                                  R"({"properties": {"A": "b"}, "updateRate": 50})"
-                                  "\r\n"
-                                  R"({"packetCounter": 1})"
-                                  "\r\n\r\n"
-                                  R"({"packetCounter": 2})");
+    const RecordingRead result = readRecording("\xEF\xBB\xBF"
+                                               R"({"properties": {"A": "b"}, "updateRate": 50})"
+                                               "\r\n"
+                                               R"({"packetCounter": 1})"
+                                               "\r\n\r\n"
+                                               R"({"packetCounter": 2})");
     QCOMPARE(result.error, QString());
     QCOMPARE(result.samples.size(), 2);
     QCOMPARE(result.samples.at(1).packetCounter, quint16(2));
@@ -855,9 +812,9 @@ void tst_JsonLinesReader::windowsLineEndsAndByteOrderMark()
 
 void tst_JsonLinesReader::samplesAreReadOneAtATime()
 {
-    QByteArray content = header;
+    QByteArray content = recordingHeader();
     // One append at a time may grow the array only by what it appends.
-    content.reserve(header.size() + 20000 * 48);
+    content.reserve(content.size() + 20000 * 48);
     for (int i = 0; i < 20000; ++i)
         content += R"({"packetCounter": )" + QByteArray::number(i % 65536)
             + R"(, "sampleTimeFine": )" + QByteArray::number(i * 100) + "}\n";
@@ -943,7 +900,7 @@ void tst_JsonLinesReader::badLines_data()
 
     const QByteArray good = R"({"packetCounter": 1})"
                             "\n";
-    const auto file = [](const QByteArray &body) { return QByteArray(header + body); };
+    const auto file = [](const QByteArray &body) { return QByteArray(recordingHeader() + body); };
 
     QTest::newRow("an empty file has no recording object")
         << QByteArray() << "rec.jsonl:1: the file holds no recording object" << 0;
@@ -1281,7 +1238,7 @@ void tst_JsonLinesReader::badLines()
     QFETCH(QByteArray, content);
     QFETCH(QString, message);
     QFETCH(int, samplesBefore);
-    const Result result = readAll(content);
+    const RecordingRead result = readRecording(content);
     QCOMPARE(result.error, message);
     QCOMPARE(result.samples.size(), samplesBefore);
 }
@@ -1291,7 +1248,7 @@ void tst_JsonLinesReader::hugeLine()
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("huge.jsonl")));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(header);
+    file.write(recordingHeader());
     file.write(R"({"packetCounter": 1, "note": ")");
     const QByteArray block(1024 * 1024, 'a');
     for (int i = 0; i < 50; ++i)
@@ -1309,8 +1266,8 @@ void tst_JsonLinesReader::hugeLine()
 void tst_JsonLinesReader::largeLineBelowTheLimit()
 {
     const RecordingSample s =
-        readOne(R"({"packetCounter": 3, "note": ")" + QByteArray(3 * 1024 * 1024, 'a')
-                + R"(", "temperature": 21.5})");
+        readSample(R"({"packetCounter": 3, "note": ")" + QByteArray(3 * 1024 * 1024, 'a')
+                   + R"(", "temperature": 21.5})");
     QCOMPARE(s.packetCounter, quint16(3));
     QCOMPARE(s.temperature, 21.5);
 }
@@ -1320,7 +1277,7 @@ void tst_JsonLinesReader::readingStopsAfterABadLine()
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("bad.jsonl")));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(header
+    file.write(recordingHeader()
                + R"({"packetCounter": 1})"
                  "\n"
                  "[]\n"
@@ -1365,7 +1322,7 @@ void tst_JsonLinesReader::unreadableFile()
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("locked.jsonl")));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(header);
+    file.write(recordingHeader());
     file.close();
     QVERIFY(file.setPermissions(QFileDevice::WriteOwner));
     if (file.open(QIODevice::ReadOnly))
