@@ -1,4 +1,5 @@
 #include "filemodes.h"
+#include "programrun.h"
 
 #include <QDir>
 #include <QFile>
@@ -69,17 +70,8 @@ private slots:
     void damagedPluginFiles();
 
 private:
-    struct Result
-    {
-        int status = -1;
-        QByteArray out;
-        QByteArray err;
-    };
-
-    Result run(const QStringList &arguments,
-               const QProcessEnvironment &environment = QProcessEnvironment());
-    // Runs the program through "sh -c SCRIPT", which ends in exec "$0" "$@".
-    Result runInShell(const QString &script, const QStringList &arguments);
+    // @p arguments with the test's own settings file after the command.
+    QStringList withSettings(QStringList arguments) const;
     QString path(const QString &name) const { return dir->filePath(name); }
     QStringList files() const { return QDir(dir->path()).entryList(QDir::Files, QDir::Name); }
     static QByteArray readFile(const QString &fileName);
@@ -94,6 +86,9 @@ namespace {
 
 const QString program = QStringLiteral(ASCIIEXPORT_PROGRAM);
 const QString plugin = QStringLiteral(ASCIIEXPORTER_PLUGIN);
+
+// How long a run may take, in milliseconds: some read or write huge files.
+constexpr int longestRun = 300000;
 
 const QByteArray recordingObject =
     "{\"properties\": {\"StartTime\": \"2026-11-21 09:30:00\", \"FilterProfile\": \"general\", "
@@ -161,38 +156,11 @@ void tst_Hostile::cleanup()
     delete dir;
 }
 
-tst_Hostile::Result tst_Hostile::run(const QStringList &arguments,
-                                     const QProcessEnvironment &environment)
+QStringList tst_Hostile::withSettings(QStringList arguments) const
 {
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    if (!environment.isEmpty())
-        process.setProcessEnvironment(environment);
-    QStringList withSettings = arguments;
-    withSettings.insert(1, QStringLiteral("--settings"));
-    withSettings.insert(2, path(QStringLiteral("settings.ini")));
-    process.start(program, withSettings);
-    Result result;
-    if (!process.waitForFinished(300000) || process.exitStatus() != QProcess::NormalExit)
-        return result;
-    result.status = process.exitCode();
-    result.out = process.readAllStandardOutput();
-    result.err = process.readAllStandardError();
-    return result;
-}
-
-tst_Hostile::Result tst_Hostile::runInShell(const QString &script, const QStringList &arguments)
-{
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(QStringLiteral("/bin/sh"), QStringList{"-c", script, program} + arguments);
-    Result result;
-    if (!process.waitForFinished(300000) || process.exitStatus() != QProcess::NormalExit)
-        return result;
-    result.status = process.exitCode();
-    result.out = process.readAllStandardOutput();
-    result.err = process.readAllStandardError();
-    return result;
+    arguments.insert(1, QStringLiteral("--settings"));
+    arguments.insert(2, path(QStringLiteral("settings.ini")));
+    return arguments;
 }
 
 QByteArray tst_Hostile::readFile(const QString &fileName)
@@ -237,7 +205,9 @@ void tst_Hostile::hugeLine()
     file.close();
     writeFile(path("good.jsonl"), smallRecording);
 
-    const Result result = run({"export", "--quiet", path("huge.jsonl"), path("good.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", path("huge.jsonl"), path("good.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(result.status, 1);
     QCOMPARE(result.err,
              (path("huge.jsonl") + ":2: the line is longer than 4194304 bytes").toUtf8() + skipHint
@@ -296,7 +266,8 @@ void tst_Hostile::badRecordings()
 
     writeFile(path("bad.jsonl"), content);
     writeFile(path("bad-001.txt"), "an older export\n");
-    const Result result = run({"export", "--quiet", path("bad.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", path("bad.jsonl")}), dir->path(), longestRun);
     QCOMPARE(result.status, 1);
     // A bad sample line names the way to export the rest.
     const bool sampleLine = !message.startsWith(QLatin1String(":1:"))
@@ -312,7 +283,9 @@ void tst_Hostile::badRecordings()
 void tst_Hostile::lastLineWithoutLineEnd()
 {
     writeFile(path("rec.jsonl"), smallRecording.chopped(1));
-    const Result result = run({"export", "--quiet", "-o", path("out.txt"), path("rec.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path("out.txt"), path("rec.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("out.txt")), expectedExport(QStringLiteral("\t"), QString()));
@@ -321,7 +294,9 @@ void tst_Hostile::lastLineWithoutLineEnd()
 void tst_Hostile::recordingIsAFolder()
 {
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("folder.jsonl")));
-    const Result result = run({"export", "--quiet", path("folder.jsonl")});
+    const ProgramRun result =
+        ProgramRun::start(program, withSettings({"export", "--quiet", path("folder.jsonl")}),
+                          dir->path(), longestRun);
     QCOMPARE(result.status, 1);
     QCOMPARE(QString::fromUtf8(result.err),
              path("folder.jsonl") + QStringLiteral(": is a directory, not a recording\n"));
@@ -408,10 +383,12 @@ void tst_Hostile::nonAsciiTextsAreUtf8InEveryLocale()
     QFETCH(QString, locale);
 
     writeFile(path("small.jsonl"), smallRecording);
-    const Result result = run(QStringList{"export", "--quiet", "-o", path("out.txt")}
-                                  + customTexts(QStringLiteral("→"), QStringLiteral("∅"))
-                                  + QStringList{path("small.jsonl")},
-                              withLocale(locale));
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings(QStringList{"export", "--quiet", "-o", path("out.txt")}
+                                       + customTexts(QStringLiteral("→"), QStringLiteral("∅"))
+                                       + QStringList{path("small.jsonl")}),
+                          dir->path(), withLocale(locale), longestRun);
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("out.txt")),
@@ -461,10 +438,11 @@ void tst_Hostile::unusualTexts()
     QFETCH(QString, locale);
 
     writeFile(path("small.jsonl"), smallRecording);
-    const Result result =
-        run(QStringList{"export", "--quiet", "-o", path("out.txt")}
-                + customTexts(delimiter, placeholder) + QStringList{path("small.jsonl")},
-            withLocale(locale));
+    const ProgramRun result = ProgramRun::start(
+        program,
+        withSettings(QStringList{"export", "--quiet", "-o", path("out.txt")}
+                     + customTexts(delimiter, placeholder) + QStringList{path("small.jsonl")}),
+        dir->path(), withLocale(locale), longestRun);
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     const QByteArray written = readFile(path("out.txt"));
@@ -492,8 +470,10 @@ void tst_Hostile::textsFromTheSettingsFile()
     }
     writeFile(path("small.jsonl"), smallRecording);
     for (const char *locale : {"C", "C.UTF-8"}) {
-        const Result result = run({"export", "--quiet", "-o", path("out.txt"), path("small.jsonl")},
-                                  withLocale(QString::fromLatin1(locale)));
+        const ProgramRun result = ProgramRun::start(
+            program,
+            withSettings({"export", "--quiet", "-o", path("out.txt"), path("small.jsonl")}),
+            dir->path(), withLocale(QString::fromLatin1(locale)), longestRun);
         QCOMPARE(result.err, QByteArray());
         QCOMPARE(result.status, 0);
         QVERIFY2(readFile(path("out.txt")) == expectedExport(delimiter, placeholder), locale);
@@ -505,7 +485,9 @@ void tst_Hostile::fullDevice()
     if (!QFileInfo::exists(QStringLiteral("/dev/full")))
         QSKIP("this system has no /dev/full");
     writeFile(path("small.jsonl"), smallRecording);
-    const Result result = run({"export", "--quiet", "-o", "/dev/full", path("small.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", "/dev/full", path("small.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(result.status, 1);
     QCOMPARE(result.err, QByteArray("/dev/full: cannot be written: No space left on device\n"));
     QCOMPARE(files(), QStringList{"small.jsonl"});
@@ -590,8 +572,11 @@ void tst_Hostile::propertiesCannotLeaveTheOutputFolder()
     writeFile(path("in/rec.jsonl"),
               "{\"properties\": {\"DeviceId\": \"../../escaped\", \"ProductCode\": \"/tmp/x\"}}\n"
                   + goodSample);
-    const Result result = run({"export", "--quiet", "--output-dir", path("out"), "--set",
-                               "outputFileFormat=<deviceid>-<productcode>", path("in/rec.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "--output-dir", path("out"), "--set",
+                      "outputFileFormat=<deviceid>-<productcode>", path("in/rec.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(QDir(path("out")).entryList(QDir::Files | QDir::Hidden),
@@ -612,7 +597,9 @@ void tst_Hostile::badRecordingsSalvaged()
     QFETCH(QString, message);
 
     writeFile(path("bad.jsonl"), content);
-    const Result result = run({"export", "--quiet", "--skip-bad-lines", path("bad.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "--skip-bad-lines", path("bad.jsonl")}),
+        dir->path(), longestRun);
     if (message.startsWith(QLatin1String(":1:"))
         || message.contains(QLatin1String("no recording"))) {
         QCOMPARE(result.status, 1);
@@ -644,11 +631,16 @@ void tst_Hostile::cutOffRecordingSalvaged()
               recordingObject + goodSample + "{\"packetCounter\": 9, \"orientationEuler\": [1, 2\n"
                   + "{\"packetCounter\": 2, \"orientationEuler\": [-1.5, 0, 90]}\n"
                   + "{\"packetCounter\": 3, \"orientationEul");
-    const Result expected =
-        run({"export", "--quiet", "-o", path("expected.txt"), path("small.jsonl")});
+    const ProgramRun expected = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "-o", path("expected.txt"), path("small.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(expected.status, 0);
-    const Result result =
-        run({"export", "--quiet", "--skip-bad-lines", "-o", path("out.txt"), path("cut.jsonl")});
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings({"export", "--quiet", "--skip-bad-lines", "-o",
+                                        path("out.txt"), path("cut.jsonl")}),
+                          dir->path(), longestRun);
     QCOMPARE(
         QString::fromUtf8(result.err),
         path("cut.jsonl")
@@ -758,7 +750,9 @@ void tst_Hostile::fileSizeLimit()
 {
     QFETCH(bool, lastWrite);
     writeFile(path("walk.jsonl"), walkRecording());
-    const Result whole = run({"export", "--quiet", "-o", path("whole.txt"), path("walk.jsonl")});
+    const ProgramRun whole = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path("whole.txt"), path("walk.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(whole.status, 0);
     const qint64 size = QFileInfo(path("whole.txt")).size();
     const qint64 limitKib = lastWrite ? (size - 1) / 1024 : size / 2048;
@@ -766,9 +760,11 @@ void tst_Hostile::fileSizeLimit()
     const QString limit = QStringLiteral("ulimit -f %1; exec \"$0\" \"$@\"").arg(limitKib);
 
     writeFile(path("x.txt"), "an older export\n");
-    const Result result = runInShell(limit,
-                                     {"export", "--settings", path("settings.ini"), "--quiet", "-o",
-                                      path("x.txt"), path("walk.jsonl")});
+    const ProgramRun result =
+        ProgramRun::inShell(limit, program,
+                            {"export", "--settings", path("settings.ini"), "--quiet", "-o",
+                             path("x.txt"), path("walk.jsonl")},
+                            dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              path("x.txt") + QStringLiteral(": cannot be written: File too large\n"));
     QCOMPARE(result.status, 1);
@@ -776,8 +772,9 @@ void tst_Hostile::fileSizeLimit()
     QCOMPARE(files(), (QStringList{"walk.jsonl", "whole.txt", "x.txt"}));
 
     // generate keeps the same promise
-    const Result generated =
-        runInShell(limit, {"generate", "--samples", "1000", "-o", path("x.txt")});
+    const ProgramRun generated =
+        ProgramRun::inShell(limit, program, {"generate", "--samples", "1000", "-o", path("x.txt")},
+                            dir->path(), longestRun);
     QVERIFY2(generated.err.endsWith("File too large\n"), generated.err.constData());
     QCOMPARE(generated.status, 1);
     QCOMPARE(readFile(path("x.txt")), QByteArray("an older export\n"));
@@ -790,10 +787,11 @@ void tst_Hostile::fileSizeLimitInABatch()
     writeFile(path("walk.jsonl"), walkRecording());
     writeFile(path("small.jsonl"), smallRecording);
     const QString limit = QStringLiteral("ulimit -f 8; exec \"$0\" \"$@\"");
-    const Result result =
-        runInShell(limit,
-                   {"export", "--settings", path("settings.ini"), "--quiet", "--output-dir",
-                    path("out"), path("walk.jsonl"), path("small.jsonl")});
+    const ProgramRun result =
+        ProgramRun::inShell(limit, program,
+                            {"export", "--settings", path("settings.ini"), "--quiet",
+                             "--output-dir", path("out"), path("walk.jsonl"), path("small.jsonl")},
+                            dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              path("out/walk-001.txt") + QStringLiteral(": cannot be written: File too large\n"));
     QCOMPARE(result.status, 1);
@@ -870,7 +868,9 @@ void tst_Hostile::outputThatCannotBeOpened()
     QFETCH(QString, reason);
     writeFile(path("small.jsonl"), smallRecording);
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("folder")));
-    const Result result = run({"export", "--quiet", "-o", path(output), path("small.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path(output), path("small.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              path(output) + QStringLiteral(": ") + reason + QLatin1Char('\n'));
     QCOMPARE(result.status, 1);
@@ -923,8 +923,11 @@ void tst_Hostile::propertiesCannotMoveOrEmptyTheName()
     QVERIFY(QDir(dir->path()).mkpath(QStringLiteral("out/a_b")));
     writeFile(path("rec.jsonl"),
               "{\"properties\": {\"DeviceId\": \"" + deviceId + "\"}}\n" + goodSample);
-    const Result result = run({"export", "--quiet", "--output-dir", path("out"), "--set",
-                               "outputFileFormat=" + pattern, path("rec.jsonl")});
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings({"export", "--quiet", "--output-dir", path("out"), "--set",
+                                        "outputFileFormat=" + pattern, path("rec.jsonl")}),
+                          dir->path(), longestRun);
     if (written.isEmpty()) {
         QCOMPARE(QString::fromUtf8(result.err),
                  path("rec.jsonl") + QStringLiteral(": ") + message + QLatin1Char('\n'));
@@ -942,8 +945,11 @@ void tst_Hostile::batchCannotReplaceItsOwnRecordings()
 {
     writeFile(path("a.jsonl"), smallRecording);
     writeFile(path("b.jsonl"), smallRecording);
-    const Result result = run({"export", "--quiet", "--set", "outputFileFormat=b", "--set",
-                               "outputFileExtension=jsonl", path("a.jsonl"), path("b.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "--set", "outputFileFormat=b", "--set",
+                      "outputFileExtension=jsonl", path("a.jsonl"), path("b.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              path("a.jsonl") + QStringLiteral(": the output file ") + path("b.jsonl")
                  + QStringLiteral(" would replace a recording of this run\n") + path("b.jsonl")
@@ -966,10 +972,11 @@ void tst_Hostile::exportCannotReplaceItsRecordingByAnyName()
     QFETCH(QString, link);
 
     writeFile(path("a.jsonl"), smallRecording);
-    const Result result =
-        runInShell(link + QStringLiteral(" a.jsonl other.txt && exec \"$0\" \"$@\""),
-                   {"export", "--settings", path("settings.ini"), "--quiet", "-o",
-                    path("other.txt"), path("a.jsonl")});
+    const ProgramRun result = ProgramRun::inShell(
+        link + QStringLiteral(" a.jsonl other.txt && exec \"$0\" \"$@\""), program,
+        {"export", "--settings", path("settings.ini"), "--quiet", "-o", path("other.txt"),
+         path("a.jsonl")},
+        dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              path("other.txt")
                  + QStringLiteral(": the output file would replace the recording itself\n"));
@@ -1001,8 +1008,10 @@ void tst_Hostile::convertCannotReplaceItsLog()
     QFETCH(QString, shownName);
 
     const QString plainRun = QStringLiteral("exec \"$0\" \"$@\"");
-    QCOMPARE(runInShell(plainRun,
-                        {"generate", "--format", "ubx", "--samples", "20", "-o", path("log.ubx")})
+    QCOMPARE(ProgramRun::inShell(
+                 plainRun, program,
+                 {"generate", "--format", "ubx", "--samples", "20", "-o", path("log.ubx")},
+                 dir->path(), longestRun)
                  .status,
              0);
     const QByteArray log = readFile(path("log.ubx"));
@@ -1011,8 +1020,9 @@ void tst_Hostile::convertCannotReplaceItsLog()
                     QFile::encodeName(path("hard.ubx")).constData()),
              0);
 
-    const Result result =
-        runInShell(plainRun + QLatin1Char(' ') + redirection, {"convert", "log.ubx", "-o", output});
+    const ProgramRun result =
+        ProgramRun::inShell(plainRun + QLatin1Char(' ') + redirection, program,
+                            {"convert", "log.ubx", "-o", output}, dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              shownName + QStringLiteral(": the output file is the log log.ubx itself\n"));
     QCOMPARE(result.status, 1);
@@ -1055,14 +1065,17 @@ void tst_Hostile::lineBreaksInPropertyTexts()
     writeFile(path("rec.jsonl"), "{\"properties\": {" + property + "}}\n" + goodSample);
     const QString key = QString::fromUtf8(property.mid(1, property.indexOf('"', 1) - 1));
     writeFile(path("plain.jsonl"), "{\"properties\": {}}\n" + goodSample);
-    const Result plain = run({"export", "--quiet", "-o", path("plain.txt"), path("plain.jsonl")});
+    const ProgramRun plain = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path("plain.txt"), path("plain.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(plain.status, 0);
 
     for (const bool skipBadLines : {false, true}) {
         QStringList arguments{"export", "--quiet", "-o", path("out.txt"), path("rec.jsonl")};
         if (skipBadLines)
             arguments.insert(1, QStringLiteral("--skip-bad-lines"));
-        const Result result = run(arguments);
+        const ProgramRun result =
+            ProgramRun::start(program, withSettings(arguments), dir->path(), longestRun);
         if (shown.isEmpty()) {
             QVERIFY2(result.err.startsWith((path("rec.jsonl") + ":1: \"properties." + key
                                             + "\": the text holds a line break or a NUL character")
@@ -1078,7 +1091,8 @@ void tst_Hostile::lineBreaksInPropertyTexts()
     }
     if (shown.isEmpty())
         return;
-    const Result info = run({"info", "--recording", path("rec.jsonl")});
+    const ProgramRun info = ProgramRun::start(
+        program, withSettings({"info", "--recording", path("rec.jsonl")}), dir->path(), longestRun);
     QCOMPARE(info.status, 0);
     QVERIFY2(info.out.endsWith('\n' + shown + '\n'), info.out.constData());
 }
@@ -1100,8 +1114,10 @@ void tst_Hostile::damagedPluginFiles()
     const QByteArray bytes = original.readAll();
     writeFile(path("damaged.so"), bytes.left(keptBytes == -2 ? bytes.size() / 2 : keptBytes));
     writeFile(path("small.jsonl"), smallRecording);
-    const Result result =
-        run({"export", "--quiet", "--plugin", path("damaged.so"), path("small.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "--plugin", path("damaged.so"), path("small.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(result.status, 1);
     QVERIFY2(result.err.startsWith((path("damaged.so") + ": not a usable Qt plug-in: ").toUtf8()),
              result.err.constData());
