@@ -313,12 +313,9 @@ void tst_Hostile::unreadableRecording()
     QString why;
     if (!FileModes::obeyed(FileModes::Refused::ReadingAndWriting, &command, &arguments, &why))
         QSKIP(qPrintable(why));
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(command, arguments);
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitCode(), 1);
-    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+    const ProgramRun result = ProgramRun::start(command, arguments, dir->path(), 60000);
+    QCOMPARE(result.status, 1);
+    QCOMPARE(QString::fromUtf8(result.err),
              QStringLiteral("locked.jsonl: cannot be read: Permission denied\n"));
     QCOMPARE(files(), QStringList{"locked.jsonl"});
 }
@@ -358,15 +355,12 @@ void tst_Hostile::unreadableSettings()
     QString why;
     if (!FileModes::obeyed(FileModes::Refused::ReadingAndWriting, &program, &arguments, &why))
         QSKIP(qPrintable(why));
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(program, arguments);
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+    const ProgramRun result = ProgramRun::start(program, arguments, dir->path(), 60000);
+    QCOMPARE(QString::fromUtf8(result.err),
              QStringLiteral("locked.ini: the settings cannot be read: ") + reason
                  + QLatin1Char('\n'));
-    QCOMPARE(process.exitCode(), 1);
-    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(result.status, 1);
+    QCOMPARE(result.out, QByteArray());
     QCOMPARE(files(),
              (folder ? QStringList{"small.jsonl"} : QStringList{"locked.ini", "small.jsonl"}));
 }
@@ -547,21 +541,20 @@ void tst_Hostile::namesQtWouldTakeForResources()
     QVERIFY(QDir().mkdir(folder + ":out"));
     QVERIFY(QFile::copy(plugin, folder + ":plugin.so"));
 
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(program,
-                  {"export", "--quiet", "--plugin", ":plugin.so", "--settings", ":settings.ini",
-                   "--output-dir", ":out", "--set", "outputFileFormat=:<inputfile>", ":rec.jsonl"});
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.readAllStandardError(), QByteArray());
-    QCOMPARE(process.exitCode(), 0);
+    const ProgramRun exported = ProgramRun::start(
+        program,
+        {"export", "--quiet", "--plugin", ":plugin.so", "--settings", ":settings.ini",
+         "--output-dir", ":out", "--set", "outputFileFormat=:<inputfile>", ":rec.jsonl"},
+        dir->path(), 60000);
+    QCOMPARE(exported.err, QByteArray());
+    QCOMPARE(exported.status, 0);
     QCOMPARE(QDir(folder + ":out").entryList(QDir::Files), QStringList{"::rec.txt"});
     // the settings file was read: no packet counter
     QVERIFY(readFile(folder + ":out/::rec.txt").contains("\nSampleTimeFine\tRoll\tPitch\tYaw\n"));
 
-    process.start(program, {"generate", "--samples", "1", "-o", ":generated.jsonl"});
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitCode(), 0);
+    const ProgramRun generated = ProgramRun::start(
+        program, {"generate", "--samples", "1", "-o", ":generated.jsonl"}, dir->path(), 60000);
+    QCOMPARE(generated.status, 0);
     QVERIFY(QFileInfo::exists(folder + ":generated.jsonl"));
 }
 
@@ -687,18 +680,16 @@ void tst_Hostile::fullDisk()
     const QString script =
         QStringLiteral("mount -t tmpfs -o size=32k tmpfs full && printf 'older\\n' > full/x.txt "
                        "&& exec \"$0\" \"$@\"");
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(unshare,
-                  {"--mount", "/bin/sh", "-c", script + QStringLiteral(" || exit 99"), program,
-                   "export", "--settings", path("settings.ini"), "--quiet", "-o", "full/x.txt",
-                   "walk.jsonl"});
-    QVERIFY(process.waitForFinished(60000));
-    if (process.exitCode() == 99)
+    const ProgramRun result = ProgramRun::start(
+        unshare,
+        {"--mount", "/bin/sh", "-c", script + QStringLiteral(" || exit 99"), program, "export",
+         "--settings", path("settings.ini"), "--quiet", "-o", "full/x.txt", "walk.jsonl"},
+        dir->path(), 60000);
+    if (result.status == 99)
         QSKIP("this system does not let a test mount a file system");
-    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+    QCOMPARE(QString::fromUtf8(result.err),
              path("full/x.txt") + QStringLiteral(": cannot be written: No space left on device\n"));
-    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(result.status, 1);
     // The mount was the program's own; what it left there cannot be seen
     // from here, so the same run is checked again in the next test with a
     // file size limit, where it can.
@@ -717,15 +708,14 @@ void tst_Hostile::endlessPipeStopsBeforeTheTemporaryFolderIsFull()
     const QString script =
         QStringLiteral("mount -t tmpfs -o size=8m tmpfs tmp || exit 99; "
                        "yes \"$(printf '\\265b')\" | TMPDIR=\"$PWD/tmp\" \"$0\" \"$@\"");
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(unshare,
-                  {"--mount", "/bin/sh", "-c", script, program, "export", "--settings",
-                   path("settings.ini"), "--quiet", "-o", "out.txt", "-"});
-    QVERIFY(process.waitForFinished(60000));
-    if (process.exitCode() == 99)
+    const ProgramRun result =
+        ProgramRun::start(unshare,
+                          {"--mount", "/bin/sh", "-c", script, program, "export", "--settings",
+                           path("settings.ini"), "--quiet", "-o", "out.txt", "-"},
+                          dir->path(), 60000);
+    if (result.status == 99)
         QSKIP("this system does not let a test mount a file system");
-    const QString error = QString::fromUtf8(process.readAllStandardError());
+    const QString error = QString::fromUtf8(result.err);
     QVERIFY2(QRegularExpression(
                  QStringLiteral("^\\(standard input\\): cannot make a temporary copy: after "
                                 "[^,]+, the temporary folder %1 would have less than [^ ]+ "
@@ -734,7 +724,7 @@ void tst_Hostile::endlessPipeStopsBeforeTheTemporaryFolderIsFull()
                  .match(error)
                  .hasMatch(),
              qPrintable(error));
-    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(result.status, 1);
     QVERIFY(!QFile::exists(path("out.txt")));
 }
 
@@ -806,20 +796,19 @@ void tst_Hostile::generateWritesIntoPipesAndDevices()
     QProcess reader;
     reader.start(QStringLiteral("cat"), {path("fifo")});
     QVERIFY(reader.waitForStarted());
-    QProcess writer;
-    writer.start(program, {"generate", "--samples", "5", "-o", path("fifo")});
-    QVERIFY(writer.waitForFinished(60000));
-    QCOMPARE(writer.exitCode(), 0);
+    const ProgramRun intoFifo = ProgramRun::start(
+        program, {"generate", "--samples", "5", "-o", path("fifo")}, dir->path(), 60000);
+    QCOMPARE(intoFifo.status, 0);
     QVERIFY(reader.waitForFinished(60000));
     QCOMPARE(reader.readAllStandardOutput().count('\n'), 6);
     QVERIFY(QFileInfo(path("fifo")).exists() && !QFileInfo(path("fifo")).isFile());
 
     if (QFileInfo::exists(QStringLiteral("/dev/full"))
         && QFileInfo(QStringLiteral("/dev/full")).isWritable()) {
-        writer.start(program, {"generate", "--samples", "5", "-o", "/dev/full"});
-        QVERIFY(writer.waitForFinished(60000));
-        QCOMPARE(writer.exitCode(), 1);
-        QVERIFY2(writer.readAllStandardError().endsWith("No space left on device\n"), "");
+        const ProgramRun intoFull = ProgramRun::start(
+            program, {"generate", "--samples", "5", "-o", "/dev/full"}, dir->path(), 60000);
+        QCOMPARE(intoFull.status, 1);
+        QVERIFY2(intoFull.err.endsWith("No space left on device\n"), "");
         QVERIFY(!QFileInfo(QStringLiteral("/dev/full")).isFile());
     }
 }

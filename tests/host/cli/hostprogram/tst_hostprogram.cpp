@@ -555,13 +555,10 @@ void tst_HostProgram::unwritableOutputFolder()
     // Only writing: the program must still reach the recording in this test's folder.
     if (!FileModes::obeyed(FileModes::Refused::Writing, &command, &arguments, &why))
         QSKIP(qPrintable(why));
-    QProcess process;
-    process.start(command, arguments);
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitCode(), 1);
+    const ProgramRun result = ProgramRun::start(command, arguments, dir->path(), 60000);
+    QCOMPARE(result.status, 1);
     // the plug-in's message, the name of the file it could not open, and the system's reason
-    QCOMPARE(process.readAllStandardError(),
-             (folder + QStringLiteral("/rec-001.txt: Permission denied\n")).toUtf8());
+    QCOMPARE(result.err, (folder + QStringLiteral("/rec-001.txt: Permission denied\n")).toUtf8());
     QFile::setPermissions(path(QStringLiteral("locked")),
                           QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
@@ -923,21 +920,14 @@ void tst_HostProgram::namesOfOpenDescriptorsAreWrittenInPlace()
     const QByteArray older = "what the file held before\n";
     writeFile(path(QStringLiteral("out.txt")), older);
 
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(
-        QStringLiteral("/bin/sh"),
-        QStringList{"-c",
-                    QStringLiteral("exec \"$0\" \"$@\" -o %1 %2 out.txt").arg(output, redirection),
-                    program}
-            + arguments);
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 0);
+    const ProgramRun result = ProgramRun::inShell(
+        QStringLiteral("exec \"$0\" \"$@\" -o %1 %2 out.txt").arg(output, redirection), program,
+        arguments, dir->path(), 60000);
+    QCOMPARE(result.status, 0);
     // convert's note on the bytes between frames comes after the file, into
     // the same descriptor when that is standard error.
     const bool intoStandardError = redirection == QLatin1String("2>>");
-    QCOMPARE(process.readAllStandardError(), intoStandardError ? QByteArray() : fresh.err);
+    QCOMPARE(result.err, intoStandardError ? QByteArray() : fresh.err);
     QCOMPARE(readFile(path(QStringLiteral("out.txt"))),
              older + readFile(path(QStringLiteral("fresh.txt")))
                  + (intoStandardError ? fresh.err : QByteArray()));
