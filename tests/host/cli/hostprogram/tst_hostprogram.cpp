@@ -1,3 +1,4 @@
+#include "exportrun.h"
 #include "filemodes.h"
 #include "programrun.h"
 
@@ -76,34 +77,6 @@ namespace {
 
 const QString program = QStringLiteral(ASCIIEXPORT_PROGRAM);
 
-const QStringList everyGroup{
-    "exportDateTime",
-    "exportUtc",
-    "exportStatusFlags",
-    "exportClipFlags",
-    "exportRssi",
-    "exportCalibratedAcceleration",
-    "exportFreeAcceleration",
-    "exportCalibratedAngularVelocity",
-    "exportMagneticField",
-    "exportVelocityIncrement",
-    "exportOrientationIncrement",
-    "exportPosition",
-    "exportVelocity",
-    "exportTemperature",
-    "exportGyroTemperature",
-    "exportPressure",
-    "exportScrAcceleration",
-    "exportScrGyroscopeData",
-    "exportScrMagneticField",
-    "exportScrTemperature",
-    "exportScrGyroTemperature",
-    "exportRawGps",
-    "exportRawGnss",
-    "exportTriggerIn1",
-    "exportTriggerIn2",
-};
-
 QStringList setAll(const QStringList &keys)
 {
     QStringList arguments;
@@ -166,9 +139,10 @@ void tst_HostProgram::generatedExports_data()
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("default settings") << QStringList() << "host-defaults.txt";
-    QTest::newRow("every group with Euler angles") << setAll(everyGroup) << "host-all-euler.txt";
+    QTest::newRow("every group with Euler angles")
+        << setAll(dataGroupKeys()) << "host-all-euler.txt";
     QTest::newRow("every group with a matrix, commas, NaN and high precision")
-        << setAll(everyGroup)
+        << setAll(dataGroupKeys())
             + QStringList{"--set", "exportOrientation=Matrix", "--set", "useCommaDelimiter=1",
                           "--set", "insertNan=true",           "--set", "highPrecision=true"}
         << "host-all-matrix.txt";
@@ -1011,17 +985,13 @@ void tst_HostProgram::groupsShorthand()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "20"});
     QStringList longWay{"export", "--quiet", "-o", path("long.txt")};
-    for (const QString &key : everyGroup)
+    for (const QString &key : dataGroupKeys())
         longWay << "--set"
                 << key + QStringLiteral("=")
                 + (key == QLatin1String("exportRssi") || key == QLatin1String("exportRawGps")
                        ? "true"
                        : "false");
     longWay << "--set"
-            << "exportPacketCounter=false"
-            << "--set"
-            << "exportSampleTimeFine=false"
-            << "--set"
             << "exportOrientation=Matrix" << recording;
     QCOMPARE(ProgramRun::start(program, withSettings(longWay), dir->path()).status, 0);
     const ProgramRun result = ProgramRun::start(

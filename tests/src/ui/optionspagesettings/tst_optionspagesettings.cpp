@@ -1,6 +1,7 @@
 #include "asciiexporteroptionspage.h"
 #include "settingscatalogue.h"
 
+#include <exportrun.h>
 #include <filenamepatternreplacer.h>
 #include <settingssynchronizer.h>
 
@@ -15,50 +16,19 @@
 
 namespace {
 
-// The keys apply() writes: the four texts, every check box and the combo box.
-const QStringList appliedKeys = {
-    "exportCalibratedAcceleration",
-    "exportCalibratedAngularVelocity",
-    "exportClipFlags",
-    "exportDateTime",
-    "exportFreeAcceleration",
-    "exportGyroTemperature",
-    "exportMagneticField",
-    "exportOrientation",
-    "exportOrientationIncrement",
-    "exportPacketCounter",
-    "exportPosition",
-    "exportPressure",
-    "exportRawGnss",
-    "exportRawGps",
-    "exportRssi",
-    "exportSampleTimeFine",
-    "exportScrAcceleration",
-    "exportScrGyroTemperature",
-    "exportScrGyroscopeData",
-    "exportScrMagneticField",
-    "exportScrTemperature",
-    "exportStatusFlags",
-    "exportTemperature",
-    "exportTriggerIn1",
-    "exportTriggerIn2",
-    "exportUtc",
-    "exportVelocity",
-    "exportVelocityIncrement",
-    "insertNan",
-    "insertNothing",
-    "insertOtherPlaceholder",
-    "insertZero",
-    "otherDelimiter",
-    "otherPlaceholder",
-    "outputFileExtension",
-    "outputFileFormat",
-    "useCommaDelimiter",
-    "useOtherDelimiter",
-    "useSemiColonDelimiter",
-    "useSpaceDelimiter",
-    "useTabDelimiter",
-};
+// The keys apply() writes: the data groups, the orientation, the delimiter and
+// empty-field choices and the four texts; sorted, as the store lists them.
+QStringList appliedKeys()
+{
+    QStringList keys = dataGroupKeys()
+        + QStringList{"exportOrientation",      "insertNan",           "insertNothing",
+                      "insertOtherPlaceholder", "insertZero",          "otherDelimiter",
+                      "otherPlaceholder",       "outputFileExtension", "outputFileFormat",
+                      "useCommaDelimiter",      "useOtherDelimiter",   "useSemiColonDelimiter",
+                      "useSpaceDelimiter",      "useTabDelimiter"};
+    keys.sort();
+    return keys;
+}
 
 QStringList storedKeys(const SettingsSynchronizer &store)
 {
@@ -221,10 +191,10 @@ void tst_OptionsPageSettings::applyWritesExactlyThePageKeys()
     QCOMPARE(storedKeys(*store), QStringList{"exportPacketCounter"});
 
     page->apply();
-    QCOMPARE(storedKeys(*store), appliedKeys);
+    QCOMPARE(storedKeys(*store), appliedKeys());
 
     // untouched widgets store the defaults, typed as the defaults are
-    for (const QString &key : appliedKeys) {
+    for (const QString &key : appliedKeys()) {
         const QVariant value = store->setting(key);
         const QVariant fallback = store->defaultSetting(key);
         QVERIFY2(value.userType() == fallback.userType(), qPrintable(key));
@@ -244,7 +214,7 @@ void tst_OptionsPageSettings::applyLeavesKeysWithoutWidget()
     QStringList written = storedKeys(*store);
     written.removeOne(QStringLiteral("exportHeading"));
     written.removeOne(QStringLiteral("highPrecision"));
-    QCOMPARE(written, appliedKeys);
+    QCOMPARE(written, appliedKeys());
 }
 
 void tst_OptionsPageSettings::applyStoresUserChoices()
