@@ -1,4 +1,5 @@
 #include "filemodes.h"
+#include "programrun.h"
 
 #include <QDir>
 #include <QFile>
@@ -69,17 +70,8 @@ private slots:
     void damagedPluginFiles();
 
 private:
-    struct Result
-    {
-        int status = -1;
-        QByteArray out;
-        QByteArray err;
-    };
-
-    Result run(const QStringList &arguments,
-               const QProcessEnvironment &environment = QProcessEnvironment());
-    // Runs the program through "sh -c SCRIPT", which ends in exec "$0" "$@".
-    Result runInShell(const QString &script, const QStringList &arguments);
+    // @p arguments with the test's own settings file after the command.
+    QStringList withSettings(QStringList arguments) const;
     QString path(const QString &name) const { return dir->filePath(name); }
     QStringList files() const { return QDir(dir->path()).entryList(QDir::Files, QDir::Name); }
     static QByteArray readFile(const QString &fileName);
@@ -94,6 +86,9 @@ namespace {
 
 const QString program = QStringLiteral(ASCIIEXPORT_PROGRAM);
 const QString plugin = QStringLiteral(ASCIIEXPORTER_PLUGIN);
+
+// How long a run may take, in milliseconds: some read or write huge files.
+constexpr int longestRun = 300000;
 
 const QByteArray recordingObject =
     "{\"properties\": {\"StartTime\": \"2026-11-21 09:30:00\", \"FilterProfile\": \"general\", "
@@ -161,38 +156,11 @@ void tst_Hostile::cleanup()
     delete dir;
 }
 
-tst_Hostile::Result tst_Hostile::run(const QStringList &arguments,
-                                     const QProcessEnvironment &environment)
+QStringList tst_Hostile::withSettings(QStringList arguments) const
 {
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    if (!environment.isEmpty())
-        process.setProcessEnvironment(environment);
-    QStringList withSettings = arguments;
-    withSettings.insert(1, QStringLiteral("--settings"));
-    withSettings.insert(2, path(QStringLiteral("settings.ini")));
-    process.start(program, withSettings);
-    Result result;
-    if (!process.waitForFinished(300000) || process.exitStatus() != QProcess::NormalExit)
-        return result;
-    result.status = process.exitCode();
-    result.out = process.readAllStandardOutput();
-    result.err = process.readAllStandardError();
-    return result;
-}
-
-tst_Hostile::Result tst_Hostile::runInShell(const QString &script, const QStringList &arguments)
-{
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(QStringLiteral("/bin/sh"), QStringList{"-c", script, program} + arguments);
-    Result result;
-    if (!process.waitForFinished(300000) || process.exitStatus() != QProcess::NormalExit)
-        return result;
-    result.status = process.exitCode();
-    result.out = process.readAllStandardOutput();
-    result.err = process.readAllStandardError();
-    return result;
+    arguments.insert(1, QStringLiteral("--settings"));
+    arguments.insert(2, path(QStringLiteral("settings.ini")));
+    return arguments;
 }
 
 QByteArray tst_Hostile::readFile(const QString &fileName)
@@ -237,7 +205,9 @@ void tst_Hostile::hugeLine()
     file.close();
     writeFile(path("good.jsonl"), smallRecording);
 
-    const Result result = run({"export", "--quiet", path("huge.jsonl"), path("good.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", path("huge.jsonl"), path("good.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(result.status, 1);
     QCOMPARE(result.err,
              (path("huge.jsonl") + ":2: the line is longer than 4194304 bytes").toUtf8() + skipHint
@@ -296,7 +266,8 @@ void tst_Hostile::badRecordings()
 
     writeFile(path("bad.jsonl"), content);
     writeFile(path("bad-001.txt"), "an older export\n");
-    const Result result = run({"export", "--quiet", path("bad.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", path("bad.jsonl")}), dir->path(), longestRun);
     QCOMPARE(result.status, 1);
     // A bad sample line names the way to export the rest.
     const bool sampleLine = !message.startsWith(QLatin1String(":1:"))
@@ -312,7 +283,9 @@ void tst_Hostile::badRecordings()
 void tst_Hostile::lastLineWithoutLineEnd()
 {
     writeFile(path("rec.jsonl"), smallRecording.chopped(1));
-    const Result result = run({"export", "--quiet", "-o", path("out.txt"), path("rec.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path("out.txt"), path("rec.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("out.txt")), expectedExport(QStringLiteral("\t"), QString()));
@@ -321,7 +294,9 @@ void tst_Hostile::lastLineWithoutLineEnd()
 void tst_Hostile::recordingIsAFolder()
 {
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("folder.jsonl")));
-    const Result result = run({"export", "--quiet", path("folder.jsonl")});
+    const ProgramRun result =
+        ProgramRun::start(program, withSettings({"export", "--quiet", path("folder.jsonl")}),
+                          dir->path(), longestRun);
     QCOMPARE(result.status, 1);
     QCOMPARE(QString::fromUtf8(result.err),
              path("folder.jsonl") + QStringLiteral(": is a directory, not a recording\n"));
@@ -338,12 +313,9 @@ void tst_Hostile::unreadableRecording()
     QString why;
     if (!FileModes::obeyed(FileModes::Refused::ReadingAndWriting, &command, &arguments, &why))
         QSKIP(qPrintable(why));
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(command, arguments);
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitCode(), 1);
-    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+    const ProgramRun result = ProgramRun::start(command, arguments, dir->path(), 60000);
+    QCOMPARE(result.status, 1);
+    QCOMPARE(QString::fromUtf8(result.err),
              QStringLiteral("locked.jsonl: cannot be read: Permission denied\n"));
     QCOMPARE(files(), QStringList{"locked.jsonl"});
 }
@@ -383,15 +355,12 @@ void tst_Hostile::unreadableSettings()
     QString why;
     if (!FileModes::obeyed(FileModes::Refused::ReadingAndWriting, &program, &arguments, &why))
         QSKIP(qPrintable(why));
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(program, arguments);
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+    const ProgramRun result = ProgramRun::start(program, arguments, dir->path(), 60000);
+    QCOMPARE(QString::fromUtf8(result.err),
              QStringLiteral("locked.ini: the settings cannot be read: ") + reason
                  + QLatin1Char('\n'));
-    QCOMPARE(process.exitCode(), 1);
-    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(result.status, 1);
+    QCOMPARE(result.out, QByteArray());
     QCOMPARE(files(),
              (folder ? QStringList{"small.jsonl"} : QStringList{"locked.ini", "small.jsonl"}));
 }
@@ -408,10 +377,12 @@ void tst_Hostile::nonAsciiTextsAreUtf8InEveryLocale()
     QFETCH(QString, locale);
 
     writeFile(path("small.jsonl"), smallRecording);
-    const Result result = run(QStringList{"export", "--quiet", "-o", path("out.txt")}
-                                  + customTexts(QStringLiteral("→"), QStringLiteral("∅"))
-                                  + QStringList{path("small.jsonl")},
-                              withLocale(locale));
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings(QStringList{"export", "--quiet", "-o", path("out.txt")}
+                                       + customTexts(QStringLiteral("→"), QStringLiteral("∅"))
+                                       + QStringList{path("small.jsonl")}),
+                          dir->path(), withLocale(locale), longestRun);
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("out.txt")),
@@ -461,10 +432,11 @@ void tst_Hostile::unusualTexts()
     QFETCH(QString, locale);
 
     writeFile(path("small.jsonl"), smallRecording);
-    const Result result =
-        run(QStringList{"export", "--quiet", "-o", path("out.txt")}
-                + customTexts(delimiter, placeholder) + QStringList{path("small.jsonl")},
-            withLocale(locale));
+    const ProgramRun result = ProgramRun::start(
+        program,
+        withSettings(QStringList{"export", "--quiet", "-o", path("out.txt")}
+                     + customTexts(delimiter, placeholder) + QStringList{path("small.jsonl")}),
+        dir->path(), withLocale(locale), longestRun);
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     const QByteArray written = readFile(path("out.txt"));
@@ -492,8 +464,10 @@ void tst_Hostile::textsFromTheSettingsFile()
     }
     writeFile(path("small.jsonl"), smallRecording);
     for (const char *locale : {"C", "C.UTF-8"}) {
-        const Result result = run({"export", "--quiet", "-o", path("out.txt"), path("small.jsonl")},
-                                  withLocale(QString::fromLatin1(locale)));
+        const ProgramRun result = ProgramRun::start(
+            program,
+            withSettings({"export", "--quiet", "-o", path("out.txt"), path("small.jsonl")}),
+            dir->path(), withLocale(QString::fromLatin1(locale)), longestRun);
         QCOMPARE(result.err, QByteArray());
         QCOMPARE(result.status, 0);
         QVERIFY2(readFile(path("out.txt")) == expectedExport(delimiter, placeholder), locale);
@@ -505,7 +479,9 @@ void tst_Hostile::fullDevice()
     if (!QFileInfo::exists(QStringLiteral("/dev/full")))
         QSKIP("this system has no /dev/full");
     writeFile(path("small.jsonl"), smallRecording);
-    const Result result = run({"export", "--quiet", "-o", "/dev/full", path("small.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", "/dev/full", path("small.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(result.status, 1);
     QCOMPARE(result.err, QByteArray("/dev/full: cannot be written: No space left on device\n"));
     QCOMPARE(files(), QStringList{"small.jsonl"});
@@ -565,21 +541,20 @@ void tst_Hostile::namesQtWouldTakeForResources()
     QVERIFY(QDir().mkdir(folder + ":out"));
     QVERIFY(QFile::copy(plugin, folder + ":plugin.so"));
 
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(program,
-                  {"export", "--quiet", "--plugin", ":plugin.so", "--settings", ":settings.ini",
-                   "--output-dir", ":out", "--set", "outputFileFormat=:<inputfile>", ":rec.jsonl"});
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.readAllStandardError(), QByteArray());
-    QCOMPARE(process.exitCode(), 0);
+    const ProgramRun exported = ProgramRun::start(
+        program,
+        {"export", "--quiet", "--plugin", ":plugin.so", "--settings", ":settings.ini",
+         "--output-dir", ":out", "--set", "outputFileFormat=:<inputfile>", ":rec.jsonl"},
+        dir->path(), 60000);
+    QCOMPARE(exported.err, QByteArray());
+    QCOMPARE(exported.status, 0);
     QCOMPARE(QDir(folder + ":out").entryList(QDir::Files), QStringList{"::rec.txt"});
     // the settings file was read: no packet counter
     QVERIFY(readFile(folder + ":out/::rec.txt").contains("\nSampleTimeFine\tRoll\tPitch\tYaw\n"));
 
-    process.start(program, {"generate", "--samples", "1", "-o", ":generated.jsonl"});
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitCode(), 0);
+    const ProgramRun generated = ProgramRun::start(
+        program, {"generate", "--samples", "1", "-o", ":generated.jsonl"}, dir->path(), 60000);
+    QCOMPARE(generated.status, 0);
     QVERIFY(QFileInfo::exists(folder + ":generated.jsonl"));
 }
 
@@ -590,8 +565,11 @@ void tst_Hostile::propertiesCannotLeaveTheOutputFolder()
     writeFile(path("in/rec.jsonl"),
               "{\"properties\": {\"DeviceId\": \"../../escaped\", \"ProductCode\": \"/tmp/x\"}}\n"
                   + goodSample);
-    const Result result = run({"export", "--quiet", "--output-dir", path("out"), "--set",
-                               "outputFileFormat=<deviceid>-<productcode>", path("in/rec.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "--output-dir", path("out"), "--set",
+                      "outputFileFormat=<deviceid>-<productcode>", path("in/rec.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(QDir(path("out")).entryList(QDir::Files | QDir::Hidden),
@@ -612,7 +590,9 @@ void tst_Hostile::badRecordingsSalvaged()
     QFETCH(QString, message);
 
     writeFile(path("bad.jsonl"), content);
-    const Result result = run({"export", "--quiet", "--skip-bad-lines", path("bad.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "--skip-bad-lines", path("bad.jsonl")}),
+        dir->path(), longestRun);
     if (message.startsWith(QLatin1String(":1:"))
         || message.contains(QLatin1String("no recording"))) {
         QCOMPARE(result.status, 1);
@@ -644,11 +624,16 @@ void tst_Hostile::cutOffRecordingSalvaged()
               recordingObject + goodSample + "{\"packetCounter\": 9, \"orientationEuler\": [1, 2\n"
                   + "{\"packetCounter\": 2, \"orientationEuler\": [-1.5, 0, 90]}\n"
                   + "{\"packetCounter\": 3, \"orientationEul");
-    const Result expected =
-        run({"export", "--quiet", "-o", path("expected.txt"), path("small.jsonl")});
+    const ProgramRun expected = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "-o", path("expected.txt"), path("small.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(expected.status, 0);
-    const Result result =
-        run({"export", "--quiet", "--skip-bad-lines", "-o", path("out.txt"), path("cut.jsonl")});
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings({"export", "--quiet", "--skip-bad-lines", "-o",
+                                        path("out.txt"), path("cut.jsonl")}),
+                          dir->path(), longestRun);
     QCOMPARE(
         QString::fromUtf8(result.err),
         path("cut.jsonl")
@@ -695,18 +680,16 @@ void tst_Hostile::fullDisk()
     const QString script =
         QStringLiteral("mount -t tmpfs -o size=32k tmpfs full && printf 'older\\n' > full/x.txt "
                        "&& exec \"$0\" \"$@\"");
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(unshare,
-                  {"--mount", "/bin/sh", "-c", script + QStringLiteral(" || exit 99"), program,
-                   "export", "--settings", path("settings.ini"), "--quiet", "-o", "full/x.txt",
-                   "walk.jsonl"});
-    QVERIFY(process.waitForFinished(60000));
-    if (process.exitCode() == 99)
+    const ProgramRun result = ProgramRun::start(
+        unshare,
+        {"--mount", "/bin/sh", "-c", script + QStringLiteral(" || exit 99"), program, "export",
+         "--settings", path("settings.ini"), "--quiet", "-o", "full/x.txt", "walk.jsonl"},
+        dir->path(), 60000);
+    if (result.status == 99)
         QSKIP("this system does not let a test mount a file system");
-    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+    QCOMPARE(QString::fromUtf8(result.err),
              path("full/x.txt") + QStringLiteral(": cannot be written: No space left on device\n"));
-    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(result.status, 1);
     // The mount was the program's own; what it left there cannot be seen
     // from here, so the same run is checked again in the next test with a
     // file size limit, where it can.
@@ -725,15 +708,14 @@ void tst_Hostile::endlessPipeStopsBeforeTheTemporaryFolderIsFull()
     const QString script =
         QStringLiteral("mount -t tmpfs -o size=8m tmpfs tmp || exit 99; "
                        "yes \"$(printf '\\265b')\" | TMPDIR=\"$PWD/tmp\" \"$0\" \"$@\"");
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(unshare,
-                  {"--mount", "/bin/sh", "-c", script, program, "export", "--settings",
-                   path("settings.ini"), "--quiet", "-o", "out.txt", "-"});
-    QVERIFY(process.waitForFinished(60000));
-    if (process.exitCode() == 99)
+    const ProgramRun result =
+        ProgramRun::start(unshare,
+                          {"--mount", "/bin/sh", "-c", script, program, "export", "--settings",
+                           path("settings.ini"), "--quiet", "-o", "out.txt", "-"},
+                          dir->path(), 60000);
+    if (result.status == 99)
         QSKIP("this system does not let a test mount a file system");
-    const QString error = QString::fromUtf8(process.readAllStandardError());
+    const QString error = QString::fromUtf8(result.err);
     QVERIFY2(QRegularExpression(
                  QStringLiteral("^\\(standard input\\): cannot make a temporary copy: after "
                                 "[^,]+, the temporary folder %1 would have less than [^ ]+ "
@@ -742,7 +724,7 @@ void tst_Hostile::endlessPipeStopsBeforeTheTemporaryFolderIsFull()
                  .match(error)
                  .hasMatch(),
              qPrintable(error));
-    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(result.status, 1);
     QVERIFY(!QFile::exists(path("out.txt")));
 }
 
@@ -758,7 +740,9 @@ void tst_Hostile::fileSizeLimit()
 {
     QFETCH(bool, lastWrite);
     writeFile(path("walk.jsonl"), walkRecording());
-    const Result whole = run({"export", "--quiet", "-o", path("whole.txt"), path("walk.jsonl")});
+    const ProgramRun whole = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path("whole.txt"), path("walk.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(whole.status, 0);
     const qint64 size = QFileInfo(path("whole.txt")).size();
     const qint64 limitKib = lastWrite ? (size - 1) / 1024 : size / 2048;
@@ -766,9 +750,11 @@ void tst_Hostile::fileSizeLimit()
     const QString limit = QStringLiteral("ulimit -f %1; exec \"$0\" \"$@\"").arg(limitKib);
 
     writeFile(path("x.txt"), "an older export\n");
-    const Result result = runInShell(limit,
-                                     {"export", "--settings", path("settings.ini"), "--quiet", "-o",
-                                      path("x.txt"), path("walk.jsonl")});
+    const ProgramRun result =
+        ProgramRun::inShell(limit, program,
+                            {"export", "--settings", path("settings.ini"), "--quiet", "-o",
+                             path("x.txt"), path("walk.jsonl")},
+                            dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              path("x.txt") + QStringLiteral(": cannot be written: File too large\n"));
     QCOMPARE(result.status, 1);
@@ -776,8 +762,9 @@ void tst_Hostile::fileSizeLimit()
     QCOMPARE(files(), (QStringList{"walk.jsonl", "whole.txt", "x.txt"}));
 
     // generate keeps the same promise
-    const Result generated =
-        runInShell(limit, {"generate", "--samples", "1000", "-o", path("x.txt")});
+    const ProgramRun generated =
+        ProgramRun::inShell(limit, program, {"generate", "--samples", "1000", "-o", path("x.txt")},
+                            dir->path(), longestRun);
     QVERIFY2(generated.err.endsWith("File too large\n"), generated.err.constData());
     QCOMPARE(generated.status, 1);
     QCOMPARE(readFile(path("x.txt")), QByteArray("an older export\n"));
@@ -790,10 +777,11 @@ void tst_Hostile::fileSizeLimitInABatch()
     writeFile(path("walk.jsonl"), walkRecording());
     writeFile(path("small.jsonl"), smallRecording);
     const QString limit = QStringLiteral("ulimit -f 8; exec \"$0\" \"$@\"");
-    const Result result =
-        runInShell(limit,
-                   {"export", "--settings", path("settings.ini"), "--quiet", "--output-dir",
-                    path("out"), path("walk.jsonl"), path("small.jsonl")});
+    const ProgramRun result =
+        ProgramRun::inShell(limit, program,
+                            {"export", "--settings", path("settings.ini"), "--quiet",
+                             "--output-dir", path("out"), path("walk.jsonl"), path("small.jsonl")},
+                            dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              path("out/walk-001.txt") + QStringLiteral(": cannot be written: File too large\n"));
     QCOMPARE(result.status, 1);
@@ -808,20 +796,19 @@ void tst_Hostile::generateWritesIntoPipesAndDevices()
     QProcess reader;
     reader.start(QStringLiteral("cat"), {path("fifo")});
     QVERIFY(reader.waitForStarted());
-    QProcess writer;
-    writer.start(program, {"generate", "--samples", "5", "-o", path("fifo")});
-    QVERIFY(writer.waitForFinished(60000));
-    QCOMPARE(writer.exitCode(), 0);
+    const ProgramRun intoFifo = ProgramRun::start(
+        program, {"generate", "--samples", "5", "-o", path("fifo")}, dir->path(), 60000);
+    QCOMPARE(intoFifo.status, 0);
     QVERIFY(reader.waitForFinished(60000));
     QCOMPARE(reader.readAllStandardOutput().count('\n'), 6);
     QVERIFY(QFileInfo(path("fifo")).exists() && !QFileInfo(path("fifo")).isFile());
 
     if (QFileInfo::exists(QStringLiteral("/dev/full"))
         && QFileInfo(QStringLiteral("/dev/full")).isWritable()) {
-        writer.start(program, {"generate", "--samples", "5", "-o", "/dev/full"});
-        QVERIFY(writer.waitForFinished(60000));
-        QCOMPARE(writer.exitCode(), 1);
-        QVERIFY2(writer.readAllStandardError().endsWith("No space left on device\n"), "");
+        const ProgramRun intoFull = ProgramRun::start(
+            program, {"generate", "--samples", "5", "-o", "/dev/full"}, dir->path(), 60000);
+        QCOMPARE(intoFull.status, 1);
+        QVERIFY2(intoFull.err.endsWith("No space left on device\n"), "");
         QVERIFY(!QFileInfo(QStringLiteral("/dev/full")).isFile());
     }
 }
@@ -870,7 +857,9 @@ void tst_Hostile::outputThatCannotBeOpened()
     QFETCH(QString, reason);
     writeFile(path("small.jsonl"), smallRecording);
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("folder")));
-    const Result result = run({"export", "--quiet", "-o", path(output), path("small.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path(output), path("small.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              path(output) + QStringLiteral(": ") + reason + QLatin1Char('\n'));
     QCOMPARE(result.status, 1);
@@ -923,8 +912,11 @@ void tst_Hostile::propertiesCannotMoveOrEmptyTheName()
     QVERIFY(QDir(dir->path()).mkpath(QStringLiteral("out/a_b")));
     writeFile(path("rec.jsonl"),
               "{\"properties\": {\"DeviceId\": \"" + deviceId + "\"}}\n" + goodSample);
-    const Result result = run({"export", "--quiet", "--output-dir", path("out"), "--set",
-                               "outputFileFormat=" + pattern, path("rec.jsonl")});
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings({"export", "--quiet", "--output-dir", path("out"), "--set",
+                                        "outputFileFormat=" + pattern, path("rec.jsonl")}),
+                          dir->path(), longestRun);
     if (written.isEmpty()) {
         QCOMPARE(QString::fromUtf8(result.err),
                  path("rec.jsonl") + QStringLiteral(": ") + message + QLatin1Char('\n'));
@@ -942,8 +934,11 @@ void tst_Hostile::batchCannotReplaceItsOwnRecordings()
 {
     writeFile(path("a.jsonl"), smallRecording);
     writeFile(path("b.jsonl"), smallRecording);
-    const Result result = run({"export", "--quiet", "--set", "outputFileFormat=b", "--set",
-                               "outputFileExtension=jsonl", path("a.jsonl"), path("b.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "--set", "outputFileFormat=b", "--set",
+                      "outputFileExtension=jsonl", path("a.jsonl"), path("b.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              path("a.jsonl") + QStringLiteral(": the output file ") + path("b.jsonl")
                  + QStringLiteral(" would replace a recording of this run\n") + path("b.jsonl")
@@ -966,10 +961,11 @@ void tst_Hostile::exportCannotReplaceItsRecordingByAnyName()
     QFETCH(QString, link);
 
     writeFile(path("a.jsonl"), smallRecording);
-    const Result result =
-        runInShell(link + QStringLiteral(" a.jsonl other.txt && exec \"$0\" \"$@\""),
-                   {"export", "--settings", path("settings.ini"), "--quiet", "-o",
-                    path("other.txt"), path("a.jsonl")});
+    const ProgramRun result = ProgramRun::inShell(
+        link + QStringLiteral(" a.jsonl other.txt && exec \"$0\" \"$@\""), program,
+        {"export", "--settings", path("settings.ini"), "--quiet", "-o", path("other.txt"),
+         path("a.jsonl")},
+        dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              path("other.txt")
                  + QStringLiteral(": the output file would replace the recording itself\n"));
@@ -1001,8 +997,10 @@ void tst_Hostile::convertCannotReplaceItsLog()
     QFETCH(QString, shownName);
 
     const QString plainRun = QStringLiteral("exec \"$0\" \"$@\"");
-    QCOMPARE(runInShell(plainRun,
-                        {"generate", "--format", "ubx", "--samples", "20", "-o", path("log.ubx")})
+    QCOMPARE(ProgramRun::inShell(
+                 plainRun, program,
+                 {"generate", "--format", "ubx", "--samples", "20", "-o", path("log.ubx")},
+                 dir->path(), longestRun)
                  .status,
              0);
     const QByteArray log = readFile(path("log.ubx"));
@@ -1011,8 +1009,9 @@ void tst_Hostile::convertCannotReplaceItsLog()
                     QFile::encodeName(path("hard.ubx")).constData()),
              0);
 
-    const Result result =
-        runInShell(plainRun + QLatin1Char(' ') + redirection, {"convert", "log.ubx", "-o", output});
+    const ProgramRun result =
+        ProgramRun::inShell(plainRun + QLatin1Char(' ') + redirection, program,
+                            {"convert", "log.ubx", "-o", output}, dir->path(), longestRun);
     QCOMPARE(QString::fromUtf8(result.err),
              shownName + QStringLiteral(": the output file is the log log.ubx itself\n"));
     QCOMPARE(result.status, 1);
@@ -1055,14 +1054,17 @@ void tst_Hostile::lineBreaksInPropertyTexts()
     writeFile(path("rec.jsonl"), "{\"properties\": {" + property + "}}\n" + goodSample);
     const QString key = QString::fromUtf8(property.mid(1, property.indexOf('"', 1) - 1));
     writeFile(path("plain.jsonl"), "{\"properties\": {}}\n" + goodSample);
-    const Result plain = run({"export", "--quiet", "-o", path("plain.txt"), path("plain.jsonl")});
+    const ProgramRun plain = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path("plain.txt"), path("plain.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(plain.status, 0);
 
     for (const bool skipBadLines : {false, true}) {
         QStringList arguments{"export", "--quiet", "-o", path("out.txt"), path("rec.jsonl")};
         if (skipBadLines)
             arguments.insert(1, QStringLiteral("--skip-bad-lines"));
-        const Result result = run(arguments);
+        const ProgramRun result =
+            ProgramRun::start(program, withSettings(arguments), dir->path(), longestRun);
         if (shown.isEmpty()) {
             QVERIFY2(result.err.startsWith((path("rec.jsonl") + ":1: \"properties." + key
                                             + "\": the text holds a line break or a NUL character")
@@ -1078,7 +1080,8 @@ void tst_Hostile::lineBreaksInPropertyTexts()
     }
     if (shown.isEmpty())
         return;
-    const Result info = run({"info", "--recording", path("rec.jsonl")});
+    const ProgramRun info = ProgramRun::start(
+        program, withSettings({"info", "--recording", path("rec.jsonl")}), dir->path(), longestRun);
     QCOMPARE(info.status, 0);
     QVERIFY2(info.out.endsWith('\n' + shown + '\n'), info.out.constData());
 }
@@ -1100,8 +1103,10 @@ void tst_Hostile::damagedPluginFiles()
     const QByteArray bytes = original.readAll();
     writeFile(path("damaged.so"), bytes.left(keptBytes == -2 ? bytes.size() / 2 : keptBytes));
     writeFile(path("small.jsonl"), smallRecording);
-    const Result result =
-        run({"export", "--quiet", "--plugin", path("damaged.so"), path("small.jsonl")});
+    const ProgramRun result = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "--plugin", path("damaged.so"), path("small.jsonl")}),
+        dir->path(), longestRun);
     QCOMPARE(result.status, 1);
     QVERIFY2(result.err.startsWith((path("damaged.so") + ": not a usable Qt plug-in: ").toUtf8()),
              result.err.constData());

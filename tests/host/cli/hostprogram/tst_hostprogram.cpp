@@ -1,4 +1,6 @@
+#include "exportrun.h"
 #include "filemodes.h"
+#include "programrun.h"
 
 #include <QDir>
 #include <QFile>
@@ -61,14 +63,6 @@ private slots:
     void info();
 
 private:
-    struct Result
-    {
-        int status = -1;
-        QByteArray out;
-        QByteArray err;
-    };
-
-    Result run(const QStringList &arguments, const QString &workingDirectory = QString());
     // Writes a recording with generate; an empty name on failure.
     QString generated(const QString &name, const QStringList &options);
     QString path(const QString &name) const { return dir->filePath(name); }
@@ -82,34 +76,6 @@ private:
 namespace {
 
 const QString program = QStringLiteral(ASCIIEXPORT_PROGRAM);
-
-const QStringList everyGroup{
-    "exportDateTime",
-    "exportUtc",
-    "exportStatusFlags",
-    "exportClipFlags",
-    "exportRssi",
-    "exportCalibratedAcceleration",
-    "exportFreeAcceleration",
-    "exportCalibratedAngularVelocity",
-    "exportMagneticField",
-    "exportVelocityIncrement",
-    "exportOrientationIncrement",
-    "exportPosition",
-    "exportVelocity",
-    "exportTemperature",
-    "exportGyroTemperature",
-    "exportPressure",
-    "exportScrAcceleration",
-    "exportScrGyroscopeData",
-    "exportScrMagneticField",
-    "exportScrTemperature",
-    "exportScrGyroTemperature",
-    "exportRawGps",
-    "exportRawGnss",
-    "exportTriggerIn1",
-    "exportTriggerIn2",
-};
 
 QStringList setAll(const QStringList &keys)
 {
@@ -138,21 +104,6 @@ void tst_HostProgram::cleanup()
     delete dir;
 }
 
-tst_HostProgram::Result tst_HostProgram::run(const QStringList &arguments,
-                                             const QString &workingDirectory)
-{
-    QProcess process;
-    process.setWorkingDirectory(workingDirectory.isEmpty() ? dir->path() : workingDirectory);
-    process.start(program, arguments);
-    Result result;
-    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
-        return result;
-    result.status = process.exitCode();
-    result.out = process.readAllStandardOutput();
-    result.err = process.readAllStandardError();
-    return result;
-}
-
 QStringList tst_HostProgram::withSettings(QStringList arguments) const
 {
     arguments.insert(1, QStringLiteral("--settings"));
@@ -162,8 +113,10 @@ QStringList tst_HostProgram::withSettings(QStringList arguments) const
 
 QString tst_HostProgram::generated(const QString &name, const QStringList &options)
 {
-    const Result result =
-        run(QStringList{QStringLiteral("generate"), QStringLiteral("-o"), path(name)} + options);
+    const ProgramRun result = ProgramRun::start(
+        program,
+        QStringList{QStringLiteral("generate"), QStringLiteral("-o"), path(name)} + options,
+        dir->path());
     return result.status == 0 ? path(name) : QString();
 }
 
@@ -186,9 +139,10 @@ void tst_HostProgram::generatedExports_data()
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("default settings") << QStringList() << "host-defaults.txt";
-    QTest::newRow("every group with Euler angles") << setAll(everyGroup) << "host-all-euler.txt";
+    QTest::newRow("every group with Euler angles")
+        << setAll(dataGroupKeys()) << "host-all-euler.txt";
     QTest::newRow("every group with a matrix, commas, NaN and high precision")
-        << setAll(everyGroup)
+        << setAll(dataGroupKeys())
             + QStringList{"--set", "exportOrientation=Matrix", "--set", "useCommaDelimiter=1",
                           "--set", "insertNan=true",           "--set", "highPrecision=true"}
         << "host-all-matrix.txt";
@@ -214,8 +168,11 @@ void tst_HostProgram::generatedExports()
     QVERIFY(!recording.isEmpty());
     QCOMPARE(readFile(recording), readFile(QStringLiteral(TEST_DATA_DIR "/host-recording.jsonl")));
 
-    const Result result = run(withSettings(QStringList{"export", "--quiet", "-o", path("out.txt")}
-                                           + options + QStringList{recording}));
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings(QStringList{"export", "--quiet", "-o", path("out.txt")}
+                                       + options + QStringList{recording}),
+                          dir->path());
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("out.txt")), readFile(QStringLiteral(TEST_DATA_DIR "/") + expected));
@@ -300,7 +257,8 @@ void tst_HostProgram::setTyping()
     QStringList arguments{"export", "--quiet", "-o", path("out.txt")};
     for (const QString &set : sets)
         arguments << QStringLiteral("--set") << set;
-    const Result result = run(withSettings(arguments << recording));
+    const ProgramRun result =
+        ProgramRun::start(program, withSettings(arguments << recording), dir->path());
     QCOMPARE(result.err, error);
     QCOMPARE(result.status, status);
     if (status == 0)
@@ -313,8 +271,9 @@ void tst_HostProgram::setIsNotSaved()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
     writeFile(path("settings.ini"), "[General]\nexportRssi=false\n");
-    const Result result =
-        run(withSettings({"export", "--quiet", "--set", "exportRssi=true", recording}));
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "--set", "exportRssi=true", recording}),
+        dir->path());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("settings.ini")), QByteArray("[General]\nexportRssi=false\n"));
 }
@@ -329,27 +288,34 @@ void tst_HostProgram::patternNaming()
     // the same recording twice on the command line: <seqnr> keeps them apart
     const QStringList recordings{path("in/walk.jsonl"), path("in/run.day2.jsonl"),
                                  path("in/walk.jsonl")};
-    const Result beside = run(
+    const ProgramRun beside = ProgramRun::start(
+        program,
         withSettings(QStringList{"export", "--quiet", "--set",
                                  "outputFileFormat=<inputfile>_<seqnr>_<deviceid>-<productcode>"}
-                     + recordings));
+                     + recordings),
+        dir->path());
     QCOMPARE(beside.err, QByteArray());
     QCOMPARE(beside.status, 0);
     QCOMPARE(QDir(path("in")).entryList(QDir::Files, QDir::Name),
              (QStringList{"run.day2.jsonl", "run.day2_002_0123ABCD-T100.txt", "walk.jsonl",
                           "walk_001_0123ABCD-T100.txt", "walk_003_0123ABCD-T100.txt"}));
 
-    const Result inFolder = run(withSettings(
-        QStringList{"export", "--quiet", "--output-dir", path("out"), "--set",
-                    "outputFileExtension=csv", "--set", "outputFileFormat=<filterprofile>-<seqnr>"}
-        + recordings.mid(0, 2)));
+    const ProgramRun inFolder =
+        ProgramRun::start(program,
+                          withSettings(QStringList{"export", "--quiet", "--output-dir", path("out"),
+                                                   "--set", "outputFileExtension=csv", "--set",
+                                                   "outputFileFormat=<filterprofile>-<seqnr>"}
+                                       + recordings.mid(0, 2)),
+                          dir->path());
     QCOMPARE(inFolder.status, 0);
     QCOMPARE(QDir(path("out")).entryList(QDir::Files, QDir::Name),
              (QStringList{"general-001.csv", "general-002.csv"}));
 
-    const Result dated =
-        run(withSettings({"export", "--quiet", "--output-dir", path("out"), "--set",
-                          "outputFileFormat=<date>_<time>", recordings.first()}));
+    const ProgramRun dated =
+        ProgramRun::start(program,
+                          withSettings({"export", "--quiet", "--output-dir", path("out"), "--set",
+                                        "outputFileFormat=<date>_<time>", recordings.first()}),
+                          dir->path());
     QCOMPARE(dated.status, 0);
     const QStringList names = QDir(path("out")).entryList({"*.txt"}, QDir::Files);
     QCOMPARE(names.size(), 1);
@@ -387,8 +353,11 @@ void tst_HostProgram::foldersOfThePatternAreMade()
     for (const int jobs : {1, 2}) {
         // Two at a time, the same recording twice: the second gets its name
         // once the first has written the file, and is refused it.
-        const Result result = run(withSettings(
-            arguments + QStringList{"--jobs", QString::number(jobs), recording, recording}));
+        const ProgramRun result = ProgramRun::start(
+            program,
+            withSettings(arguments
+                         + QStringList{"--jobs", QString::number(jobs), recording, recording}),
+            dir->path());
         QCOMPARE(result.status, 1);
         QCOMPARE(QString::fromUtf8(result.err),
                  recording + ": the output file " + path(file) + " was written for " + recording
@@ -416,10 +385,17 @@ void tst_HostProgram::failedRecordingLeavesItsNameFree()
     writeFile(path("bad/x.jsonl"), recordingObject + "{\"packetCounter\": 1}\nnot a sample\n");
     const QString good = generated(QStringLiteral("good/x.jsonl"), {"--samples", "3"});
     const QString alone = generated(QStringLiteral("alone.jsonl"), {"--samples", "3"});
-    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), alone})).status, 0);
-    const Result result = run(withSettings({"export", "--jobs", QString::number(jobs), "--set",
-                                            "outputFileFormat=<inputfile>", "--output-dir",
-                                            path("out"), path("bad/x.jsonl"), good}));
+    QCOMPARE(ProgramRun::start(
+                 program, withSettings({"export", "--quiet", "-o", path("expected.txt"), alone}),
+                 dir->path())
+                 .status,
+             0);
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings({"export", "--jobs", QString::number(jobs), "--set",
+                                        "outputFileFormat=<inputfile>", "--output-dir", path("out"),
+                                        path("bad/x.jsonl"), good}),
+                          dir->path());
     QCOMPARE(result.status, 1);
     QCOMPARE(QString::fromUtf8(result.err),
              path("bad/x.jsonl")
@@ -435,10 +411,16 @@ void tst_HostProgram::lineBreakCannotReachAFileName()
               "{\"properties\": {\"DeviceId\": \"01\\n23\"}, \"updateRate\": 100}\n"
               "{\"packetCounter\": 1, \"orientationEuler\": [1, 2, 3]}\n");
     // The default pattern does not use the device: the text may hold anything.
-    QCOMPARE(run(withSettings({"export", "--quiet", path("noted.jsonl")})).status, 0);
+    QCOMPARE(ProgramRun::start(program, withSettings({"export", "--quiet", path("noted.jsonl")}),
+                               dir->path())
+                 .status,
+             0);
     QVERIFY(QFile::exists(path("noted-001.txt")));
-    const Result named = run(withSettings(
-        {"export", "--set", "outputFileFormat=<inputfile>-<deviceid>", path("noted.jsonl")}));
+    const ProgramRun named = ProgramRun::start(
+        program,
+        withSettings(
+            {"export", "--set", "outputFileFormat=<inputfile>-<deviceid>", path("noted.jsonl")}),
+        dir->path());
     QCOMPARE(named.status, 1);
     QCOMPARE(QString::fromUtf8(named.err),
              path("noted.jsonl")
@@ -450,8 +432,11 @@ void tst_HostProgram::lineBreakCannotReachAFileName()
 void tst_HostProgram::outputFileAndFolder()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "3"});
-    const Result result = run(withSettings(
-        {"export", "--quiet", "--output", QStringLiteral("exact name.dat"), recording}));
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings({"export", "--quiet", "--output",
+                                        QStringLiteral("exact name.dat"), recording}),
+                          dir->path());
     QCOMPARE(result.status, 0);
     QVERIFY(QFile::exists(path("exact name.dat")));
     QVERIFY(!QFile::exists(path("rec-001.txt")));
@@ -460,7 +445,8 @@ void tst_HostProgram::outputFileAndFolder()
 void tst_HostProgram::progress()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2000"});
-    const Result shown = run(withSettings({"export", "--progress", recording}));
+    const ProgramRun shown =
+        ProgramRun::start(program, withSettings({"export", "--progress", recording}), dir->path());
     QCOMPARE(shown.status, 0);
     QVERIFY2(shown.err.startsWith("\r[") && shown.err.contains("] 100% rec.jsonl"),
              shown.err.constData());
@@ -470,7 +456,8 @@ void tst_HostProgram::progress()
     QCOMPARE(shown.err.count('\n'), 1);
 
     // not a terminal: no progress unless asked for
-    const Result silent = run(withSettings({"export", recording}));
+    const ProgramRun silent =
+        ProgramRun::start(program, withSettings({"export", recording}), dir->path());
     QCOMPARE(silent.status, 0);
     QCOMPARE(silent.err, named);
 }
@@ -504,7 +491,8 @@ void tst_HostProgram::badLine()
 
     writeFile(path("bad.jsonl"), content);
     const QString good = generated(QStringLiteral("good.jsonl"), {"--samples", "2"});
-    const Result result = run(withSettings({"export", "--quiet", path("bad.jsonl"), good}));
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", path("bad.jsonl"), good}), dir->path());
     QCOMPARE(result.status, 1);
     const QList<QByteArray> lines = result.err.split('\n');
     QCOMPARE(lines.size(), 2); // one line, then the final line end
@@ -523,7 +511,8 @@ void tst_HostProgram::failedExportKeepsAnOlderFile()
 {
     writeFile(path("rec.jsonl"), recordingObject + "{\"packetCounter\": -1}\n");
     writeFile(path("rec-001.txt"), "an older export\n");
-    const Result result = run(withSettings({"export", "--quiet", path("rec.jsonl")}));
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", path("rec.jsonl")}), dir->path());
     QCOMPARE(result.status, 1);
     QCOMPARE(readFile(path("rec-001.txt")), QByteArray("an older export\n"));
 }
@@ -540,13 +529,10 @@ void tst_HostProgram::unwritableOutputFolder()
     // Only writing: the program must still reach the recording in this test's folder.
     if (!FileModes::obeyed(FileModes::Refused::Writing, &command, &arguments, &why))
         QSKIP(qPrintable(why));
-    QProcess process;
-    process.start(command, arguments);
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitCode(), 1);
+    const ProgramRun result = ProgramRun::start(command, arguments, dir->path(), 60000);
+    QCOMPARE(result.status, 1);
     // the plug-in's message, the name of the file it could not open, and the system's reason
-    QCOMPARE(process.readAllStandardError(),
-             (folder + QStringLiteral("/rec-001.txt: Permission denied\n")).toUtf8());
+    QCOMPARE(result.err, (folder + QStringLiteral("/rec-001.txt: Permission denied\n")).toUtf8());
     QFile::setPermissions(path(QStringLiteral("locked")),
                           QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
@@ -560,9 +546,11 @@ void tst_HostProgram::sameOutputTwice()
         generated(QStringLiteral("a/rec.jsonl"), {"--samples", "2", "--seed", "1"});
     const QString second =
         generated(QStringLiteral("b/rec.jsonl"), {"--samples", "2", "--seed", "2"});
-    const Result result =
-        run(withSettings({"export", "--quiet", "--output-dir", path("out"), "--set",
-                          "outputFileFormat=<inputfile>", first, second}));
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings({"export", "--quiet", "--output-dir", path("out"), "--set",
+                                        "outputFileFormat=<inputfile>", first, second}),
+                          dir->path());
     QCOMPARE(result.status, 1);
     QVERIFY2(result.err.contains("was written for"), result.err.constData());
     // the first export is kept, not overwritten by the second
@@ -641,7 +629,7 @@ void tst_HostProgram::usageErrors()
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, message);
 
-    const Result result = run(arguments);
+    const ProgramRun result = ProgramRun::start(program, arguments, dir->path());
     QCOMPARE(result.status, 2);
     QVERIFY2(result.err.startsWith(message), result.err.constData());
     QCOMPARE(QDir(dir->path()).entryList(QDir::Files), QStringList());
@@ -666,7 +654,8 @@ void tst_HostProgram::unknownSettingKeys()
     QFETCH(QString, set);
     QFETCH(QString, suggestion);
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
-    const Result result = run(withSettings({"export", "--quiet", "--set", set, recording}));
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "--set", set, recording}), dir->path());
     QCOMPARE(result.status, 2);
     QCOMPARE(QString::fromUtf8(result.err),
              QStringLiteral("asciiexport export: unknown setting \"%1\"; did you mean \"%2\"?\n"
@@ -725,8 +714,10 @@ void tst_HostProgram::oddSettingValues()
 
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
     const QString set = key + QLatin1Char('=') + value;
-    Result result =
-        run(withSettings({"export", "--quiet", "-o", path("set.txt"), "--set", set, recording}));
+    ProgramRun result = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "-o", path("set.txt"), "--set", set, recording}),
+        dir->path());
     QCOMPARE(QString::fromUtf8(result.err),
              warning.isEmpty()
                  ? QString()
@@ -735,8 +726,10 @@ void tst_HostProgram::oddSettingValues()
     const QByteArray exported = readFile(path("set.txt"));
     QCOMPARE(exported.split('\n').value(5), columnLine);
 
-    result = run(withSettings(
-        {"export", "--quiet", "--strict", "-o", path("strict.txt"), "--set", set, recording}));
+    result = ProgramRun::start(program,
+                               withSettings({"export", "--quiet", "--strict", "-o",
+                                             path("strict.txt"), "--set", set, recording}),
+                               dir->path());
     if (warning.isEmpty()) {
         QCOMPARE(result.status, 0);
     } else {
@@ -749,30 +742,36 @@ void tst_HostProgram::oddSettingValues()
     }
 
     writeFile(path("settings.ini"), "[General]\n" + set.toUtf8() + "\n");
-    result = run(withSettings({"export", "--quiet", "-o", path("file.txt"), recording}));
+    result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path("file.txt"), recording}),
+        dir->path());
     QCOMPARE(QString::fromUtf8(result.err),
              warning.isEmpty() ? QString()
                                : QStringLiteral("asciiexport export: warning: %1: %2: %3\n")
                                      .arg(path("settings.ini"), set, warning));
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("file.txt")), exported);
-    result =
-        run(withSettings({"export", "--quiet", "--strict", "-o", path("strict.txt"), recording}));
+    result = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "--strict", "-o", path("strict.txt"), recording}),
+        dir->path());
     QCOMPARE(result.status, warning.isEmpty() ? 0 : 2);
 }
 
 void tst_HostProgram::outputFolderIsMade()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
-    const Result result =
-        run(withSettings({"export", "--quiet", "--output-dir", path("new/deeper"), recording}));
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "--output-dir", path("new/deeper"), recording}),
+        dir->path());
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QVERIFY(QFileInfo(path("new/deeper/rec-001.txt")).isFile());
 
     writeFile(path("file"), "not a folder\n");
-    const Result blocked =
-        run(withSettings({"export", "--quiet", "--output-dir", path("file/sub"), recording}));
+    const ProgramRun blocked = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "--output-dir", path("file/sub"), recording}),
+        dir->path());
     QCOMPARE(QString::fromUtf8(blocked.err),
              path("file/sub") + QStringLiteral(": the folder cannot be made: Not a directory\n"));
     QCOMPARE(blocked.status, 1);
@@ -782,7 +781,11 @@ void tst_HostProgram::recordingFromStandardInput()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "50"});
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("work")));
-    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status,
+    QCOMPARE(ProgramRun::start(
+                 program,
+                 withSettings({"export", "--quiet", "-o", path("expected.txt"), recording}),
+                 dir->path())
+                 .status,
              0);
 
     // Named "stdin" by the pattern, in the current folder.
@@ -811,14 +814,20 @@ void tst_HostProgram::recordingFromStandardInput()
 void tst_HostProgram::exportToStandardOutput()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "50"});
-    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status,
+    QCOMPARE(ProgramRun::start(
+                 program,
+                 withSettings({"export", "--quiet", "-o", path("expected.txt"), recording}),
+                 dir->path())
+                 .status,
              0);
-    const Result result = run(withSettings({"export", "--progress", "-o", "-", recording}));
+    const ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--progress", "-o", "-", recording}), dir->path());
     QCOMPARE(result.status, 0);
     QCOMPARE(result.out, readFile(path("expected.txt")));
     QCOMPARE(QDir(dir->path()).entryList(QDir::Files), (QStringList{"expected.txt", "rec.jsonl"}));
 
-    const Result generatedOut = run({"generate", "--samples", "3", "-o", "-"});
+    const ProgramRun generatedOut =
+        ProgramRun::start(program, {"generate", "--samples", "3", "-o", "-"}, dir->path());
     QCOMPARE(generatedOut.status, 0);
     QCOMPARE(generatedOut.out,
              readFile(generated(QStringLiteral("three.jsonl"), {"--samples", "3"})));
@@ -879,26 +888,20 @@ void tst_HostProgram::namesOfOpenDescriptorsAreWrittenInPlace()
             "convert",
             generated(QStringLiteral("log.ubx"), {"--format", "ubx", "--samples", "20"})};
     }
-    const Result fresh = run(arguments + QStringList{"-o", path(QStringLiteral("fresh.txt"))});
+    const ProgramRun fresh = ProgramRun::start(
+        program, arguments + QStringList{"-o", path(QStringLiteral("fresh.txt"))}, dir->path());
     QCOMPARE(fresh.status, 0);
     const QByteArray older = "what the file held before\n";
     writeFile(path(QStringLiteral("out.txt")), older);
 
-    QProcess process;
-    process.setWorkingDirectory(dir->path());
-    process.start(
-        QStringLiteral("/bin/sh"),
-        QStringList{"-c",
-                    QStringLiteral("exec \"$0\" \"$@\" -o %1 %2 out.txt").arg(output, redirection),
-                    program}
-            + arguments);
-    QVERIFY(process.waitForFinished(60000));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 0);
+    const ProgramRun result = ProgramRun::inShell(
+        QStringLiteral("exec \"$0\" \"$@\" -o %1 %2 out.txt").arg(output, redirection), program,
+        arguments, dir->path(), 60000);
+    QCOMPARE(result.status, 0);
     // convert's note on the bytes between frames comes after the file, into
     // the same descriptor when that is standard error.
     const bool intoStandardError = redirection == QLatin1String("2>>");
-    QCOMPARE(process.readAllStandardError(), intoStandardError ? QByteArray() : fresh.err);
+    QCOMPARE(result.err, intoStandardError ? QByteArray() : fresh.err);
     QCOMPARE(readFile(path(QStringLiteral("out.txt"))),
              older + readFile(path(QStringLiteral("fresh.txt")))
                  + (intoStandardError ? fresh.err : QByteArray()));
@@ -909,7 +912,11 @@ void tst_HostProgram::namesOfOpenDescriptorsAreWrittenInPlace()
 void tst_HostProgram::recordingsFromPipes()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "50"});
-    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("expected.txt"), recording})).status,
+    QCOMPARE(ProgramRun::start(
+                 program,
+                 withSettings({"export", "--quiet", "-o", path("expected.txt"), recording}),
+                 dir->path())
+                 .status,
              0);
     const QByteArray expected = readFile(path("expected.txt"));
     const QString settings = path(QStringLiteral("settings.ini"));
@@ -959,7 +966,7 @@ void tst_HostProgram::exportWithoutAThread()
     writeFile(path("bad.jsonl"), lines.join('\n'));
     const QStringList arguments =
         withSettings({"export", "--skip-bad-lines", "--quiet", "-o", "-", path("bad.jsonl")});
-    const Result expected = run(arguments);
+    const ProgramRun expected = ProgramRun::start(program, arguments, dir->path());
     QCOMPARE(expected.status, 0);
     QVERIFY(expected.err.contains(":1501: "));
 
@@ -978,33 +985,35 @@ void tst_HostProgram::groupsShorthand()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "20"});
     QStringList longWay{"export", "--quiet", "-o", path("long.txt")};
-    for (const QString &key : everyGroup)
+    for (const QString &key : dataGroupKeys())
         longWay << "--set"
                 << key + QStringLiteral("=")
                 + (key == QLatin1String("exportRssi") || key == QLatin1String("exportRawGps")
                        ? "true"
                        : "false");
     longWay << "--set"
-            << "exportPacketCounter=false"
-            << "--set"
-            << "exportSampleTimeFine=false"
-            << "--set"
             << "exportOrientation=Matrix" << recording;
-    QCOMPARE(run(withSettings(longWay)).status, 0);
-    const Result result =
-        run(withSettings({"export", "--quiet", "--groups", "rssi, GPS receiver message,matrix",
-                          "-o", path("short.txt"), recording}));
+    QCOMPARE(ProgramRun::start(program, withSettings(longWay), dir->path()).status, 0);
+    const ProgramRun result = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "--groups", "rssi, GPS receiver message,matrix", "-o",
+                      path("short.txt"), recording}),
+        dir->path());
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("short.txt")), readFile(path("long.txt")));
 
     // --set goes on from what --groups made
-    const Result both = run(withSettings({"export", "--quiet", "--groups", "none", "--set",
-                                          "exportRssi=true", "-o", path("both.txt"), recording}));
+    const ProgramRun both =
+        ProgramRun::start(program,
+                          withSettings({"export", "--quiet", "--groups", "none", "--set",
+                                        "exportRssi=true", "-o", path("both.txt"), recording}),
+                          dir->path());
     QCOMPARE(both.status, 0);
     QCOMPARE(readFile(path("both.txt")).split('\n').value(5), QByteArray("RSSI"));
 
-    const Result unknown = run(withSettings({"export", "--groups", "speed", recording}));
+    const ProgramRun unknown = ProgramRun::start(
+        program, withSettings({"export", "--groups", "speed", recording}), dir->path());
     QCOMPARE(unknown.status, 2);
     QVERIFY2(unknown.err.startsWith(
                  "asciiexport export: --groups: unknown group \"speed\"; the groups are: Packet "
@@ -1036,7 +1045,10 @@ void tst_HostProgram::partOfARecording()
 
     const QString recording =
         generated(QStringLiteral("rec.jsonl"), {"--samples", "100", "--rate", "50"});
-    QCOMPARE(run(withSettings({"export", "--quiet", "-o", path("whole.txt"), recording})).status,
+    QCOMPARE(ProgramRun::start(
+                 program, withSettings({"export", "--quiet", "-o", path("whole.txt"), recording}),
+                 dir->path())
+                 .status,
              0);
     const QList<QByteArray> whole = readFile(path("whole.txt")).split('\n');
     const int firstRow = 6; // after the five header lines and the column line
@@ -1044,8 +1056,11 @@ void tst_HostProgram::partOfARecording()
     for (const int row : rows)
         expected += whole.at(firstRow + row) + '\n';
 
-    const Result result = run(withSettings(QStringList{"export", "--quiet", "-o", path("part.txt")}
-                                           + options + QStringList{recording}));
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings(QStringList{"export", "--quiet", "-o", path("part.txt")}
+                                       + options + QStringList{recording}),
+                          dir->path());
     QCOMPARE(result.err, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(path("part.txt")), expected);
@@ -1055,16 +1070,19 @@ void tst_HostProgram::writtenFilesAreNamed()
 {
     const QString first = generated(QStringLiteral("a.jsonl"), {"--samples", "2"});
     const QString second = generated(QStringLiteral("b.jsonl"), {"--samples", "2"});
-    const Result result = run(withSettings({"export", first, second}));
+    const ProgramRun result =
+        ProgramRun::start(program, withSettings({"export", first, second}), dir->path());
     QCOMPARE(result.status, 0);
     QCOMPARE(QString::fromUtf8(result.err),
              first + " -> " + path("a-001.txt") + "\n" + second + " -> " + path("b-002.txt")
                  + "\n");
     QCOMPARE(result.out, QByteArray());
-    const Result quiet = run(withSettings({"export", "--quiet", first}));
+    const ProgramRun quiet =
+        ProgramRun::start(program, withSettings({"export", "--quiet", first}), dir->path());
     QCOMPARE(quiet.err, QByteArray());
     // standard output is the file itself
-    const Result piped = run(withSettings({"export", "-o", "-", first}));
+    const ProgramRun piped =
+        ProgramRun::start(program, withSettings({"export", "-o", "-", first}), dir->path());
     QCOMPARE(piped.err, QByteArray());
     QCOMPARE(piped.out, readFile(path("a-001.txt")));
 }
@@ -1090,10 +1108,14 @@ void tst_HostProgram::parallelExportsAsOneAfterAnother()
                              "--set",    "outputFileFormat=<inputfile>",
                              "--groups", "packet counter,rate of turn"};
 
-    const Result serial =
-        run(withSettings(common + QStringList{"--output-dir", path("serial")} + recordings));
-    const Result parallel = run(withSettings(
-        common + QStringList{"--jobs", "3", "--output-dir", path("parallel")} + recordings));
+    const ProgramRun serial = ProgramRun::start(
+        program, withSettings(common + QStringList{"--output-dir", path("serial")} + recordings),
+        dir->path());
+    const ProgramRun parallel = ProgramRun::start(
+        program,
+        withSettings(common + QStringList{"--jobs", "3", "--output-dir", path("parallel")}
+                     + recordings),
+        dir->path());
     QCOMPARE(parallel.status, serial.status);
     QCOMPARE(QString::fromUtf8(parallel.err).replace(path("parallel"), "OUT"),
              QString::fromUtf8(serial.err).replace(path("serial"), "OUT"));
@@ -1133,7 +1155,7 @@ void tst_HostProgram::pluginFaults()
         QStringList arguments{QString::fromLatin1(command), "--plugin", plugin};
         if (qstrcmp(command, "export") == 0)
             arguments << recording;
-        const Result result = run(withSettings(arguments));
+        const ProgramRun result = ProgramRun::start(program, withSettings(arguments), dir->path());
         QCOMPARE(result.status, 1);
         QVERIFY2(result.err.contains(message.toUtf8()), result.err.constData());
         QCOMPARE(result.err.count('\n'), 1);
@@ -1152,11 +1174,12 @@ void tst_HostProgram::helpForEveryCommand()
 {
     QFETCH(QString, command);
 
-    const Result result = run({command, QStringLiteral("--help")});
+    const ProgramRun result =
+        ProgramRun::start(program, {command, QStringLiteral("--help")}, dir->path());
     QCOMPARE(result.status, 0);
     QVERIFY2(result.out.startsWith("Usage: asciiexport " + command.toUtf8() + " [options]"),
              result.out.constData());
-    const Result overview = run({QStringLiteral("--help")});
+    const ProgramRun overview = ProgramRun::start(program, {QStringLiteral("--help")}, dir->path());
     QCOMPARE(overview.status, 0);
     QVERIFY(overview.out.contains("  " + command.toUtf8() + " "));
 }
@@ -1164,7 +1187,7 @@ void tst_HostProgram::helpForEveryCommand()
 void tst_HostProgram::settingsListing()
 {
     writeFile(path("settings.ini"), "[General]\nexportRssi=true\notherDelimiter=|\n");
-    const Result result = run(withSettings({"settings"}));
+    const ProgramRun result = ProgramRun::start(program, withSettings({"settings"}), dir->path());
     QCOMPARE(result.status, 0);
     const QList<QByteArray> lines = result.out.trimmed().split('\n');
     QCOMPARE(lines.size(), 43); // 42 settings and the described spelling without a default
@@ -1177,7 +1200,7 @@ void tst_HostProgram::settingsListing()
 
 void tst_HostProgram::info()
 {
-    const Result result = run(withSettings({"info"}));
+    const ProgramRun result = ProgramRun::start(program, withSettings({"info"}), dir->path());
     QCOMPARE(result.status, 0);
     QVERIFY(result.out.contains("IID:            AsciiExporterFactory\n"));
     QVERIFY(result.out.contains("Name:           ASCII Exporter\n"));
