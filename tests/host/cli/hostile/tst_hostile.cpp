@@ -491,43 +491,53 @@ void tst_Hostile::fullDevice()
 // when the export is done; with the folder gone, that fails.
 void tst_Hostile::outputFolderRemovedDuringTheExport()
 {
-    {
-        QFile file(path("big.jsonl"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(recordingObject);
-        const QByteArray block = goodSample.repeated(1000);
-        for (int i = 0; i < 200; ++i)
-            file.write(block);
-    }
+    // The recording comes through a FIFO, so that the export waits, its
+    // output file open in the folder, while the folder is removed.
+    const QString recording = path(QStringLiteral("big.jsonl"));
+    QCOMPARE(::mkfifo(QFile::encodeName(recording).constData(), 0600), 0);
     const QString folder = path(QStringLiteral("out"));
     QVERIFY(QDir().mkdir(folder));
 
     QProcess process;
     process.setWorkingDirectory(dir->path());
     process.start(program,
-                  {"export", "--settings", path("settings.ini"), "--progress", "--output-dir",
-                   folder, path("big.jsonl")});
+                  {"export", "--settings", path("settings.ini"), "--quiet", "--output-dir", folder,
+                   recording});
     QVERIFY(process.waitForStarted());
-    // Once the progress bar has moved, the export is under way.
-    const QRegularExpression moved(QStringLiteral("\\] +[1-9]\\d*% "));
-    QByteArray err;
-    while (!moved.match(QString::fromUtf8(err)).hasMatch()) {
-        QVERIFY2(process.state() == QProcess::Running, err.constData());
-        process.waitForReadyRead(50);
-        err += process.readAllStandardError();
+    QFile writer(recording);
+    QVERIFY(writer.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    QVERIFY(writer.write(recordingObject) > 0);
+    // The output file, written under no name, stands among the program's
+    // open files as a file of the folder. The program reads ahead before it
+    // writes, so samples go on until it does.
+    const auto outputIsOpen = [&] {
+        const QString descriptors = QStringLiteral("/proc/%1/fd/").arg(process.processId());
+        const QByteArray inFolder = QFile::encodeName(folder) + '/';
+        for (const QString &entry : QDir(descriptors).entryList(QDir::Files | QDir::System)) {
+            char target[4096];
+            const ssize_t length = ::readlink(QFile::encodeName(descriptors + entry).constData(),
+                                              target, sizeof target);
+            if (length > 0 && QByteArray(target, int(length)).startsWith(inFolder))
+                return true;
+        }
+        return false;
+    };
+    const QByteArray samples = goodSample.repeated(100);
+    for (int written = 0; !outputIsOpen(); written += samples.size()) {
+        QVERIFY2(written < 256 * 1024 * 1024, "the export did not open its output file");
+        QVERIFY(process.state() == QProcess::Running);
+        QVERIFY(writer.write(samples) == samples.size());
     }
     QVERIFY(QDir(folder).removeRecursively());
+    QVERIFY(writer.write(goodSample.repeated(100)) > 0);
+    writer.close();
     QVERIFY(process.waitForFinished(300000));
-    err += process.readAllStandardError();
 
     QCOMPARE(process.exitCode(), 1);
-    const QByteArray message = err.mid(err.lastIndexOf('\r') + 1);
-    QCOMPARE(QString::fromUtf8(message),
+    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
              folder + QStringLiteral("/big-001.txt: cannot be written: the folder ") + folder
                  + QStringLiteral(" no longer exists\n"));
-    QCOMPARE(err.count('\n'), 1);
     QVERIFY(!QFileInfo::exists(folder));
-    QCOMPARE(files(), QStringList{"big.jsonl"});
 }
 
 // Qt reads a path that starts with ':' as one of its built-in resources;
