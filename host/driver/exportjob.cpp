@@ -127,6 +127,8 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
     }
     exporter->finish();
     exporter.reset();
+    // What the reader passed over is known once it reads no more.
+    ahead.finish();
     notice = samples.readingNotice();
 
     if (samples.hasError()) {
