@@ -8,7 +8,12 @@
 
 #include "sampleselection.h"
 
+class AbstractExporter;
 class AbstractExporterFactory;
+class AbstractRecordingReader;
+class OutputFile;
+class QFile;
+class RecordingInput;
 
 /**
  * Exports one recording into one file through the plug-in, as the desktop
@@ -72,6 +77,15 @@ public:
     static QString standardInputName();
 
 private:
+    bool open(const QString &recording, RecordingInput *reader, QFile *standardInput);
+    bool nameOutput(const QString &recording, const QVariantMap &properties,
+                    const OutputName &outputName);
+    bool exportSamples(AbstractRecordingReader &samples, OutputFile &file,
+                       const QString &recordingName, const Progress &progress);
+    void writeSelected(AbstractRecordingReader &samples, AbstractExporter &exporter, double rate,
+                       const Progress &progress);
+    bool readToTheEnd(const AbstractRecordingReader &samples);
+    bool commit(OutputFile &file);
     bool fail(const QString &message);
 
     AbstractExporterFactory *factory;
