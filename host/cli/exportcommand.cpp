@@ -113,6 +113,28 @@ QString reasonText(int error)
     return QString::fromLocal8Bit(std::strerror(error));
 }
 
+// What the user is told of a failed export of @p recording: the job's own
+// words, with what the options could do about it.
+QString failureText(const ExportJob &job, bool skipBadLines, const QString &recording)
+{
+    switch (job.failure()) {
+    case ExportJob::Failure::BadLine:
+        return tr("%1 (--skip-bad-lines exports the other samples)").arg(job.errorString());
+    case ExportJob::Failure::BadRecordingObject:
+        if (!skipBadLines)
+            break;
+        return tr("%1 (a recording cannot be salvaged without its first line, the recording "
+                  "object)")
+            .arg(job.errorString());
+    case ExportJob::Failure::NoUpdateRate:
+        return tr("%1: gives no update rate, so --from and --to cannot be in seconds")
+            .arg(recording);
+    default:
+        break;
+    }
+    return job.errorString();
+}
+
 } // namespace
 
 int exportRecordings(const QStringList &arguments)
@@ -351,8 +373,9 @@ int exportRecordings(const QStringList &arguments)
         if (!parser.isSet(quiet) && !job.readingNotice().isEmpty())
             printError(job.readingNotice());
         if (!done) {
-            if (!job.errorString().isEmpty())
-                printError(job.errorString());
+            const QString failure = failureText(job, parser.isSet(skipBadLines), shownName(i));
+            if (!failure.isEmpty())
+                printError(failure);
             return 1;
         }
         // Standard output is the file itself; any other file is named.

@@ -39,6 +39,7 @@ void ExportJob::setSelection(const SampleSelection &samples)
 bool ExportJob::run(const QString &recording, const OutputName &outputName,
                     const Progress &progress)
 {
+    failed = Failure::None;
     error.clear();
     output.clear();
     written = 0;
@@ -77,11 +78,8 @@ bool ExportJob::open(const QString &recording, RecordingInput *reader, QFile *st
     if (opened)
         return true;
     // A bad line met in opening is the first, which holds the recording object.
-    if (skipBadLines && reader->hasBadLine())
-        return fail(tr("%1 (a recording cannot be salvaged without its first line, the "
-                       "recording object)")
-                        .arg(reader->errorString()));
-    return fail(reader->errorString());
+    return fail(reader->hasBadLine() ? Failure::BadRecordingObject : Failure::Unreadable,
+                reader->errorString());
 }
 
 bool ExportJob::nameOutput(const QString &recording, const QVariantMap &properties,
@@ -90,11 +88,12 @@ bool ExportJob::nameOutput(const QString &recording, const QVariantMap &properti
     QString problem;
     output = outputName(properties, &problem);
     if (output.isEmpty())
-        return fail(problem);
+        return fail(Failure::NoOutputName, problem);
     // By whichever name: a link, a hard link or a descriptor's name.
     if (recording != QLatin1String("-") && output != OutputFile::standardOutputName()
         && isSameFile(output, recording))
-        return fail(tr("%1: the output file would replace the recording itself").arg(output));
+        return fail(Failure::WouldReplaceRecording,
+                    tr("%1: the output file would replace the recording itself").arg(output));
     return true;
 }
 
@@ -114,13 +113,14 @@ bool ExportJob::exportSamples(AbstractRecordingReader &samples, OutputFile &file
     if (!exporter->start(file.device())) {
         // The plug-in names the file; the reason is the system's.
         const QString what = reported.isEmpty() ? output : reported;
-        return fail(tr("%1: %2").arg(what, file.errorString()));
+        return fail(Failure::Unwritable, tr("%1: %2").arg(what, file.errorString()));
     }
     // The update rate is known once the recording object is read.
     const double rate = samples.updateRate();
     if (selection.needsRate() && !(rate > 0.0)) {
         exporter->finish();
-        return fail(tr("%1: gives no update rate, so --from and --to cannot be in seconds")
+        return fail(Failure::NoUpdateRate,
+                    tr("%1: gives no update rate, so its samples cannot be selected by time")
                         .arg(recordingName));
     }
     writeSelected(samples, *exporter, rate, progress);
@@ -164,10 +164,8 @@ bool ExportJob::readToTheEnd(const AbstractRecordingReader &samples)
 {
     if (!samples.hasError())
         return true;
-    if (samples.hasBadLine())
-        return fail(
-            tr("%1 (--skip-bad-lines exports the other samples)").arg(samples.errorString()));
-    return fail(samples.errorString());
+    return fail(samples.hasBadLine() ? Failure::BadLine : Failure::Unreadable,
+                samples.errorString());
 }
 
 bool ExportJob::commit(OutputFile &file)
@@ -175,14 +173,21 @@ bool ExportJob::commit(OutputFile &file)
     if (file.commit())
         return true;
     if (file.readerWentAway())
-        return fail(QString());
-    return fail(tr("%1: cannot be written: %2").arg(output, file.errorString()));
+        return fail(Failure::ReaderWentAway, QString());
+    return fail(Failure::Unwritable,
+                tr("%1: cannot be written: %2").arg(output, file.errorString()));
 }
 
-bool ExportJob::fail(const QString &message)
+bool ExportJob::fail(Failure kind, const QString &message)
 {
+    failed = kind;
     error = message;
     return false;
+}
+
+ExportJob::Failure ExportJob::failure() const
+{
+    return failed;
 }
 
 QString ExportJob::errorString() const
