@@ -400,6 +400,18 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <source>%1: the output file is the log %2 itself</source>
         <translation>%1: Die Ausgabedatei ist das Log %2 selbst</translation>
     </message>
+    <message>
+        <source>%1 (--skip-bad-lines exports the other samples)</source>
+        <translation>%1 (--skip-bad-lines exportiert die übrigen Abtastwerte)</translation>
+    </message>
+    <message>
+        <source>%1 (a recording cannot be salvaged without its first line, the recording object)</source>
+        <translation>%1 (ohne ihre erste Zeile, das Aufzeichnungsobjekt, ist eine Aufzeichnung nicht zu retten)</translation>
+    </message>
+    <message>
+        <source>%1: gives no update rate, so --from and --to cannot be in seconds</source>
+        <translation>%1: nennt keine Aktualisierungsrate, daher können --from und --to nicht in Sekunden sein</translation>
+    </message>
 </context>
 <context>
     <name>ExportJob</name>
@@ -412,10 +424,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>%1: kann nicht geschrieben werden: %2</translation>
     </message>
     <message>
-        <source>%1 (a recording cannot be salvaged without its first line, the recording object)</source>
-        <translation>%1 (ohne ihre erste Zeile, das Aufzeichnungsobjekt, ist eine Aufzeichnung nicht zu retten)</translation>
-    </message>
-    <message>
         <source>%1: %2</source>
         <translation>%1: %2</translation>
     </message>
@@ -424,16 +432,12 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>%1 (übersprungen)</translation>
     </message>
     <message>
-        <source>%1 (--skip-bad-lines exports the other samples)</source>
-        <translation>%1 (--skip-bad-lines exportiert die übrigen Abtastwerte)</translation>
-    </message>
-    <message>
         <source>(standard input)</source>
         <translation>(Standardeingabe)</translation>
     </message>
     <message>
-        <source>%1: gives no update rate, so --from and --to cannot be in seconds</source>
-        <translation>%1: nennt keine Aktualisierungsrate, daher können --from und --to nicht in Sekunden sein</translation>
+        <source>%1: gives no update rate, so its samples cannot be selected by time</source>
+        <translation>%1: nennt keine Aktualisierungsrate, daher sind ihre Abtastwerte nicht nach der Zeit auszuwählen</translation>
     </message>
 </context>
 <context>

@@ -8,7 +8,12 @@
 
 #include "sampleselection.h"
 
+class AbstractExporter;
 class AbstractExporterFactory;
+class AbstractRecordingReader;
+class OutputFile;
+class QFile;
+class RecordingInput;
 
 /**
  * Exports one recording into one file through the plug-in, as the desktop
@@ -32,6 +37,27 @@ public:
     /** Follows the reading: how far it has come, of how many bytes (0 when not known). */
     using Progress = std::function<void(qint64 position, qint64 size)>;
 
+    /** What made a run fail, for the caller to say more in its own terms. */
+    enum class Failure {
+        None,
+        /** The recording cannot be opened or read. */
+        Unreadable,
+        /** The first line, the recording object, is bad: no sample can be had without it. */
+        BadRecordingObject,
+        /** A bad sample line ended the export: bad lines are not skipped. */
+        BadLine,
+        /** The output file has no name: the OutputName function refused one. */
+        NoOutputName,
+        /** The output file would be the recording itself. */
+        WouldReplaceRecording,
+        /** The selection is in seconds, and the recording gives no update rate. */
+        NoUpdateRate,
+        /** The output file cannot be written. */
+        Unwritable,
+        /** The reader of the pipe written to went away. */
+        ReaderWentAway,
+    };
+
     explicit ExportJob(AbstractExporterFactory *factory);
 
     /**
@@ -53,12 +79,14 @@ public:
 
     /**
      * Exports @p recording ("-" for standard input) into the file that
-     * @p outputName gives. Returns false on failure; errorString() then holds
-     * what to tell the user, which is empty when the reader of a pipe went
-     * away. @p progress, when given, follows the reading.
+     * @p outputName gives. Returns false on failure; failure() then tells
+     * what failed and errorString() what to tell the user, which is empty
+     * when the reader of a pipe went away. @p progress, when given, follows
+     * the reading.
      */
     bool run(const QString &recording, const OutputName &outputName, const Progress &progress);
 
+    Failure failure() const;
     QString errorString() const;
     /** The output file of the last run, once it was named. */
     QString outputFile() const;
@@ -72,13 +100,23 @@ public:
     static QString standardInputName();
 
 private:
-    bool fail(const QString &message);
+    bool open(const QString &recording, RecordingInput *reader, QFile *standardInput);
+    bool nameOutput(const QString &recording, const QVariantMap &properties,
+                    const OutputName &outputName);
+    bool exportSamples(AbstractRecordingReader &samples, OutputFile &file,
+                       const QString &recordingName, const Progress &progress);
+    void writeSelected(AbstractRecordingReader &samples, AbstractExporter &exporter, double rate,
+                       const Progress &progress);
+    bool readToTheEnd(const AbstractRecordingReader &samples);
+    bool commit(OutputFile &file);
+    bool fail(Failure kind, const QString &message);
 
     AbstractExporterFactory *factory;
     bool skipBadLines = false;
     bool readAhead = true;
     WarningHandler warning;
     SampleSelection selection;
+    Failure failed = Failure::None;
     QString error;
     QString output;
     qint64 written = 0;

@@ -200,6 +200,9 @@ private:
         bool done = false;
     };
 
+    int giveOutWork();
+    bool hearWorkers();
+    void endWorkers();
     bool start(Worker &worker);
     [[noreturn]] void serve(int commands, int reports);
     void handleReports(Worker &worker);
@@ -219,6 +222,7 @@ private:
     struct sigaction previous[std::size(endingSignals)] = {};
     bool handled[std::size(endingSignals)] = {};
     int next = 0; // the next recording to give out
+    bool growing = true; // whether another worker may be started
     int passedOn = 0;
     qint64 finishedBytes = 0;
     qint64 totalBytes = 0;
@@ -266,33 +270,8 @@ ParallelExports::Run::~Run()
 int ParallelExports::Run::exec()
 {
     const int count = names.size();
-    bool growing = true;
     while (passedOn < count) {
-        int alive = 0;
-        for (std::size_t i = 0; i < workers.size(); ++i) {
-            Worker &worker = workers[i];
-            if (worker.pid < 0 && growing && next < count) {
-                // The system may refuse another process or its pipes: then
-                // fewer run at a time, until one ends.
-                growing = start(worker);
-                if (worker.pid > 0)
-                    processes[i] = worker.pid;
-            }
-            if (worker.pid < 0)
-                continue;
-            ++alive;
-            if (worker.task < 0 && worker.commands >= 0) {
-                if (next < count) {
-                    worker.task = next++;
-                    worker.position = 0;
-                    writeRecord(worker.commands, TaskRecord, number(worker.task));
-                } else {
-                    // Nothing left: the worker ends when its pipe does.
-                    closeDescriptor(worker.commands);
-                }
-            }
-        }
-        if (alive == 0) {
+        if (giveOutWork() == 0) {
             if (next < count) {
                 passOn();
                 exportHere(next++);
@@ -301,49 +280,94 @@ int ParallelExports::Run::exec()
             passOn();
             continue;
         }
-
-        std::vector<pollfd> watched;
-        std::vector<Worker *> owners;
-        for (Worker &worker : workers) {
-            for (const int descriptor : {worker.messages, worker.reports}) {
-                if (descriptor >= 0) {
-                    watched.push_back({descriptor, POLLIN, 0});
-                    owners.push_back(&worker);
-                }
-            }
-        }
-        if (::poll(watched.data(), nfds_t(watched.size()), -1) < 0 && errno != EINTR) {
-            // Nothing more can be heard from the workers: they end here.
-            for (const Worker &worker : workers) {
-                if (worker.pid > 0)
-                    ::kill(worker.pid, SIGKILL);
-            }
+        if (!hearWorkers())
             break;
-        }
-        for (std::size_t i = 0; i < watched.size(); ++i) {
-            if (watched[i].revents == 0)
-                continue;
-            Worker &worker = *owners[i];
-            if (watched[i].fd == worker.messages) {
-                if (!readAvailable(worker.messages, &worker.text))
-                    closeDescriptor(worker.messages);
-            } else if (worker.reports >= 0) {
-                const bool open = readAvailable(worker.reports, &worker.pending);
-                handleReports(worker);
-                if (!open)
-                    closeDescriptor(worker.reports);
-            }
-            if (worker.pid > 0 && worker.messages < 0 && worker.reports < 0) {
-                ended(worker);
-                processes[std::size_t(&worker - workers.data())] = -1;
-                growing = true;
-            }
-        }
         answerQuestions();
         showProgress();
         passOn();
     }
-    // The workers left are idle: without a pipe to read from, they end.
+    endWorkers();
+    return passedOn == int(results.size()) ? status : std::max(status, 1);
+}
+
+// Starts workers while there is work for them, gives each idle one the next
+// recording, or with none left lets it end; returns how many workers run.
+int ParallelExports::Run::giveOutWork()
+{
+    const int count = names.size();
+    int alive = 0;
+    for (std::size_t i = 0; i < workers.size(); ++i) {
+        Worker &worker = workers[i];
+        if (worker.pid < 0 && growing && next < count) {
+            // The system may refuse another process or its pipes: then
+            // fewer run at a time, until one ends.
+            growing = start(worker);
+            if (worker.pid > 0)
+                processes[i] = worker.pid;
+        }
+        if (worker.pid < 0)
+            continue;
+        ++alive;
+        if (worker.task < 0 && worker.commands >= 0) {
+            if (next < count) {
+                worker.task = next++;
+                worker.position = 0;
+                writeRecord(worker.commands, TaskRecord, number(worker.task));
+            } else {
+                // Nothing left: the worker ends when its pipe does.
+                closeDescriptor(worker.commands);
+            }
+        }
+    }
+    return alive;
+}
+
+// Waits until a worker says something or ends, and takes in what it said;
+// false when nothing more can be heard from the workers, which then end.
+bool ParallelExports::Run::hearWorkers()
+{
+    std::vector<pollfd> watched;
+    std::vector<Worker *> owners;
+    for (Worker &worker : workers) {
+        for (const int descriptor : {worker.messages, worker.reports}) {
+            if (descriptor >= 0) {
+                watched.push_back({descriptor, POLLIN, 0});
+                owners.push_back(&worker);
+            }
+        }
+    }
+    if (::poll(watched.data(), nfds_t(watched.size()), -1) < 0 && errno != EINTR) {
+        for (const Worker &worker : workers) {
+            if (worker.pid > 0)
+                ::kill(worker.pid, SIGKILL);
+        }
+        return false;
+    }
+    for (std::size_t i = 0; i < watched.size(); ++i) {
+        if (watched[i].revents == 0)
+            continue;
+        Worker &worker = *owners[i];
+        if (watched[i].fd == worker.messages) {
+            if (!readAvailable(worker.messages, &worker.text))
+                closeDescriptor(worker.messages);
+        } else if (worker.reports >= 0) {
+            const bool open = readAvailable(worker.reports, &worker.pending);
+            handleReports(worker);
+            if (!open)
+                closeDescriptor(worker.reports);
+        }
+        if (worker.pid > 0 && worker.messages < 0 && worker.reports < 0) {
+            ended(worker);
+            processes[std::size_t(&worker - workers.data())] = -1;
+            growing = true;
+        }
+    }
+    return true;
+}
+
+// The workers left are idle: without a pipe to read from, they end.
+void ParallelExports::Run::endWorkers()
+{
     for (std::size_t i = 0; i < workers.size(); ++i) {
         Worker &worker = workers[i];
         if (worker.pid < 0)
@@ -354,7 +378,6 @@ int ParallelExports::Run::exec()
         while (::waitpid(worker.pid, nullptr, 0) < 0 && errno == EINTR) { }
         processes[i] = -1;
     }
-    return passedOn == int(results.size()) ? status : std::max(status, 1);
 }
 
 // Starts a worker; false, with errno set, when the system cannot.

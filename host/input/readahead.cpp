@@ -200,13 +200,18 @@ qint64 ReadAhead::size() const
     return recordingSize;
 }
 
-QString ReadAhead::readingNotice() const
+void ReadAhead::finish()
 {
     stop();
-    return reader->readingNotice();
+    notice = reader->readingNotice();
 }
 
-void ReadAhead::stop() const
+QString ReadAhead::readingNotice() const
+{
+    return notice;
+}
+
+void ReadAhead::stop()
 {
     {
         std::lock_guard<std::mutex> guard(lock);

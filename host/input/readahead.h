@@ -18,7 +18,7 @@
  * thread waits until the caller either skips it or stops reading. What does
  * not change while reading (the properties, the update rate and the size)
  * is taken from the reader before the thread starts; from then on only the
- * thread touches the reader, until it is stopped.
+ * thread touches the reader, until finish() stops it.
  *
  * Where the system refuses a thread, the batches are read in the caller's
  * thread instead, each when it is wanted.
@@ -38,7 +38,7 @@ public:
      * The thread starts with the first readNext().
      */
     explicit ReadAhead(AbstractRecordingReader *reader);
-    /** Stops the thread. */
+    /** Stops the thread, as finish() does. */
     ~ReadAhead() override;
 
     ReadAhead(const ReadAhead &) = delete;
@@ -49,6 +49,14 @@ public:
      * first readNext() and where the system refused the thread.
      */
     bool readsAhead() const;
+
+    /**
+     * Ends the reading: the thread stops wherever it is, and readNext()
+     * answers false from then on. The reader is the caller's again, so
+     * readingNotice() can now say what it passed over, ahead of the caller
+     * as well.
+     */
+    void finish();
 
     bool readNext() override;
     bool hasError() const override;
@@ -62,8 +70,8 @@ public:
     qint64 position() const override;
     qint64 size() const override;
     /**
-     * Ends the reading first, so the notice covers what was read ahead as
-     * well; readNext() then answers false.
+     * The reader's notice as finish() found it; empty before, while the
+     * thread may still be reading.
      */
     QString readingNotice() const override;
 
@@ -85,7 +93,7 @@ private:
     void read();
     bool fill(Batch &batch);
     void release();
-    void stop() const;
+    void stop();
 
     AbstractRecordingReader *const reader;
     const QVariantMap recordingProperties;
@@ -95,15 +103,14 @@ private:
     // Shared with the thread under the lock: batches filled and batches
     // given back, counted from the start, whether the caller skipped the
     // bad line the thread waits at, and whether the thread is to stop.
-    // Stopping changes no answer, so readingNotice() may do it.
     std::array<Batch, batchCount> batches;
     qint64 filled = 0;
     qint64 released = 0;
     bool skip = false;
-    mutable bool stopping = false;
-    mutable std::mutex lock;
-    mutable std::condition_variable changed;
-    mutable std::thread thread;
+    bool stopping = false;
+    std::mutex lock;
+    std::condition_variable changed;
+    std::thread thread;
 
     // The caller's side: whether the thread was started and runs, the batch
     // being read, and the sample shown, which is copied out of a batch given
@@ -120,4 +127,5 @@ private:
     QString error;
     bool badLine = false;
     bool ended = false;
+    QString notice;
 };

@@ -144,7 +144,6 @@ QStringList observe(AbstractRecordingReader &reader, bool skip, int wanted)
         seen << QStringLiteral("then %1").arg(reader.readNext() ? "more" : "still stopped");
         break;
     }
-    seen << reader.readingNotice();
     return seen;
 }
 
@@ -223,7 +222,8 @@ private slots:
     void sameAsTheReaderOnARecording();
     void whatDoesNotChange();
     void readsAheadBoundedly();
-    void noticeStopsTheReading();
+    void finishStopsTheReading();
+    void noticeLeavesTheReadingAlone();
     void endsWithoutReading();
     void endsAtABadLineNotSkipped();
 };
@@ -283,7 +283,7 @@ void tst_ReadAhead::sameAsTheReader()
 #endif
 
     ScriptedReader alone(lines, badLines, fatalLine);
-    const QStringList expected = observe(alone, skip, wanted);
+    const QStringList expected = observe(alone, skip, wanted) << alone.readingNotice();
 
     ScriptedReader wrapped(lines, badLines, fatalLine);
     ReadAhead ahead(&wrapped);
@@ -295,6 +295,8 @@ void tst_ReadAhead::sameAsTheReader()
             QVERIFY(refused->inForce());
         }
         seen = observe(ahead, skip, wanted);
+        ahead.finish();
+        seen << ahead.readingNotice();
     }
     QCOMPARE(ahead.readsAhead(), !threadRefused);
     QCOMPARE(seen, expected);
@@ -377,16 +379,35 @@ void tst_ReadAhead::readsAheadBoundedly()
     }
 }
 
-void tst_ReadAhead::noticeStopsTheReading()
+void tst_ReadAhead::finishStopsTheReading()
 {
     ScriptedReader reader(1000000, {}, -1);
     ReadAhead ahead(&reader);
     QVERIFY(ahead.readNext());
+    ahead.finish();
     QCOMPARE(ahead.readingNotice(), QStringLiteral("nothing passed over"));
     const int reads = reader.reads.load();
     QVERIFY(!ahead.readNext());
     QVERIFY(!ahead.hasError());
     QCOMPARE(reader.reads.load(), reads);
+}
+
+// Asking for the notice is no end of the reading: the thread reads on, and
+// the notice waits for finish().
+void tst_ReadAhead::noticeLeavesTheReadingAlone()
+{
+    const int lines = 3 * ReadAhead::batchSize * ReadAhead::batchCount;
+    ScriptedReader reader(lines, {}, -1);
+    ReadAhead ahead(&reader);
+    QVERIFY(ahead.readNext());
+    QCOMPARE(ahead.readingNotice(), QString());
+    int samples = 1;
+    while (ahead.readNext())
+        ++samples;
+    QCOMPARE(samples, lines);
+    QVERIFY(!ahead.hasError());
+    ahead.finish();
+    QCOMPARE(ahead.readingNotice(), QStringLiteral("nothing passed over"));
 }
 
 void tst_ReadAhead::endsWithoutReading()
