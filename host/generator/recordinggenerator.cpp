@@ -32,6 +32,34 @@ bool writeLine(QIODevice *out, const std::string &text, QString *error)
     return true;
 }
 
+// The properties of the sensor that walks, and the rate of its samples.
+void writeRecordingObject(JsonLineWriter &line, const Walk &walk, double rate)
+{
+    line.beginObject();
+    line.key("properties");
+    line.beginObject();
+    line.key("StartTime");
+    line.string(Walk::startTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+    line.key("FilterProfile");
+    line.string(QStringLiteral("general"));
+    line.key("FilterProfileVersion");
+    line.integer(1);
+    line.key("FilterProfileType");
+    line.integer(39);
+    line.key("OptionFlags");
+    line.integer(0);
+    line.key("FirmwareVersion");
+    line.string(QStringLiteral("1.2.3"));
+    line.key("DeviceId");
+    line.string(walk.deviceId());
+    line.key("ProductCode");
+    line.string(QStringLiteral("T100"));
+    line.endObject();
+    line.key("updateRate");
+    line.number(rate, 6);
+    line.endObject();
+}
+
 bool checkOptions(const GeneratorOptions &options, QString *error)
 {
     if (options.samples < 0) {
@@ -76,7 +104,7 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
 
     Walk walk(options, recordingReceiverRate);
     JsonLineWriter line;
-    walk.writeRecordingObject(line);
+    writeRecordingObject(line, walk, options.rate);
     if (!writeLine(out, line.data(), error))
         return false;
     for (qint64 index = 0; index < options.samples; ++index) {

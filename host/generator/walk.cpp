@@ -1,7 +1,6 @@
 #include "walk.h"
 
 #include "dilutions.h"
-#include "jsonlinewriter.h"
 #include "orientationmath.h"
 #include "random.h"
 
@@ -29,12 +28,6 @@ constexpr double walkingSpeed = 1.3;
 // Each step lifts and lowers the sensor by a couple of centimetres.
 constexpr double stepRate = 1.8;
 constexpr double stepLift = 0.02;
-
-// The start of every generated recording, taken as UTC.
-QDateTime startTime()
-{
-    return QDateTime(QDate(2026, 11, 21), QTime(9, 30), Qt::UTC);
-}
 
 template <typename Integer>
 Integer clamped(double value)
@@ -87,36 +80,10 @@ public:
         for (double &level : satelliteLevels)
             level = 22.0 + 24.0 * random.uniform();
         const qint64 gpsMs =
-            QDateTime(QDate(1980, 1, 6), QTime(0, 0), Qt::UTC).msecsTo(startTime()) + gpsLeapMs;
+            QDateTime(QDate(1980, 1, 6), QTime(0, 0), Qt::UTC).msecsTo(Walk::startTime())
+            + gpsLeapMs;
         gpsWeek = gpsMs / msPerGpsWeek;
         startTimeOfWeek = gpsMs % msPerGpsWeek;
-    }
-
-    void writeRecordingObject(JsonLineWriter &line) const
-    {
-        line.beginObject();
-        line.key("properties");
-        line.beginObject();
-        line.key("StartTime");
-        line.string(startTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
-        line.key("FilterProfile");
-        line.string(QStringLiteral("general"));
-        line.key("FilterProfileVersion");
-        line.integer(1);
-        line.key("FilterProfileType");
-        line.integer(39);
-        line.key("OptionFlags");
-        line.integer(0);
-        line.key("FirmwareVersion");
-        line.string(QStringLiteral("1.2.3"));
-        line.key("DeviceId");
-        line.string(deviceId);
-        line.key("ProductCode");
-        line.string(QStringLiteral("T100"));
-        line.endObject();
-        line.key("updateRate");
-        line.number(rate, 6);
-        line.endObject();
     }
 
     const SampleState &step(qint64 index)
@@ -133,10 +100,12 @@ public:
         return state;
     }
 
+    QString deviceId;
+
 private:
     void stepTime(double t)
     {
-        const QDateTime sampleTime = startTime().addMSecs(std::llround(t * 1000.0));
+        const QDateTime sampleTime = Walk::startTime().addMSecs(std::llround(t * 1000.0));
         state.sampleTimeFine = quint32(sampleTimeFineStart + quint64(std::llround(t * 10000.0)));
         state.dateTime = sampleTime.date().toString(Qt::ISODate) + QLatin1Char('T')
             + sampleTime.time().toString(QStringLiteral("HH:mm:ss.zzz"));
@@ -262,7 +231,7 @@ private:
             return;
         receiverEpoch = epoch;
         const qint64 epochMs = epoch * qint64(1000.0 / receiverRate);
-        const QDateTime utc = startTime().addMSecs(epochMs);
+        const QDateTime utc = Walk::startTime().addMSecs(epochMs);
         const quint32 iTOW = quint32((startTimeOfWeek + epochMs) % msPerGpsWeek);
         const qint64 week = gpsWeek + (startTimeOfWeek + epochMs) / msPerGpsWeek;
         const qint32 nano = qint32(utc.time().msec() * 1000000 + std::lround(random.noise(30.0)));
@@ -409,7 +378,6 @@ private:
     double rate;
     double receiverRate;
     Random random;
-    QString deviceId;
     qint64 gpsWeek = 0;
     qint64 startTimeOfWeek = 0;
     SampleState state;
@@ -431,9 +399,14 @@ Walk::Walk(const GeneratorOptions &options, double receiverRate)
 
 Walk::~Walk() = default;
 
-void Walk::writeRecordingObject(JsonLineWriter &line) const
+QDateTime Walk::startTime()
 {
-    d->writeRecordingObject(line);
+    return QDateTime(QDate(2026, 11, 21), QTime(9, 30), Qt::UTC);
+}
+
+QString Walk::deviceId() const
+{
+    return d->deviceId;
 }
 
 const SampleState &Walk::step(qint64 index)

@@ -7,11 +7,10 @@
 #include <kvtriggerindication.h>
 #include <kvutctime.h>
 
+#include <QDateTime>
 #include <QString>
 
 #include <memory>
-
-class JsonLineWriter;
 
 // Everything one sample line can hold. All of it is computed for every
 // sample, so the values of a key do not depend on which keys are written.
@@ -62,8 +61,10 @@ public:
     Walk(const GeneratorOptions &options, double receiverRate);
     ~Walk();
 
-    /** The recording object: properties and update rate. */
-    void writeRecordingObject(JsonLineWriter &line) const;
+    /** When every walk starts, in UTC. */
+    static QDateTime startTime();
+    /** The sensor's serial number, eight hex digits drawn from the seed. */
+    QString deviceId() const;
     /** Moves on to sample @p index and gives its state. */
     const SampleState &step(qint64 index);
 
