@@ -2,7 +2,7 @@
 
 #include "jsonlinewriter.h"
 #include "recordfields.h"
-#include "walk.h"
+#include "samplestate.h"
 
 #include <iterator>
 
