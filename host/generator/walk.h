@@ -9,7 +9,7 @@
 #include <memory>
 
 // A sensor carried on a slow walk: gentle roll and pitch sway, a steady turn,
-// and a receiver that reports four times a second.
+// and a receiver that reports at a rate of its own, the one it is given.
 class Walk
 {
 public:
