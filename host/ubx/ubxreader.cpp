@@ -1,6 +1,7 @@
 #include "ubxreader.h"
 
 #include "dilutions.h"
+#include "systemreason.h"
 #include "ubxframescanner.h"
 #include "ubxmessages.h"
 #include "ubxtimeline.h"
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <optional>
 
 #include <unistd.h>
@@ -347,10 +347,9 @@ bool UbxReader::load(qint64 offset, qint64 size)
         if (got < 0 && handle >= 0 && errno == EINTR)
             continue;
         if (got < 0) {
-            return fail(tr("%1: cannot be read: %2")
-                            .arg(fileName,
-                                 handle >= 0 ? QString::fromLocal8Bit(std::strerror(errno))
-                                             : device->errorString()));
+            return fail(
+                tr("%1: cannot be read: %2")
+                    .arg(fileName, handle >= 0 ? systemReason(errno) : device->errorString()));
         }
         if (got == 0)
             break;
