@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>BlockWriter</name>
+    <message>
+        <source>cannot write the recording: %1</source>
+        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
+    </message>
+</context>
+<context>
     <name>CommandLine</name>
     <message>
         <source>not a regular file</source>
@@ -588,18 +595,7 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     </message>
 </context>
 <context>
-    <name>RecordingConverter</name>
-    <message>
-        <source>cannot write the recording: %1</source>
-        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
-    </message>
-</context>
-<context>
     <name>RecordingGenerator</name>
-    <message>
-        <source>cannot write the recording: %1</source>
-        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
-    </message>
     <message>
         <source>the number of samples must not be negative</source>
         <translation>die Anzahl der Abtastwerte darf nicht negativ sein</translation>
