@@ -457,14 +457,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
 <context>
     <name>JsonLinesReader</name>
     <message>
-        <source>%1: is a directory, not a recording</source>
-        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
-    </message>
-    <message>
-        <source>%1: cannot be read: %2</source>
-        <translation>%1: kann nicht gelesen werden: %2</translation>
-    </message>
-    <message>
         <source>the line is longer than %1 bytes</source>
         <translation>die Zeile ist länger als %1 Bytes</translation>
     </message>
@@ -592,6 +584,17 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>%1: not an exporter plug-in (it does not provide %2)</source>
         <translation>%1: kein Exporter-Plug-in (es bietet %2 nicht an)</translation>
+    </message>
+</context>
+<context>
+    <name>RecordingFileReader</name>
+    <message>
+        <source>%1: is a directory, not a recording</source>
+        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
+    </message>
+    <message>
+        <source>%1: cannot be read: %2</source>
+        <translation>%1: kann nicht gelesen werden: %2</translation>
     </message>
 </context>
 <context>
@@ -821,14 +824,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
 </context>
 <context>
     <name>UbxReader</name>
-    <message>
-        <source>%1: is a directory, not a recording</source>
-        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
-    </message>
-    <message>
-        <source>%1: cannot be read: %2</source>
-        <translation>%1: kann nicht gelesen werden: %2</translation>
-    </message>
     <message>
         <source>%1: holds no UBX frame with a good checksum</source>
         <translation>%1: enthält keinen UBX-Frame mit richtiger Prüfsumme</translation>

@@ -3,8 +3,6 @@
 #include "jsonnumber.h"
 #include "tapefieldreader.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <iterator>
 
@@ -38,35 +36,11 @@ bool isHeaderProperty(std::string_view key)
 
 } // namespace
 
-bool JsonLinesReader::open(const QString &name)
-{
-    file.close();
-    badLine = false;
-    if (QFileInfo(name).isDir()) {
-        fileName = name;
-        error = tr("%1: is a directory, not a recording").arg(name);
-        return false;
-    }
-    file.setFileName(name);
-    // The line reader reads in large blocks of its own.
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        fileName = name;
-        error = tr("%1: cannot be read: %2").arg(name, file.errorString());
-        return false;
-    }
-    return open(&file, name);
-}
-
 bool JsonLinesReader::open(QIODevice *source, const QString &name)
 {
+    reset(name);
     device = source;
-    fileName = name;
     lines = std::make_unique<LineReader>(device);
-    error.clear();
-    badLine = false;
-    recordingProperties.clear();
-    rate = 0.0;
-    current = RecordingSample();
     return readRecordingObject();
 }
 
@@ -84,16 +58,6 @@ bool JsonLinesReader::readNext()
     return true;
 }
 
-bool JsonLinesReader::hasError() const
-{
-    return !error.isEmpty();
-}
-
-QString JsonLinesReader::errorString() const
-{
-    return error;
-}
-
 bool JsonLinesReader::hasBadLine() const
 {
     return badLine;
@@ -105,26 +69,6 @@ void JsonLinesReader::skipBadLine()
     badLine = false;
 }
 
-QVariant JsonLinesReader::property(const QString &key) const
-{
-    return recordingProperties.value(key);
-}
-
-QVariantMap JsonLinesReader::properties() const
-{
-    return recordingProperties;
-}
-
-double JsonLinesReader::updateRate() const
-{
-    return rate;
-}
-
-const RecordingSample &JsonLinesReader::sample() const
-{
-    return current;
-}
-
 qint64 JsonLinesReader::position() const
 {
     return lines ? lines->position() : 0;
@@ -133,6 +77,14 @@ qint64 JsonLinesReader::position() const
 qint64 JsonLinesReader::size() const
 {
     return device && !device->isSequential() ? device->size() : 0;
+}
+
+void JsonLinesReader::reset(const QString &name)
+{
+    RecordingFileReader::reset(name);
+    device = nullptr;
+    lines.reset();
+    badLine = false;
 }
 
 // Skips empty lines; false at the end of the recording or when a line cannot

@@ -6,8 +6,6 @@
 #include "ubxmessages.h"
 #include "ubxtimeline.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <cerrno>
 #include <optional>
@@ -69,23 +67,25 @@ UbxReader::UbxReader() = default;
 
 UbxReader::~UbxReader() = default;
 
-bool UbxReader::open(const QString &name)
-{
-    file.close();
-    fileName = name;
-    if (QFileInfo(name).isDir())
-        return fail(tr("%1: is a directory, not a recording").arg(name));
-    file.setFileName(name);
-    // The scanner and the window read in large blocks of their own.
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return fail(tr("%1: cannot be read: %2").arg(name, file.errorString()));
-    return open(&file, name);
-}
-
 bool UbxReader::open(QIODevice *source, const QString &name)
 {
-    fileName = name;
-    error.clear();
+    reset(name);
+    device = source;
+    if (source->isSequential())
+        return fail(tr("%1: a UBX log is read twice, which a pipe cannot be").arg(name));
+    if (source->pos() != 0 && !source->seek(0))
+        return failToRead(source->errorString());
+    if (!indexFrames(source))
+        return false;
+    orderEpochs();
+    findProperties();
+    return error.isEmpty();
+}
+
+void UbxReader::reset(const QString &name)
+{
+    RecordingFileReader::reset(name);
+    device = nullptr;
     epochs.clear();
     nextEpoch = 0;
     windowStart = 0;
@@ -93,19 +93,6 @@ bool UbxReader::open(QIODevice *source, const QString &name)
     windowUsed = 0;
     readAhead = 0;
     counts = UbxLogStatistics();
-    recordingProperties.clear();
-    rate = 0.0;
-    current = RecordingSample();
-    device = source;
-    if (source->isSequential())
-        return fail(tr("%1: a UBX log is read twice, which a pipe cannot be").arg(name));
-    if (source->pos() != 0 && !source->seek(0))
-        return fail(tr("%1: cannot be read: %2").arg(name, source->errorString()));
-    if (!indexFrames(source))
-        return false;
-    orderEpochs();
-    findProperties();
-    return error.isEmpty();
 }
 
 bool UbxReader::indexFrames(QIODevice *source)
@@ -220,7 +207,7 @@ bool UbxReader::indexFrames(QIODevice *source)
     counts.cutFrames = scanner.cutFrames();
     counts.weekKnown = timeline.knowsWeek();
     if (status == UbxFrameScanner::Status::Failed)
-        return fail(tr("%1: cannot be read: %2").arg(fileName, scanner.errorString()));
+        return failToRead(scanner.errorString());
     if (counts.frames == 0)
         return fail(tr("%1: holds no UBX frame with a good checksum").arg(fileName));
     return true;
@@ -338,7 +325,7 @@ bool UbxReader::load(qint64 offset, qint64 size)
     const auto *fileDevice = qobject_cast<const QFileDevice *>(device);
     const int handle = fileDevice ? fileDevice->handle() : -1;
     if (handle < 0 && !device->seek(start))
-        return fail(tr("%1: cannot be read: %2").arg(fileName, device->errorString()));
+        return failToRead(device->errorString());
     while (windowSize < wanted) {
         auto *into = reinterpret_cast<char *>(window.data() + windowSize);
         const qint64 got = handle >= 0
@@ -347,9 +334,7 @@ bool UbxReader::load(qint64 offset, qint64 size)
         if (got < 0 && handle >= 0 && errno == EINTR)
             continue;
         if (got < 0) {
-            return fail(
-                tr("%1: cannot be read: %2")
-                    .arg(fileName, handle >= 0 ? systemReason(errno) : device->errorString()));
+            return failToRead(handle >= 0 ? systemReason(errno) : device->errorString());
         }
         if (got == 0)
             break;
@@ -447,36 +432,6 @@ bool UbxReader::readNext()
     }
     ++nextEpoch;
     return true;
-}
-
-bool UbxReader::hasError() const
-{
-    return !error.isEmpty();
-}
-
-QString UbxReader::errorString() const
-{
-    return error;
-}
-
-QVariant UbxReader::property(const QString &key) const
-{
-    return recordingProperties.value(key);
-}
-
-QVariantMap UbxReader::properties() const
-{
-    return recordingProperties;
-}
-
-double UbxReader::updateRate() const
-{
-    return rate;
-}
-
-const RecordingSample &UbxReader::sample() const
-{
-    return current;
 }
 
 qint64 UbxReader::position() const
