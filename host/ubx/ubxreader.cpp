@@ -104,27 +104,10 @@ bool UbxReader::indexFrames(QIODevice *source)
     bool versionSeen = false;
     while ((status = scanner.next(&frame)) == UbxFrameScanner::Status::Frame) {
         ++counts.messages[frame.key];
-        Kind kind;
-        switch (frame.key) {
-        case UbxMessages::navSol:
-            kind = Solution;
-            break;
-        case UbxMessages::navDop:
-            kind = Dop;
-            break;
-        case UbxMessages::navTimeUtc:
-            kind = UtcTime;
-            break;
-        case UbxMessages::navSvInfo:
-            kind = SvInfo;
-            break;
-        case UbxMessages::navPvt:
-            kind = Pvt;
-            break;
-        case UbxMessages::navSat:
-            kind = Sat;
-            break;
-        case UbxMessages::monVer: {
+        const UbxMessages::MessageRead *message = UbxMessages::messageRead(frame.key);
+        if (!message)
+            continue;
+        if (message->kind == UbxMessages::FirmwareVersion) {
             QString version;
             if (!UbxMessages::readMonVer(frame.payload, frame.length, &version)) {
                 ++counts.wrongLengths;
@@ -136,19 +119,17 @@ bool UbxReader::indexFrames(QIODevice *source)
             }
             continue;
         }
-        default:
-            continue;
-        }
+        const UbxMessages::MessageKind kind = message->kind;
         if (!UbxMessages::hasValidLength(frame.key, frame.payload, frame.length)) {
             ++counts.wrongLengths;
             continue;
         }
         if (frame.offset >= offsetLimit)
             return fail(tr("%1: is too large to be read as a UBX log").arg(fileName));
-        if (kind == SvInfo) {
+        if (kind == UbxMessages::SvInfo) {
             for (int i = 0; i < frame.payload[4]; ++i)
                 counts.gpsSatellites.insert(frame.payload[8 + 12 * i + 1]);
-        } else if (kind == Sat) {
+        } else if (kind == UbxMessages::Sat) {
             for (int i = 0; i < frame.payload[5]; ++i) {
                 const uchar *block = frame.payload + 8 + 12 * i;
                 counts.gnssSatellites.insert(quint16(block[0] << 8 | block[1]));
@@ -156,12 +137,13 @@ bool UbxReader::indexFrames(QIODevice *source)
         }
 
         const quint32 timeOfWeek = UbxMessages::timeOfWeek(frame.payload, frame.length);
-        const uchar *date = kind == Pvt ? frame.payload + pvtDate
-            : kind == UtcTime           ? frame.payload + timeUtcDate
-                                        : nullptr;
-        const bool dated = date && isValidDate(date, kind == Pvt ? pvtValidDate : timeUtcValidDate);
+        const uchar *date = kind == UbxMessages::Pvt ? frame.payload + pvtDate
+            : kind == UbxMessages::UtcTime           ? frame.payload + timeUtcDate
+                                                     : nullptr;
+        const bool dated =
+            date && isValidDate(date, kind == UbxMessages::Pvt ? pvtValidDate : timeUtcValidDate);
         std::optional<qint32> week;
-        if (kind == Solution)
+        if (kind == UbxMessages::Solution)
             week = qint16(loadWord(frame.payload + 8));
         else if (dated)
             week = UbxTimeline::weekOfDate(loadWord(date), date[2], date[3], date[4], date[5],
@@ -261,17 +243,17 @@ void UbxReader::findProperties()
     // An epoch at time of week 0 holds no data.
     QString start = QStringLiteral("0");
     for (const Epoch &epoch : epochs) {
-        if (epoch.marks & Epoch::atTimeOfWeekZero || !(epoch.marks & (1 << Pvt | 1 << UtcTime)))
+        if (epoch.marks & Epoch::atTimeOfWeekZero
+            || !(epoch.marks & (1 << UbxMessages::Pvt | 1 << UbxMessages::UtcTime)))
             continue;
-        const Kind kind = (epoch.marks & (1 << Pvt)) ? Pvt : UtcTime;
+        const UbxMessages::MessageKind kind =
+            (epoch.marks & (1 << UbxMessages::Pvt)) ? UbxMessages::Pvt : UbxMessages::UtcTime;
         int length = 0;
-        const uchar *frame =
-            frameAt(epoch.frame(kind), kind == Pvt ? UbxMessages::navPvt : UbxMessages::navTimeUtc,
-                    &length);
+        const uchar *frame = frameAt(epoch.frame(kind), UbxMessages::keyOf(kind), &length);
         if (!frame)
             return;
-        start =
-            dateTimeText(frame + UbxMessages::headerSize + (kind == Pvt ? pvtDate : timeUtcDate));
+        start = dateTimeText(frame + UbxMessages::headerSize
+                             + (kind == UbxMessages::Pvt ? pvtDate : timeUtcDate));
         break;
     }
     recordingProperties.insert(QStringLiteral("StartTime"), start);
@@ -392,42 +374,41 @@ bool UbxReader::readNext()
         }
         if (!load(first, last - first + UbxMessages::headerSize))
             return false;
-        static constexpr quint16 keys[kindCount] = {UbxMessages::navSol,     UbxMessages::navDop,
-                                                    UbxMessages::navTimeUtc, UbxMessages::navSvInfo,
-                                                    UbxMessages::navPvt,     UbxMessages::navSat};
         for (int kind = 0; kind < kindCount; ++kind) {
             if (!epoch.hasFrame(kind))
                 continue;
             int length = 0;
-            const uchar *frame = frameAt(epoch.frame(kind), keys[kind], &length);
+            const auto recordKind = UbxMessages::MessageKind(kind);
+            const uchar *frame =
+                frameAt(epoch.frame(kind), UbxMessages::keyOf(recordKind), &length);
             if (!frame)
                 return false;
             const uchar *payload = frame + UbxMessages::headerSize;
-            switch (Kind(kind)) {
-            case Solution:
+            switch (recordKind) {
+            case UbxMessages::Solution:
                 UbxMessages::readNavSol(payload, length, current.gpsSolution);
                 break;
-            case Dop:
+            case UbxMessages::Dop:
                 UbxMessages::readNavDop(payload, length, current.gpsDop);
                 break;
-            case UtcTime:
+            case UbxMessages::UtcTime:
                 UbxMessages::readNavTimeUtc(payload, length, current.gpsUtcTime);
                 break;
-            case SvInfo:
+            case UbxMessages::SvInfo:
                 UbxMessages::readNavSvInfo(payload, length, current.gpsSatellites);
                 break;
-            case Pvt:
+            case UbxMessages::Pvt:
                 UbxMessages::readNavPvt(payload, length, current.gnssPvt);
                 break;
-            case Sat:
+            case UbxMessages::Sat:
                 UbxMessages::readNavSat(payload, length, current.gnssSatellites);
                 break;
-            case kindCount:
+            case UbxMessages::FirmwareVersion:
                 break;
             }
         }
         // NAV-PVT's dilutions are those of the epoch's NAV-DOP.
-        if (epoch.hasFrame(Pvt))
+        if (epoch.hasFrame(UbxMessages::Pvt))
             copyDilutions(current.gpsDop, current.gnssPvt);
     }
     ++nextEpoch;

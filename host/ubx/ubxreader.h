@@ -2,6 +2,7 @@
 
 #include "recordingfilereader.h"
 #include "ubxlogstatistics.h"
+#include "ubxmessages.h"
 
 #include <QCoreApplication>
 #include <QString>
@@ -58,8 +59,8 @@ protected:
     void reset(const QString &name) override;
 
 private:
-    // The kinds of navigation message an epoch takes, in the order of Epoch's frames.
-    enum Kind { Solution, Dop, UtcTime, SvInfo, Pvt, Sat, kindCount };
+    // An epoch keeps one frame of each kind of its records.
+    static constexpr int kindCount = UbxMessages::epochRecordKinds;
 
     // An epoch as the first pass finds it. Frame offsets take 48 bits, as
     // many as a log can need, so that a million epochs fit in 48 MB.
