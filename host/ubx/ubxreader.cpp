@@ -45,6 +45,31 @@ bool isValidDate(const uchar *date, quint8 flags)
         && date[6] <= 60;
 }
 
+// The date of a NAV-PVT or NAV-TIMEUTC payload when its flags make it
+// valid; null otherwise.
+const uchar *validDate(UbxMessages::MessageKind kind, const uchar *payload)
+{
+    if (kind == UbxMessages::Pvt)
+        return isValidDate(payload + pvtDate, pvtValidDate) ? payload + pvtDate : nullptr;
+    if (kind == UbxMessages::UtcTime)
+        return isValidDate(payload + timeUtcDate, timeUtcValidDate) ? payload + timeUtcDate
+                                                                    : nullptr;
+    return nullptr;
+}
+
+// The GPS week that a message shows: NAV-SOL's own, or that of a valid
+// @p date at @p timeOfWeek; none for any other.
+std::optional<qint32> shownWeek(UbxMessages::MessageKind kind, const uchar *payload,
+                                const uchar *date, quint32 timeOfWeek)
+{
+    if (kind == UbxMessages::Solution)
+        return qint16(loadWord(payload + 8));
+    if (date)
+        return UbxTimeline::weekOfDate(loadWord(date), date[2], date[3], date[4], date[5], date[6],
+                                       timeOfWeek);
+    return std::nullopt;
+}
+
 QString dateTimeText(const uchar *date)
 {
     return QString::asprintf("%04d-%02d-%02d %02d:%02d:%02d", loadWord(date), date[2], date[3],
@@ -108,79 +133,17 @@ bool UbxReader::indexFrames(QIODevice *source)
         if (!message)
             continue;
         if (message->kind == UbxMessages::FirmwareVersion) {
-            QString version;
-            if (!UbxMessages::readMonVer(frame.payload, frame.length, &version)) {
-                ++counts.wrongLengths;
-            } else if (!versionSeen) {
-                versionSeen = true;
-                if (!version.trimmed().isEmpty())
-                    recordingProperties.insert(QStringLiteral("FirmwareVersion"),
-                                               version.trimmed());
-            }
+            takeFirmwareVersion(frame.payload, frame.length, &versionSeen);
             continue;
         }
-        const UbxMessages::MessageKind kind = message->kind;
         if (!UbxMessages::hasValidLength(frame.key, frame.payload, frame.length)) {
             ++counts.wrongLengths;
             continue;
         }
         if (frame.offset >= offsetLimit)
             return fail(tr("%1: is too large to be read as a UBX log").arg(fileName));
-        if (kind == UbxMessages::SvInfo) {
-            for (int i = 0; i < frame.payload[4]; ++i)
-                counts.gpsSatellites.insert(frame.payload[8 + 12 * i + 1]);
-        } else if (kind == UbxMessages::Sat) {
-            for (int i = 0; i < frame.payload[5]; ++i) {
-                const uchar *block = frame.payload + 8 + 12 * i;
-                counts.gnssSatellites.insert(quint16(block[0] << 8 | block[1]));
-            }
-        }
-
-        const quint32 timeOfWeek = UbxMessages::timeOfWeek(frame.payload, frame.length);
-        const uchar *date = kind == UbxMessages::Pvt ? frame.payload + pvtDate
-            : kind == UbxMessages::UtcTime           ? frame.payload + timeUtcDate
-                                                     : nullptr;
-        const bool dated =
-            date && isValidDate(date, kind == UbxMessages::Pvt ? pvtValidDate : timeUtcValidDate);
-        std::optional<qint32> week;
-        if (kind == UbxMessages::Solution)
-            week = qint16(loadWord(frame.payload + 8));
-        else if (dated)
-            week = UbxTimeline::weekOfDate(loadWord(date), date[2], date[3], date[4], date[5],
-                                           date[6], timeOfWeek);
-        qint64 shift = 0;
-        const qint64 time = timeline.place(timeOfWeek, week, &shift);
-        // The first week shown tells the week of every message before it.
-        if (shift != 0) {
-            for (Epoch &epoch : epochs)
-                epoch.time += shift;
-        }
-        // So does a week shown among an epoch's messages for those of them
-        // before it, which carried a week the log had not shown for them:
-        // the week of the log before, where two logs are joined.
-        if (week && !epochs.empty() && !(epochs.back().marks & Epoch::weekShown)
-            && epochs.back().time != time
-            && (time - epochs.back().time) % UbxTimeline::msPerWeek == 0)
-            epochs.back().time = time;
-
-        // An epoch's messages mostly come together; one that comes apart
-        // makes an entry of its own, merged once the entries are in order.
-        if (epochs.empty() || epochs.back().time != time) {
-            epochs.emplace_back();
-            epochs.back().time = time;
-            if (timeOfWeek == 0)
-                epochs.back().marks |= Epoch::atTimeOfWeekZero;
-        }
-        Epoch &epoch = epochs.back();
-        if (week)
-            epoch.marks |= Epoch::weekShown;
-        if (epoch.hasFrame(kind)) {
-            ++counts.repeated;
-            continue;
-        }
-        epoch.setFrame(kind, frame.offset);
-        if (dated)
-            epoch.marks |= quint8(1 << kind);
+        countSatellites(message->kind, frame.payload);
+        placeFrame(message->kind, frame, timeline);
     }
     counts.bytes = scanner.bytes();
     counts.frames = scanner.frames();
@@ -193,6 +156,87 @@ bool UbxReader::indexFrames(QIODevice *source)
     if (counts.frames == 0)
         return fail(tr("%1: holds no UBX frame with a good checksum").arg(fileName));
     return true;
+}
+
+// The software version of the first MON-VER is the firmware version.
+void UbxReader::takeFirmwareVersion(const uchar *payload, int length, bool *versionSeen)
+{
+    QString version;
+    if (!UbxMessages::readMonVer(payload, length, &version)) {
+        ++counts.wrongLengths;
+    } else if (!*versionSeen) {
+        *versionSeen = true;
+        if (!version.trimmed().isEmpty())
+            recordingProperties.insert(QStringLiteral("FirmwareVersion"), version.trimmed());
+    }
+}
+
+// The satellites that NAV-SVINFO and NAV-SAT name, for the statistics.
+void UbxReader::countSatellites(UbxMessages::MessageKind kind, const uchar *payload)
+{
+    if (kind == UbxMessages::SvInfo) {
+        for (int i = 0; i < payload[4]; ++i)
+            counts.gpsSatellites.insert(payload[8 + 12 * i + 1]);
+    } else if (kind == UbxMessages::Sat) {
+        for (int i = 0; i < payload[5]; ++i) {
+            const uchar *block = payload + 8 + 12 * i;
+            counts.gnssSatellites.insert(quint16(block[0] << 8 | block[1]));
+        }
+    }
+}
+
+// Keeps where the frame of a navigation message starts, in the entry of its
+// epoch; the first frame of a kind in an epoch counts.
+void UbxReader::placeFrame(UbxMessages::MessageKind kind, const UbxFrameScanner::Frame &frame,
+                           UbxTimeline &timeline)
+{
+    const quint32 timeOfWeek = UbxMessages::timeOfWeek(frame.payload, frame.length);
+    const uchar *date = validDate(kind, frame.payload);
+    const std::optional<qint32> week = shownWeek(kind, frame.payload, date, timeOfWeek);
+    Epoch &epoch = entryAt(timeOf(timeOfWeek, week, timeline), timeOfWeek);
+    if (week)
+        epoch.marks |= Epoch::weekShown;
+    if (epoch.hasFrame(kind)) {
+        ++counts.repeated;
+        return;
+    }
+    epoch.setFrame(kind, frame.offset);
+    if (date)
+        epoch.marks |= quint8(1 << kind);
+}
+
+// The GPS time of a message at @p timeOfWeek; the @p week it shows may move
+// the entries before it into their week.
+qint64 UbxReader::timeOf(quint32 timeOfWeek, std::optional<qint32> week, UbxTimeline &timeline)
+{
+    qint64 shift = 0;
+    const qint64 time = timeline.place(timeOfWeek, week, &shift);
+    // The first week shown tells the week of every message before it.
+    if (shift != 0) {
+        for (Epoch &epoch : epochs)
+            epoch.time += shift;
+    }
+    // So does a week shown among an epoch's messages for those of them
+    // before it, which carried a week the log had not shown for them:
+    // the week of the log before, where two logs are joined.
+    if (week && !epochs.empty() && !(epochs.back().marks & Epoch::weekShown)
+        && epochs.back().time != time && (time - epochs.back().time) % UbxTimeline::msPerWeek == 0)
+        epochs.back().time = time;
+    return time;
+}
+
+// The entry of the epoch at @p time. An epoch's messages mostly come
+// together; one that comes apart makes an entry of its own, merged once the
+// entries are in order.
+UbxReader::Epoch &UbxReader::entryAt(qint64 time, quint32 timeOfWeek)
+{
+    if (epochs.empty() || epochs.back().time != time) {
+        epochs.emplace_back();
+        epochs.back().time = time;
+        if (timeOfWeek == 0)
+            epochs.back().marks |= Epoch::atTimeOfWeekZero;
+    }
+    return epochs.back();
 }
 
 // Sorts the entries by time, keeping the log's order among equal ones, and

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "recordingfilereader.h"
+#include "ubxframescanner.h"
 #include "ubxlogstatistics.h"
 #include "ubxmessages.h"
 
@@ -8,7 +9,10 @@
 #include <QString>
 
 #include <deque>
+#include <optional>
 #include <vector>
+
+class UbxTimeline;
 
 /**
  * Reads a u-blox UBX receiver log as a recording: one sample per navigation
@@ -93,6 +97,12 @@ private:
     };
 
     bool indexFrames(QIODevice *source);
+    void takeFirmwareVersion(const uchar *payload, int length, bool *versionSeen);
+    void countSatellites(UbxMessages::MessageKind kind, const uchar *payload);
+    void placeFrame(UbxMessages::MessageKind kind, const UbxFrameScanner::Frame &frame,
+                    UbxTimeline &timeline);
+    qint64 timeOf(quint32 timeOfWeek, std::optional<qint32> week, UbxTimeline &timeline);
+    Epoch &entryAt(qint64 time, quint32 timeOfWeek);
     void orderEpochs();
     void findProperties();
     bool load(qint64 offset, qint64 size);
