@@ -150,47 +150,8 @@ bool JsonLinesReader::readRecordingObject()
             if (propertiesSeen)
                 return fail(TapeFieldReader::duplicateText(propertiesPath));
             propertiesSeen = true;
-            if (!member.value.isObject())
-                return fail(tr("\"properties\": expected an object, got %1")
-                                .arg(TapeFieldReader::typeName(member.value)));
-            for (const JsonTape::Member property : member.value.members()) {
-                const QString key = fromUtf8(property.key);
-                if (recordingProperties.contains(key))
-                    return fail(tr("\"properties.%1\": the key appears more than once").arg(key));
-                const JsonTape::Value value = property.value;
-                switch (value.kind()) {
-                case JsonTape::Kind::Null:
-                    recordingProperties.insert(key, QVariant());
-                    break;
-                case JsonTape::Kind::False:
-                case JsonTape::Kind::True:
-                    recordingProperties.insert(key, value.toBool());
-                    break;
-                case JsonTape::Kind::String:
-                case JsonTape::Kind::Key:
-                    if (isHeaderProperty(property.key)
-                        && value.text().find_first_of(std::string_view("\r\n\0", 3))
-                            != std::string_view::npos)
-                        return fail(
-                            tr("\"properties.%1\": the text holds a line break or a NUL character")
-                                .arg(key));
-                    recordingProperties.insert(key, fromUtf8(value.text()));
-                    break;
-                case JsonTape::Kind::Number: {
-                    const JsonNumber::Integer integer = JsonNumber::toInteger(value.text());
-                    if (integer.kind == JsonNumber::Integer::Kind::Signed)
-                        recordingProperties.insert(key, integer.value);
-                    else
-                        recordingProperties.insert(key, JsonNumber::toDouble(value.text()));
-                    break;
-                }
-                case JsonTape::Kind::List:
-                case JsonTape::Kind::Object:
-                    return fail(tr("\"properties.%1\": expected a string, a number, a boolean or "
-                                   "null, got %2")
-                                    .arg(key, TapeFieldReader::typeName(value)));
-                }
-            }
+            if (!readProperties(member.value))
+                return false;
         } else if (member.key == ratePath.key) {
             if (rateSeen)
                 return fail(TapeFieldReader::duplicateText(ratePath));
@@ -201,6 +162,60 @@ bool JsonLinesReader::readRecordingObject()
     }
     if (!propertiesSeen)
         return fail(tr("the first line must be the recording object, with \"properties\""));
+    return true;
+}
+
+// The object of the recording's properties, each named once.
+bool JsonLinesReader::readProperties(JsonTape::Value object)
+{
+    if (!object.isObject())
+        return fail(tr("\"properties\": expected an object, got %1")
+                        .arg(TapeFieldReader::typeName(object)));
+    for (const JsonTape::Member property : object.members()) {
+        const QString key = fromUtf8(property.key);
+        if (recordingProperties.contains(key))
+            return fail(tr("\"properties.%1\": the key appears more than once").arg(key));
+        if (!readProperty(property, key))
+            return false;
+    }
+    return true;
+}
+
+// One property: null, a boolean, a text, or a number, kept as an integer
+// where it is one.
+bool JsonLinesReader::readProperty(JsonTape::Member property, const QString &key)
+{
+    const JsonTape::Value value = property.value;
+    switch (value.kind()) {
+    case JsonTape::Kind::Null:
+        recordingProperties.insert(key, QVariant());
+        break;
+    case JsonTape::Kind::False:
+    case JsonTape::Kind::True:
+        recordingProperties.insert(key, value.toBool());
+        break;
+    case JsonTape::Kind::String:
+    case JsonTape::Kind::Key:
+        if (isHeaderProperty(property.key)
+            && value.text().find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos)
+            return fail(
+                tr("\"properties.%1\": the text holds a line break or a NUL character").arg(key));
+        recordingProperties.insert(key, fromUtf8(value.text()));
+        break;
+    case JsonTape::Kind::Number: {
+        const JsonNumber::Integer integer = JsonNumber::toInteger(value.text());
+        if (integer.kind == JsonNumber::Integer::Kind::Signed)
+            recordingProperties.insert(key, integer.value);
+        else
+            recordingProperties.insert(key, JsonNumber::toDouble(value.text()));
+        break;
+    }
+    case JsonTape::Kind::List:
+    case JsonTape::Kind::Object:
+        return fail(tr("\"properties.%1\": expected a string, a number, a boolean or "
+                       "null, got %2")
+                        .arg(key, TapeFieldReader::typeName(value)));
+    }
     return true;
 }
 

@@ -56,6 +56,8 @@ protected:
 private:
     bool nextContentLine();
     bool readRecordingObject();
+    bool readProperties(JsonTape::Value object);
+    bool readProperty(JsonTape::Member property, const QString &key);
     bool parseLine();
     bool fail(const QString &what);
 
