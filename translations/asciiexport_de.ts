@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>BlockWriter</name>
+    <message>
+        <source>cannot write the recording: %1</source>
+        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
+    </message>
+</context>
+<context>
     <name>CommandLine</name>
     <message>
         <source>not a regular file</source>
@@ -454,14 +461,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
 <context>
     <name>JsonLinesReader</name>
     <message>
-        <source>%1: is a directory, not a recording</source>
-        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
-    </message>
-    <message>
-        <source>%1: cannot be read: %2</source>
-        <translation>%1: kann nicht gelesen werden: %2</translation>
-    </message>
-    <message>
         <source>the line is longer than %1 bytes</source>
         <translation>die Zeile ist länger als %1 Bytes</translation>
     </message>
@@ -592,18 +591,18 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     </message>
 </context>
 <context>
-    <name>RecordingConverter</name>
+    <name>RecordingFileReader</name>
     <message>
-        <source>cannot write the recording: %1</source>
-        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
+        <source>%1: is a directory, not a recording</source>
+        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
+    </message>
+    <message>
+        <source>%1: cannot be read: %2</source>
+        <translation>%1: kann nicht gelesen werden: %2</translation>
     </message>
 </context>
 <context>
     <name>RecordingGenerator</name>
-    <message>
-        <source>cannot write the recording: %1</source>
-        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
-    </message>
     <message>
         <source>the number of samples must not be negative</source>
         <translation>die Anzahl der Abtastwerte darf nicht negativ sein</translation>
@@ -829,14 +828,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
 </context>
 <context>
     <name>UbxReader</name>
-    <message>
-        <source>%1: is a directory, not a recording</source>
-        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
-    </message>
-    <message>
-        <source>%1: cannot be read: %2</source>
-        <translation>%1: kann nicht gelesen werden: %2</translation>
-    </message>
     <message>
         <source>%1: holds no UBX frame with a good checksum</source>
         <translation>%1: enthält keinen UBX-Frame mit richtiger Prüfsumme</translation>

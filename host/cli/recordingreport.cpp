@@ -75,10 +75,7 @@ bool RecordingReport::describe(RecordingInput &input, const QString &name, QStri
         QStringList unused;
         for (auto message = log.messages.cbegin(); message != log.messages.cend(); ++message) {
             const quint16 key = message.key();
-            const bool read = key == UbxMessages::navSol || key == UbxMessages::navDop
-                || key == UbxMessages::navTimeUtc || key == UbxMessages::navSvInfo
-                || key == UbxMessages::navPvt || key == UbxMessages::navSat
-                || key == UbxMessages::monVer;
+            const bool read = UbxMessages::messageRead(key) != nullptr;
             const QString text = QStringLiteral("  %1 %2")
                                      .arg(UbxMessages::messageName(key), -12)
                                      .arg(message.value());

@@ -1,15 +1,13 @@
 #include "recordinggenerator.h"
 
+#include "blockwriter.h"
 #include "jsonlinewriter.h"
 #include "samplewriters.h"
 #include "walk.h"
 
 #include <QCoreApplication>
-#include <QFileDevice>
-#include <QIODevice>
 
 #include <algorithm>
-#include <string>
 #include <vector>
 
 namespace {
@@ -17,19 +15,32 @@ namespace {
 // The receiver of a JSON Lines recording reports four times a second.
 constexpr double recordingReceiverRate = 4.0;
 
-bool writeFailed(QIODevice *out, QString *error)
+// The properties of the sensor that walks, and the rate of its samples.
+void writeRecordingObject(JsonLineWriter &line, const Walk &walk, double rate)
 {
-    *error = QCoreApplication::translate("RecordingGenerator", "cannot write the recording: %1")
-                 .arg(out->errorString());
-    return false;
-}
-
-bool writeLine(QIODevice *out, const std::string &text, QString *error)
-{
-    const std::string line = text + '\n';
-    if (out->write(line.data(), qint64(line.size())) != qint64(line.size()))
-        return writeFailed(out, error);
-    return true;
+    line.beginObject();
+    line.key("properties");
+    line.beginObject();
+    line.key("StartTime");
+    line.string(Walk::startTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+    line.key("FilterProfile");
+    line.string(QStringLiteral("general"));
+    line.key("FilterProfileVersion");
+    line.integer(1);
+    line.key("FilterProfileType");
+    line.integer(39);
+    line.key("OptionFlags");
+    line.integer(0);
+    line.key("FirmwareVersion");
+    line.string(QStringLiteral("1.2.3"));
+    line.key("DeviceId");
+    line.string(walk.deviceId());
+    line.key("ProductCode");
+    line.string(QStringLiteral("T100"));
+    line.endObject();
+    line.key("updateRate");
+    line.number(rate, 6);
+    line.endObject();
 }
 
 bool checkOptions(const GeneratorOptions &options, QString *error)
@@ -75,11 +86,11 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
     }
 
     Walk walk(options, recordingReceiverRate);
+    BlockWriter blocks(out);
     JsonLineWriter line;
-    walk.writeRecordingObject(line);
-    if (!writeLine(out, line.data(), error))
-        return false;
-    for (qint64 index = 0; index < options.samples; ++index) {
+    writeRecordingObject(line, walk, options.rate);
+    bool written = blocks.appendLine(line.data());
+    for (qint64 index = 0; written && index < options.samples; ++index) {
         const SampleState &state = walk.step(index);
         line.clear();
         line.beginObject();
@@ -91,14 +102,12 @@ bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString 
             writer.write(state, line);
         }
         line.endObject();
-        if (!writeLine(out, line.data(), error))
-            return false;
+        written = blocks.appendLine(line.data());
     }
-    // A file holds the last lines in its buffer: a full disk shows only here.
-    auto *file = qobject_cast<QFileDevice *>(out);
-    if (file && !file->flush())
-        return writeFailed(out, error);
-    return true;
+    if (written && blocks.finish())
+        return true;
+    *error = blocks.errorString();
+    return false;
 }
 
 bool generateReceiverEpochs(const GeneratorOptions &options,

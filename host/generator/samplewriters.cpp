@@ -2,13 +2,14 @@
 
 #include "jsonlinewriter.h"
 #include "recordfields.h"
-#include "walk.h"
+#include "samplestate.h"
 
 #include <iterator>
 
 const SampleWriter sampleWriters[] = {
     {"packetCounter", [](const SampleState &s, JsonLineWriter &l) { l.integer(s.index & 0xFFFF); }},
-    {"sampleTimeFine", [](const SampleState &s, JsonLineWriter &l) { l.integer(s.sampleTimeFine); }},
+    {"sampleTimeFine",
+     [](const SampleState &s, JsonLineWriter &l) { l.integer(s.sampleTimeFine); }},
     {"sampleDateTime", [](const SampleState &s, JsonLineWriter &l) { l.string(s.dateTime); }},
     {"utcTime",
      [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::utcTime, s.utcTime); }},
@@ -21,7 +22,8 @@ const SampleWriter sampleWriters[] = {
      [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.freeAcceleration, 3, 6); }},
     {"calibratedAngularVelocity",
      [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.angularVelocity, 3, 6); }},
-    {"magneticField", [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.magneticField, 3, 6); }},
+    {"magneticField",
+     [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.magneticField, 3, 6); }},
     {"velocityIncrement",
      [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.velocityIncrement, 3, 8); }},
     {"scrAcceleration",
@@ -48,7 +50,8 @@ const SampleWriter sampleWriters[] = {
     {"altitude", [](const SampleState &s, JsonLineWriter &l) { l.number(s.altitude, 3); }},
     {"temperature", [](const SampleState &s, JsonLineWriter &l) { l.number(s.temperature, 2); }},
     {"pressure", [](const SampleState &s, JsonLineWriter &l) { l.number(s.pressure, 1); }},
-    {"scrTemperature", [](const SampleState &s, JsonLineWriter &l) { l.integer(s.scrTemperature); }},
+    {"scrTemperature",
+     [](const SampleState &s, JsonLineWriter &l) { l.integer(s.scrTemperature); }},
     {"gyroTemperatures",
      [](const SampleState &s, JsonLineWriter &l) {
          l.beginList();
@@ -57,10 +60,15 @@ const SampleWriter sampleWriters[] = {
          l.endList();
      }},
     {"gpsSolution",
-     [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::gpsSolution, s.gpsSolution); }},
-    {"gpsDop", [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::gpsDop, s.gpsDop); }},
+     [](const SampleState &s, JsonLineWriter &l) {
+         l.record(RecordFields::gpsSolution, s.gpsSolution);
+     }},
+    {"gpsDop",
+     [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::gpsDop, s.gpsDop); }},
     {"gpsUtcTime",
-     [](const SampleState &s, JsonLineWriter &l) { l.record(RecordFields::gpsUtcTime, s.gpsUtcTime); }},
+     [](const SampleState &s, JsonLineWriter &l) {
+         l.record(RecordFields::gpsUtcTime, s.gpsUtcTime);
+     }},
     {"gpsSatellites",
      [](const SampleState &s, JsonLineWriter &l) {
          l.listRecord(RecordFields::gpsSatellites, s.gpsSatellites, RecordFields::gpsChannelList,

@@ -1,10 +1,7 @@
 #include "ubxgenerator.h"
 
+#include "blockwriter.h"
 #include "ubxmessages.h"
-
-#include <QCoreApplication>
-#include <QFileDevice>
-#include <QIODevice>
 
 #include <cstdio>
 #include <cstdlib>
@@ -52,49 +49,42 @@ std::string navStatusPayload(const KvGnssPvt &pvt)
     return payload;
 }
 
+// The frames of one epoch, in the order a receiver sends them, and its GGA sentence.
+void appendEpoch(std::string &bytes, const RecordingSample &epoch)
+{
+    using namespace UbxMessages;
+    appendFrame(bytes, navSol, navSolPayload(epoch.gpsSolution));
+    appendFrame(bytes, navPvt, navPvtPayload(epoch.gnssPvt));
+    appendFrame(bytes, navStatus, navStatusPayload(epoch.gnssPvt));
+    appendFrame(bytes, navDop, navDopPayload(epoch.gpsDop));
+    appendFrame(bytes, navTimeUtc, navTimeUtcPayload(epoch.gpsUtcTime));
+    appendFrame(bytes, navSvInfo, navSvInfoPayload(epoch.gpsSatellites));
+    appendFrame(bytes, navSat, navSatPayload(epoch.gnssSatellites));
+    bytes += ggaSentence(epoch.gnssPvt);
+}
+
 } // namespace
 
 bool generateUbxLog(const GeneratorOptions &options, QIODevice *out, QString *error)
 {
-    std::string block;
-    const auto writeBlock = [&] {
-        if (out->write(block.data(), qint64(block.size())) != qint64(block.size())) {
-            *error =
-                QCoreApplication::translate("RecordingGenerator", "cannot write the recording: %1")
-                    .arg(out->errorString());
-            return false;
-        }
-        block.clear();
-        return true;
-    };
-
+    std::string bytes;
     UbxMessages::appendFrame(
-        block, UbxMessages::monVer,
+        bytes, UbxMessages::monVer,
         UbxMessages::monVerPayload(QStringLiteral("1.2.3"), QStringLiteral("00080000")));
-    constexpr std::size_t blockSize = 1 << 20;
+    BlockWriter blocks(out);
     const bool generated = generateReceiverEpochs(
         options,
         [&](const RecordingSample &epoch) {
-            using namespace UbxMessages;
-            appendFrame(block, navSol, navSolPayload(epoch.gpsSolution));
-            appendFrame(block, navPvt, navPvtPayload(epoch.gnssPvt));
-            appendFrame(block, navStatus, navStatusPayload(epoch.gnssPvt));
-            appendFrame(block, navDop, navDopPayload(epoch.gpsDop));
-            appendFrame(block, navTimeUtc, navTimeUtcPayload(epoch.gpsUtcTime));
-            appendFrame(block, navSvInfo, navSvInfoPayload(epoch.gpsSatellites));
-            appendFrame(block, navSat, navSatPayload(epoch.gnssSatellites));
-            block += ggaSentence(epoch.gnssPvt);
-            return block.size() < blockSize || writeBlock();
+            appendEpoch(bytes, epoch);
+            const bool written = blocks.append(bytes);
+            bytes.clear();
+            return written;
         },
         error);
-    if (!generated || !writeBlock())
-        return false;
-    // A file holds the last bytes in its buffer: a full disk shows only here.
-    auto *file = qobject_cast<QFileDevice *>(out);
-    if (file && !file->flush()) {
-        *error = QCoreApplication::translate("RecordingGenerator", "cannot write the recording: %1")
-                     .arg(out->errorString());
-        return false;
-    }
-    return true;
+    if (generated && blocks.append(bytes) && blocks.finish())
+        return true;
+    // The options' error, unless writing failed.
+    if (!blocks.errorString().isEmpty())
+        *error = blocks.errorString();
+    return false;
 }

@@ -1,7 +1,6 @@
 #include "walk.h"
 
 #include "dilutions.h"
-#include "jsonlinewriter.h"
 #include "orientationmath.h"
 #include "random.h"
 
@@ -29,12 +28,6 @@ constexpr double walkingSpeed = 1.3;
 // Each step lifts and lowers the sensor by a couple of centimetres.
 constexpr double stepRate = 1.8;
 constexpr double stepLift = 0.02;
-
-// The start of every generated recording, taken as UTC.
-QDateTime startTime()
-{
-    return QDateTime(QDate(2026, 11, 21), QTime(9, 30), Qt::UTC);
-}
 
 template <typename Integer>
 Integer clamped(double value)
@@ -70,6 +63,27 @@ constexpr SatelliteId satellitesInView[] = {
 };
 constexpr int satelliteCount = int(std::size(satellitesInView));
 
+constexpr double toRad = pi / 180.0;
+
+// What every record of one solution of the receiver shows: its time, and
+// the place (latitude and longitude in radians) and velocity (east, north,
+// up) it found.
+struct ReceiverFix
+{
+    QDateTime utc;
+    quint32 iTOW = 0;
+    qint64 week = 0;
+    qint32 nano = 0;
+    quint8 numSV = 0;
+    quint16 pDOP = 0;
+    double lat = 0.0;
+    double lon = 0.0;
+    double height = 0.0;
+    double vE = 0.0;
+    double vN = 0.0;
+    double vU = 0.0;
+};
+
 } // namespace
 
 class Walk::Private
@@ -87,36 +101,10 @@ public:
         for (double &level : satelliteLevels)
             level = 22.0 + 24.0 * random.uniform();
         const qint64 gpsMs =
-            QDateTime(QDate(1980, 1, 6), QTime(0, 0), Qt::UTC).msecsTo(startTime()) + gpsLeapMs;
+            QDateTime(QDate(1980, 1, 6), QTime(0, 0), Qt::UTC).msecsTo(Walk::startTime())
+            + gpsLeapMs;
         gpsWeek = gpsMs / msPerGpsWeek;
         startTimeOfWeek = gpsMs % msPerGpsWeek;
-    }
-
-    void writeRecordingObject(JsonLineWriter &line) const
-    {
-        line.beginObject();
-        line.key("properties");
-        line.beginObject();
-        line.key("StartTime");
-        line.string(startTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
-        line.key("FilterProfile");
-        line.string(QStringLiteral("general"));
-        line.key("FilterProfileVersion");
-        line.integer(1);
-        line.key("FilterProfileType");
-        line.integer(39);
-        line.key("OptionFlags");
-        line.integer(0);
-        line.key("FirmwareVersion");
-        line.string(QStringLiteral("1.2.3"));
-        line.key("DeviceId");
-        line.string(deviceId);
-        line.key("ProductCode");
-        line.string(QStringLiteral("T100"));
-        line.endObject();
-        line.key("updateRate");
-        line.number(rate, 6);
-        line.endObject();
     }
 
     const SampleState &step(qint64 index)
@@ -133,10 +121,12 @@ public:
         return state;
     }
 
+    QString deviceId;
+
 private:
     void stepTime(double t)
     {
-        const QDateTime sampleTime = startTime().addMSecs(std::llround(t * 1000.0));
+        const QDateTime sampleTime = Walk::startTime().addMSecs(std::llround(t * 1000.0));
         state.sampleTimeFine = quint32(sampleTimeFineStart + quint64(std::llround(t * 10000.0)));
         state.dateTime = sampleTime.date().toString(Qt::ISODate) + QLatin1Char('T')
             + sampleTime.time().toString(QStringLiteral("HH:mm:ss.zzz"));
@@ -169,7 +159,6 @@ private:
             state.matrix[i] = r.at(i);
 
         // Body rates of the Z-Y-X angles, in rad/s.
-        const double toRad = pi / 180.0;
         const double roll = angles.roll * toRad, pitch = angles.pitch * toRad;
         const double rollDot = 4.0 * 2 * pi * rollRate * std::cos(2 * pi * rollRate * t) * toRad;
         const double pitchDot =
@@ -220,7 +209,6 @@ private:
 
     void stepPosition(double t, double dt)
     {
-        const double toRad = pi / 180.0;
         const double yaw = heading * toRad;
         // The rate of change of the altitude below.
         const double up = 0.3 * 2 * pi * 0.05 * std::cos(2 * pi * 0.05 * t)
@@ -261,26 +249,46 @@ private:
         if (epoch == receiverEpoch)
             return;
         receiverEpoch = epoch;
+        const ReceiverFix fix = fixOf(epoch);
+        stepSolution(fix);
+        stepDilutions(fix);
+        stepUtcTime(fix);
+        stepGpsSatellites(fix);
+        stepPvt(fix);
+        stepGnssSatellites(fix);
+    }
+
+    // The time and place of the solution at @p epoch, as every record shows it.
+    ReceiverFix fixOf(qint64 epoch)
+    {
+        ReceiverFix fix;
         const qint64 epochMs = epoch * qint64(1000.0 / receiverRate);
-        const QDateTime utc = startTime().addMSecs(epochMs);
-        const quint32 iTOW = quint32((startTimeOfWeek + epochMs) % msPerGpsWeek);
-        const qint64 week = gpsWeek + (startTimeOfWeek + epochMs) / msPerGpsWeek;
-        const qint32 nano = qint32(utc.time().msec() * 1000000 + std::lround(random.noise(30.0)));
-        const quint8 numSV = quint8(8 + random.below(4));
-        const quint16 pDOP = quint16(120 + random.below(60));
+        fix.utc = Walk::startTime().addMSecs(epochMs);
+        fix.iTOW = quint32((startTimeOfWeek + epochMs) % msPerGpsWeek);
+        fix.week = gpsWeek + (startTimeOfWeek + epochMs) / msPerGpsWeek;
+        fix.nano = qint32(fix.utc.time().msec() * 1000000 + std::lround(random.noise(30.0)));
+        fix.numSV = quint8(8 + random.below(4));
+        fix.pDOP = quint16(120 + random.below(60));
+        fix.lat = (latitude + random.noise(1.5) / 111132.954) * toRad;
+        fix.lon = (longitude + random.noise(1.5) / 78000.0) * toRad;
+        fix.height = state.altitude + geoidSeparation + random.noise(2.0);
+        fix.vE = state.velocity[0];
+        fix.vN = state.velocity[1];
+        fix.vU = state.velocity[2];
+        return fix;
+    }
 
-        const double toRad = pi / 180.0;
-        const double lat = (latitude + random.noise(1.5) / 111132.954) * toRad;
-        const double lon = (longitude + random.noise(1.5) / 78000.0) * toRad;
-        const double height = state.altitude + geoidSeparation + random.noise(2.0);
-        const double vE = state.velocity[0], vN = state.velocity[1], vU = state.velocity[2];
-
+    // NAV-SOL: the position and velocity on the WGS 84 ellipsoid, in Earth-centred axes.
+    void stepSolution(const ReceiverFix &fix)
+    {
+        const double lat = fix.lat, lon = fix.lon, height = fix.height;
+        const double vE = fix.vE, vN = fix.vN, vU = fix.vU;
         const double a = 6378137.0, e2 = 6.69437999014e-3;
         const double n = a / std::sqrt(1.0 - e2 * std::sin(lat) * std::sin(lat));
         KvGpsSolution &sol = state.gpsSolution;
-        sol.iTOW = iTOW;
-        sol.fTOW = nano % 1000000;
-        sol.week = qint16(week);
+        sol.iTOW = fix.iTOW;
+        sol.fTOW = fix.nano % 1000000;
+        sol.week = qint16(fix.week);
         sol.gpsFix = 3;
         sol.flags = 0x0D;
         sol.ecefX = qint32(std::lround((n + height) * std::cos(lat) * std::cos(lon) * 100.0));
@@ -295,25 +303,33 @@ private:
                                         * 100.0));
         sol.ecefVZ = qint32(std::lround((std::cos(lat) * vN + std::sin(lat) * vU) * 100.0));
         sol.sAcc = quint32(30 + random.below(30));
-        sol.pDOP = pDOP;
-        sol.numSV = numSV;
+        sol.pDOP = fix.pDOP;
+        sol.numSV = fix.numSV;
+    }
 
+    // NAV-DOP: the other dilutions in fixed proportion to the position's.
+    void stepDilutions(const ReceiverFix &fix)
+    {
         KvGpsDop &dop = state.gpsDop;
-        dop.iTOW = iTOW;
-        dop.pDOP = pDOP;
-        dop.hDOP = quint16(pDOP * 6 / 10);
-        dop.vDOP = quint16(pDOP * 8 / 10);
-        dop.tDOP = quint16(pDOP * 7 / 10);
-        dop.gDOP = quint16(pDOP + dop.tDOP / 2);
+        dop.iTOW = fix.iTOW;
+        dop.pDOP = fix.pDOP;
+        dop.hDOP = quint16(fix.pDOP * 6 / 10);
+        dop.vDOP = quint16(fix.pDOP * 8 / 10);
+        dop.tDOP = quint16(fix.pDOP * 7 / 10);
+        dop.gDOP = quint16(fix.pDOP + dop.tDOP / 2);
         dop.nDOP = quint16(dop.hDOP * 7 / 10);
         dop.eDOP = quint16(dop.hDOP * 7 / 10);
+    }
 
-        const QDate date = utc.date();
-        const QTime time = utc.time();
+    // NAV-TIMEUTC.
+    void stepUtcTime(const ReceiverFix &fix)
+    {
+        const QDate date = fix.utc.date();
+        const QTime time = fix.utc.time();
         KvGpsUtcTime &gpsUtc = state.gpsUtcTime;
-        gpsUtc.iTOW = iTOW;
+        gpsUtc.iTOW = fix.iTOW;
         gpsUtc.tAcc = quint32(15 + random.below(30));
-        gpsUtc.nano = nano;
+        gpsUtc.nano = fix.nano;
         gpsUtc.year = quint16(date.year());
         gpsUtc.month = quint8(date.month());
         gpsUtc.day = quint8(date.day());
@@ -321,15 +337,24 @@ private:
         gpsUtc.min = quint8(time.minute());
         gpsUtc.sec = quint8(time.second());
         gpsUtc.valid = 0x07;
+    }
 
+    // NAV-SVINFO: the GPS channels.
+    void stepGpsSatellites(const ReceiverFix &fix)
+    {
         KvGpsSatelliteInfo &svInfo = state.gpsSatellites;
-        svInfo.iTOW = iTOW;
+        svInfo.iTOW = fix.iTOW;
         svInfo.numCh = gpsChannelCount;
         for (int i = 0; i < gpsChannelCount; ++i) {
             svInfo.channels[i].svid = gpsSvids[i];
             svInfo.channels[i].quality = quint8(4 + random.below(4));
         }
+    }
 
+    // NAV-PVT: the fix in geodetic terms, with the UTC time and the dilutions of the epoch.
+    void stepPvt(const ReceiverFix &fix)
+    {
+        const double vE = fix.vE, vN = fix.vN, vU = fix.vU;
         const double speed = std::sqrt(vE * vE + vN * vN);
         double motionHeading = std::atan2(vE, vN) / toRad;
         if (motionHeading < 0.0)
@@ -337,8 +362,9 @@ private:
         double sensorHeading = 90.0 - heading;
         if (sensorHeading < 0.0)
             sensorHeading += 360.0;
+        const KvGpsUtcTime &gpsUtc = state.gpsUtcTime;
         KvGnssPvt &pvt = state.gnssPvt;
-        pvt.iTOW = iTOW;
+        pvt.iTOW = fix.iTOW;
         pvt.year = gpsUtc.year;
         pvt.month = gpsUtc.month;
         pvt.day = gpsUtc.day;
@@ -347,14 +373,14 @@ private:
         pvt.sec = gpsUtc.sec;
         pvt.valid = 0x37;
         pvt.tAcc = gpsUtc.tAcc;
-        pvt.nano = nano;
+        pvt.nano = fix.nano;
         pvt.fixType = 3;
         pvt.flags = 0x01;
-        pvt.numSV = quint8(numSV + 12);
-        pvt.lon = qint32(std::lround(lon / toRad * 1e7));
-        pvt.lat = qint32(std::lround(lat / toRad * 1e7));
-        pvt.height = qint32(std::lround(height * 1000.0));
-        pvt.hMSL = qint32(std::lround((height - geoidSeparation) * 1000.0));
+        pvt.numSV = quint8(fix.numSV + 12);
+        pvt.lon = qint32(std::lround(fix.lon / toRad * 1e7));
+        pvt.lat = qint32(std::lround(fix.lat / toRad * 1e7));
+        pvt.height = qint32(std::lround(fix.height * 1000.0));
+        pvt.hMSL = qint32(std::lround((fix.height - geoidSeparation) * 1000.0));
         pvt.hAcc = quint32(1500 + random.below(1500));
         pvt.vAcc = quint32(2500 + random.below(2000));
         pvt.velN = qint32(std::lround(vN * 1000.0));
@@ -365,10 +391,14 @@ private:
         pvt.sAcc = quint32(200 + random.below(300));
         pvt.headAcc = quint32(500000 + random.below(1500000));
         pvt.headVeh = qint32(std::lround(sensorHeading * 1e5)) % 36000000;
-        copyDilutions(dop, pvt);
+        copyDilutions(state.gpsDop, pvt);
+    }
 
+    // NAV-SAT: every satellite in view, its signal drifting slowly.
+    void stepGnssSatellites(const ReceiverFix &fix)
+    {
         KvGnssSatelliteInfo &sat = state.gnssSatellites;
-        sat.iTOW = iTOW;
+        sat.iTOW = fix.iTOW;
         sat.numSvs = quint8(satelliteCount);
         for (int i = 0; i < satelliteCount; ++i) {
             satelliteLevels[i] = std::clamp(satelliteLevels[i] + random.noise(0.3), 12.0, 50.0);
@@ -409,7 +439,6 @@ private:
     double rate;
     double receiverRate;
     Random random;
-    QString deviceId;
     qint64 gpsWeek = 0;
     qint64 startTimeOfWeek = 0;
     SampleState state;
@@ -431,9 +460,14 @@ Walk::Walk(const GeneratorOptions &options, double receiverRate)
 
 Walk::~Walk() = default;
 
-void Walk::writeRecordingObject(JsonLineWriter &line) const
+QDateTime Walk::startTime()
 {
-    d->writeRecordingObject(line);
+    return QDateTime(QDate(2026, 11, 21), QTime(9, 30), Qt::UTC);
+}
+
+QString Walk::deviceId() const
+{
+    return d->deviceId;
 }
 
 const SampleState &Walk::step(qint64 index)

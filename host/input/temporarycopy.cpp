@@ -1,12 +1,13 @@
 #include "temporarycopy.h"
 
+#include "systemreason.h"
+
 #include <QDir>
 #include <QLocale>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <vector>
 
 #include <fcntl.h>
@@ -18,11 +19,6 @@ namespace {
 constexpr qint64 blockSize = 1 << 20;
 constexpr qint64 largestReserve = qint64(1) << 30;
 
-QString reasonText(int error)
-{
-    return QString::fromLocal8Bit(std::strerror(error));
-}
-
 } // namespace
 
 bool TemporaryCopy::copy(QIODevice *source, const QString &sourceName)
@@ -33,7 +29,7 @@ bool TemporaryCopy::copy(QIODevice *source, const QString &sourceName)
         return false;
     struct statvfs room;
     if (::fstatvfs(file.handle(), &room) != 0)
-        return fail(tr("%1: cannot make a temporary copy: %2").arg(name, reasonText(errno)));
+        return fail(tr("%1: cannot make a temporary copy: %2").arg(name, systemReason(errno)));
     const qint64 reserve =
         std::min(largestReserve, qint64(room.f_blocks) * qint64(room.f_frsize) / 20);
 
@@ -90,8 +86,9 @@ bool TemporaryCopy::open()
             ::unlink(pattern.constData());
     }
     if (descriptor < 0) {
-        return fail(tr("%1: cannot make a temporary copy in %2: %3")
-                        .arg(name, QDir::toNativeSeparators(QDir::tempPath()), reasonText(errno)));
+        return fail(
+            tr("%1: cannot make a temporary copy in %2: %3")
+                .arg(name, QDir::toNativeSeparators(QDir::tempPath()), systemReason(errno)));
     }
     if (!file.open(descriptor, QIODevice::ReadWrite | QIODevice::Unbuffered,
                    QFileDevice::AutoCloseHandle)) {

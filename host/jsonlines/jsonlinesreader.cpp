@@ -3,8 +3,6 @@
 #include "jsonnumber.h"
 #include "tapefieldreader.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <iterator>
 
@@ -38,35 +36,11 @@ bool isHeaderProperty(std::string_view key)
 
 } // namespace
 
-bool JsonLinesReader::open(const QString &name)
-{
-    file.close();
-    badLine = false;
-    if (QFileInfo(name).isDir()) {
-        fileName = name;
-        error = tr("%1: is a directory, not a recording").arg(name);
-        return false;
-    }
-    file.setFileName(name);
-    // The line reader reads in large blocks of its own.
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        fileName = name;
-        error = tr("%1: cannot be read: %2").arg(name, file.errorString());
-        return false;
-    }
-    return open(&file, name);
-}
-
 bool JsonLinesReader::open(QIODevice *source, const QString &name)
 {
+    reset(name);
     device = source;
-    fileName = name;
     lines = std::make_unique<LineReader>(device);
-    error.clear();
-    badLine = false;
-    recordingProperties.clear();
-    rate = 0.0;
-    current = RecordingSample();
     return readRecordingObject();
 }
 
@@ -84,16 +58,6 @@ bool JsonLinesReader::readNext()
     return true;
 }
 
-bool JsonLinesReader::hasError() const
-{
-    return !error.isEmpty();
-}
-
-QString JsonLinesReader::errorString() const
-{
-    return error;
-}
-
 bool JsonLinesReader::hasBadLine() const
 {
     return badLine;
@@ -105,26 +69,6 @@ void JsonLinesReader::skipBadLine()
     badLine = false;
 }
 
-QVariant JsonLinesReader::property(const QString &key) const
-{
-    return recordingProperties.value(key);
-}
-
-QVariantMap JsonLinesReader::properties() const
-{
-    return recordingProperties;
-}
-
-double JsonLinesReader::updateRate() const
-{
-    return rate;
-}
-
-const RecordingSample &JsonLinesReader::sample() const
-{
-    return current;
-}
-
 qint64 JsonLinesReader::position() const
 {
     return lines ? lines->position() : 0;
@@ -133,6 +77,14 @@ qint64 JsonLinesReader::position() const
 qint64 JsonLinesReader::size() const
 {
     return device && !device->isSequential() ? device->size() : 0;
+}
+
+void JsonLinesReader::reset(const QString &name)
+{
+    RecordingFileReader::reset(name);
+    device = nullptr;
+    lines.reset();
+    badLine = false;
 }
 
 // Skips empty lines; false at the end of the recording or when a line cannot
@@ -198,47 +150,8 @@ bool JsonLinesReader::readRecordingObject()
             if (propertiesSeen)
                 return fail(TapeFieldReader::duplicateText(propertiesPath));
             propertiesSeen = true;
-            if (!member.value.isObject())
-                return fail(tr("\"properties\": expected an object, got %1")
-                                .arg(TapeFieldReader::typeName(member.value)));
-            for (const JsonTape::Member property : member.value.members()) {
-                const QString key = fromUtf8(property.key);
-                if (recordingProperties.contains(key))
-                    return fail(tr("\"properties.%1\": the key appears more than once").arg(key));
-                const JsonTape::Value value = property.value;
-                switch (value.kind()) {
-                case JsonTape::Kind::Null:
-                    recordingProperties.insert(key, QVariant());
-                    break;
-                case JsonTape::Kind::False:
-                case JsonTape::Kind::True:
-                    recordingProperties.insert(key, value.toBool());
-                    break;
-                case JsonTape::Kind::String:
-                case JsonTape::Kind::Key:
-                    if (isHeaderProperty(property.key)
-                        && value.text().find_first_of(std::string_view("\r\n\0", 3))
-                            != std::string_view::npos)
-                        return fail(
-                            tr("\"properties.%1\": the text holds a line break or a NUL character")
-                                .arg(key));
-                    recordingProperties.insert(key, fromUtf8(value.text()));
-                    break;
-                case JsonTape::Kind::Number: {
-                    const JsonNumber::Integer integer = JsonNumber::toInteger(value.text());
-                    if (integer.kind == JsonNumber::Integer::Kind::Signed)
-                        recordingProperties.insert(key, integer.value);
-                    else
-                        recordingProperties.insert(key, JsonNumber::toDouble(value.text()));
-                    break;
-                }
-                case JsonTape::Kind::List:
-                case JsonTape::Kind::Object:
-                    return fail(tr("\"properties.%1\": expected a string, a number, a boolean or "
-                                   "null, got %2")
-                                    .arg(key, TapeFieldReader::typeName(value)));
-                }
-            }
+            if (!readProperties(member.value))
+                return false;
         } else if (member.key == ratePath.key) {
             if (rateSeen)
                 return fail(TapeFieldReader::duplicateText(ratePath));
@@ -249,6 +162,60 @@ bool JsonLinesReader::readRecordingObject()
     }
     if (!propertiesSeen)
         return fail(tr("the first line must be the recording object, with \"properties\""));
+    return true;
+}
+
+// The object of the recording's properties, each named once.
+bool JsonLinesReader::readProperties(JsonTape::Value object)
+{
+    if (!object.isObject())
+        return fail(tr("\"properties\": expected an object, got %1")
+                        .arg(TapeFieldReader::typeName(object)));
+    for (const JsonTape::Member property : object.members()) {
+        const QString key = fromUtf8(property.key);
+        if (recordingProperties.contains(key))
+            return fail(tr("\"properties.%1\": the key appears more than once").arg(key));
+        if (!readProperty(property, key))
+            return false;
+    }
+    return true;
+}
+
+// One property: null, a boolean, a text, or a number, kept as an integer
+// where it is one.
+bool JsonLinesReader::readProperty(JsonTape::Member property, const QString &key)
+{
+    const JsonTape::Value value = property.value;
+    switch (value.kind()) {
+    case JsonTape::Kind::Null:
+        recordingProperties.insert(key, QVariant());
+        break;
+    case JsonTape::Kind::False:
+    case JsonTape::Kind::True:
+        recordingProperties.insert(key, value.toBool());
+        break;
+    case JsonTape::Kind::String:
+    case JsonTape::Kind::Key:
+        if (isHeaderProperty(property.key)
+            && value.text().find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos)
+            return fail(
+                tr("\"properties.%1\": the text holds a line break or a NUL character").arg(key));
+        recordingProperties.insert(key, fromUtf8(value.text()));
+        break;
+    case JsonTape::Kind::Number: {
+        const JsonNumber::Integer integer = JsonNumber::toInteger(value.text());
+        if (integer.kind == JsonNumber::Integer::Kind::Signed)
+            recordingProperties.insert(key, integer.value);
+        else
+            recordingProperties.insert(key, JsonNumber::toDouble(value.text()));
+        break;
+    }
+    case JsonTape::Kind::List:
+    case JsonTape::Kind::Object:
+        return fail(tr("\"properties.%1\": expected a string, a number, a boolean or "
+                       "null, got %2")
+                        .arg(key, TapeFieldReader::typeName(value)));
+    }
     return true;
 }
 

@@ -1,15 +1,12 @@
 #pragma once
 
-#include "abstractrecordingreader.h"
 #include "jsontape.h"
 #include "linereader.h"
-#include "recordingsample.h"
+#include "recordingfilereader.h"
 #include "samplereader.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QString>
-#include <QVariantMap>
 
 #include <memory>
 #include <string_view>
@@ -31,62 +28,44 @@
  * FilterProfileType, OptionFlags, FirmwareVersion) hold no line break and no
  * NUL; any other property keeps any text.
  */
-class JsonLinesReader : public AbstractRecordingReader
+class JsonLinesReader : public RecordingFileReader
 {
     Q_DECLARE_TR_FUNCTIONS(JsonLinesReader)
 
 public:
-    /**
-     * Opens @p fileName and reads its recording object. On failure returns
-     * false and errorString() tells why.
-     */
-    bool open(const QString &fileName);
-    /**
-     * Reads the recording from @p device, which must be open for reading and
-     * outlive the reader; @p name names it in messages.
-     */
-    bool open(QIODevice *device, const QString &name);
+    using RecordingFileReader::open;
+    /** Reads the recording object from @p device; see RecordingFileReader::open(). */
+    bool open(QIODevice *device, const QString &name) override;
     /**
      * Moves to the next sample. Returns false at the end of the file and on a
      * bad line; hasError() tells the two apart.
      */
     bool readNext() override;
 
-    bool hasError() const override;
-    QString errorString() const override;
     bool hasBadLine() const override;
     void skipBadLine() override;
-
-    /** The recording's property @p key; invalid when missing or null. */
-    QVariant property(const QString &key) const override;
-    QVariantMap properties() const override;
-    /** Samples per second; 0 when the recording object gives none. */
-    double updateRate() const override;
-    /** The sample read last by readNext(). */
-    const RecordingSample &sample() const override;
 
     /** How far reading has come into the recording, in bytes; for progress. */
     qint64 position() const override;
     /** The size of the recording in bytes; 0 when it is not known, as for a pipe. */
     qint64 size() const override;
 
+protected:
+    void reset(const QString &name) override;
+
 private:
     bool nextContentLine();
     bool readRecordingObject();
+    bool readProperties(JsonTape::Value object);
+    bool readProperty(JsonTape::Member property, const QString &key);
     bool parseLine();
     bool fail(const QString &what);
 
-    QString fileName;
-    QFile file;
     QIODevice *device = nullptr;
     std::unique_ptr<LineReader> lines;
     // The current line.
     std::string_view text;
     JsonTape tape;
     SampleReader sampleReader;
-    QString error;
     bool badLine = false;
-    QVariantMap recordingProperties;
-    double rate = 0.0;
-    RecordingSample current;
 };

@@ -1,11 +1,9 @@
 #include "recordingconverter.h"
 
 #include "abstractrecordingreader.h"
+#include "blockwriter.h"
 #include "jsonlinewriter.h"
 #include "recordfields.h"
-
-#include <QFileDevice>
-#include <QIODevice>
 
 #include <algorithm>
 
@@ -74,16 +72,6 @@ void writeSample(JsonLineWriter &line, const RecordingSample &sample)
 
 bool RecordingConverter::convert(AbstractRecordingReader &reader, QIODevice *out, QString *error)
 {
-    std::string block;
-    const auto flushBlock = [&] {
-        if (out->write(block.data(), qint64(block.size())) != qint64(block.size())) {
-            *error = tr("cannot write the recording: %1").arg(out->errorString());
-            return false;
-        }
-        block.clear();
-        return true;
-    };
-
     JsonLineWriter line;
     line.beginObject();
     line.key("properties");
@@ -97,29 +85,20 @@ bool RecordingConverter::convert(AbstractRecordingReader &reader, QIODevice *out
     line.key("updateRate");
     line.exactNumber(reader.updateRate());
     line.endObject();
-    block += line.data();
-    block += '\n';
+    BlockWriter blocks(out);
+    bool written = blocks.appendLine(line.data());
 
-    constexpr std::size_t blockSize = 1 << 20;
-    while (reader.readNext()) {
+    while (written && reader.readNext()) {
         line.clear();
         writeSample(line, reader.sample());
-        block += line.data();
-        block += '\n';
-        if (block.size() >= blockSize && !flushBlock())
-            return false;
+        written = blocks.appendLine(line.data());
     }
     if (reader.hasError()) {
         *error = reader.errorString();
         return false;
     }
-    if (!flushBlock())
-        return false;
-    // A file holds the last lines in its buffer: a full disk shows only here.
-    auto *file = qobject_cast<QFileDevice *>(out);
-    if (file && !file->flush()) {
-        *error = tr("cannot write the recording: %1").arg(out->errorString());
-        return false;
-    }
-    return true;
+    if (written && blocks.finish())
+        return true;
+    *error = blocks.errorString();
+    return false;
 }

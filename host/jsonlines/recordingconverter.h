@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QCoreApplication>
 #include <QString>
 
 class AbstractRecordingReader;
@@ -16,8 +15,6 @@ class QIODevice;
  */
 class RecordingConverter
 {
-    Q_DECLARE_TR_FUNCTIONS(RecordingConverter)
-
 public:
     /**
      * Writes the samples of @p reader, which is open and before its first

@@ -162,28 +162,44 @@ std::string listPayload(int countOffset, int blocks, const Place<Entry> (&layout
 
 } // namespace
 
+namespace {
+
+constexpr bool oneMessageOfEachKind()
+{
+    for (int kind = 0; kind <= FirmwareVersion; ++kind) {
+        int messages = 0;
+        for (const MessageRead &message : messagesRead)
+            messages += message.kind == kind ? 1 : 0;
+        if (messages != 1)
+            return false;
+    }
+    return true;
+}
+static_assert(oneMessageOfEachKind(), "each kind is read from one message, which keyOf() gives");
+
+} // namespace
+
+const MessageRead *messageRead(quint16 key)
+{
+    const auto message = std::find_if(std::begin(messagesRead), std::end(messagesRead),
+                                      [key](const MessageRead &m) { return m.key == key; });
+    return message != std::end(messagesRead) ? message : nullptr;
+}
+
+quint16 keyOf(MessageKind kind)
+{
+    const auto message = std::find_if(std::begin(messagesRead), std::end(messagesRead),
+                                      [kind](const MessageRead &m) { return m.kind == kind; });
+    return message->key;
+}
+
 QString messageName(quint16 key)
 {
-    switch (key) {
-    case navSol:
-        return QStringLiteral("NAV-SOL");
-    case navDop:
-        return QStringLiteral("NAV-DOP");
-    case navTimeUtc:
-        return QStringLiteral("NAV-TIMEUTC");
-    case navSvInfo:
-        return QStringLiteral("NAV-SVINFO");
-    case navPvt:
-        return QStringLiteral("NAV-PVT");
-    case navSat:
-        return QStringLiteral("NAV-SAT");
-    case monVer:
-        return QStringLiteral("MON-VER");
-    default:
-        return QStringLiteral("0x%1 0x%2")
-            .arg(key >> 8, 2, 16, QLatin1Char('0'))
-            .arg(key & 0xFF, 2, 16, QLatin1Char('0'));
-    }
+    if (const MessageRead *message = messageRead(key))
+        return QLatin1String(message->name);
+    return QStringLiteral("0x%1 0x%2")
+        .arg(key >> 8, 2, 16, QLatin1Char('0'))
+        .arg(key & 0xFF, 2, 16, QLatin1Char('0'));
 }
 
 quint16 checksum(const uchar *bytes, std::size_t size)

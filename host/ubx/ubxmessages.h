@@ -47,6 +47,38 @@ constexpr quint16 monVer = messageKey(0x0A, 0x04);
 constexpr int navPvtLength = 92;
 constexpr int navPvtShortLength = 84;
 
+/**
+ * What a message is read for: one of the receiver records of an epoch (the
+ * kinds before epochRecordKinds, which also number an epoch's frames), or
+ * the firmware version of the log.
+ */
+enum MessageKind { Solution, Dop, UtcTime, SvInfo, Pvt, Sat, FirmwareVersion };
+constexpr int epochRecordKinds = FirmwareVersion;
+
+/** A message that a receiver log is read from. */
+struct MessageRead
+{
+    quint16 key;
+    /** Its name in reports. */
+    const char *name;
+    MessageKind kind;
+};
+
+/** Every message read, one of each kind; any other message is passed over. */
+constexpr MessageRead messagesRead[] = {
+    {navSol, "NAV-SOL", Solution},
+    {navDop, "NAV-DOP", Dop},
+    {navTimeUtc, "NAV-TIMEUTC", UtcTime},
+    {navSvInfo, "NAV-SVINFO", SvInfo},
+    {navPvt, "NAV-PVT", Pvt},
+    {navSat, "NAV-SAT", Sat},
+    {monVer, "MON-VER", FirmwareVersion},
+};
+
+/** The message read with @p key; null for a message that is not read. */
+const MessageRead *messageRead(quint16 key);
+/** The key of the message read for @p kind. */
+quint16 keyOf(MessageKind kind);
 /** "NAV-PVT" for the messages read, else class and id in hex ("0x01 0x03"). */
 QString messageName(quint16 key);
 

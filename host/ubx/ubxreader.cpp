@@ -1,15 +1,13 @@
 #include "ubxreader.h"
 
 #include "dilutions.h"
+#include "systemreason.h"
 #include "ubxframescanner.h"
 #include "ubxmessages.h"
 #include "ubxtimeline.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <optional>
 
 #include <unistd.h>
@@ -47,6 +45,31 @@ bool isValidDate(const uchar *date, quint8 flags)
         && date[6] <= 60;
 }
 
+// The date of a NAV-PVT or NAV-TIMEUTC payload when its flags make it
+// valid; null otherwise.
+const uchar *validDate(UbxMessages::MessageKind kind, const uchar *payload)
+{
+    if (kind == UbxMessages::Pvt)
+        return isValidDate(payload + pvtDate, pvtValidDate) ? payload + pvtDate : nullptr;
+    if (kind == UbxMessages::UtcTime)
+        return isValidDate(payload + timeUtcDate, timeUtcValidDate) ? payload + timeUtcDate
+                                                                    : nullptr;
+    return nullptr;
+}
+
+// The GPS week that a message shows: NAV-SOL's own, or that of a valid
+// @p date at @p timeOfWeek; none for any other.
+std::optional<qint32> shownWeek(UbxMessages::MessageKind kind, const uchar *payload,
+                                const uchar *date, quint32 timeOfWeek)
+{
+    if (kind == UbxMessages::Solution)
+        return qint16(loadWord(payload + 8));
+    if (date)
+        return UbxTimeline::weekOfDate(loadWord(date), date[2], date[3], date[4], date[5], date[6],
+                                       timeOfWeek);
+    return std::nullopt;
+}
+
 QString dateTimeText(const uchar *date)
 {
     return QString::asprintf("%04d-%02d-%02d %02d:%02d:%02d", loadWord(date), date[2], date[3],
@@ -69,23 +92,25 @@ UbxReader::UbxReader() = default;
 
 UbxReader::~UbxReader() = default;
 
-bool UbxReader::open(const QString &name)
-{
-    file.close();
-    fileName = name;
-    if (QFileInfo(name).isDir())
-        return fail(tr("%1: is a directory, not a recording").arg(name));
-    file.setFileName(name);
-    // The scanner and the window read in large blocks of their own.
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return fail(tr("%1: cannot be read: %2").arg(name, file.errorString()));
-    return open(&file, name);
-}
-
 bool UbxReader::open(QIODevice *source, const QString &name)
 {
-    fileName = name;
-    error.clear();
+    reset(name);
+    device = source;
+    if (source->isSequential())
+        return fail(tr("%1: a UBX log is read twice, which a pipe cannot be").arg(name));
+    if (source->pos() != 0 && !source->seek(0))
+        return failToRead(source->errorString());
+    if (!indexFrames(source))
+        return false;
+    orderEpochs();
+    findProperties();
+    return error.isEmpty();
+}
+
+void UbxReader::reset(const QString &name)
+{
+    RecordingFileReader::reset(name);
+    device = nullptr;
     epochs.clear();
     nextEpoch = 0;
     windowStart = 0;
@@ -93,19 +118,6 @@ bool UbxReader::open(QIODevice *source, const QString &name)
     windowUsed = 0;
     readAhead = 0;
     counts = UbxLogStatistics();
-    recordingProperties.clear();
-    rate = 0.0;
-    current = RecordingSample();
-    device = source;
-    if (source->isSequential())
-        return fail(tr("%1: a UBX log is read twice, which a pipe cannot be").arg(name));
-    if (source->pos() != 0 && !source->seek(0))
-        return fail(tr("%1: cannot be read: %2").arg(name, source->errorString()));
-    if (!indexFrames(source))
-        return false;
-    orderEpochs();
-    findProperties();
-    return error.isEmpty();
 }
 
 bool UbxReader::indexFrames(QIODevice *source)
@@ -117,39 +129,11 @@ bool UbxReader::indexFrames(QIODevice *source)
     bool versionSeen = false;
     while ((status = scanner.next(&frame)) == UbxFrameScanner::Status::Frame) {
         ++counts.messages[frame.key];
-        Kind kind;
-        switch (frame.key) {
-        case UbxMessages::navSol:
-            kind = Solution;
-            break;
-        case UbxMessages::navDop:
-            kind = Dop;
-            break;
-        case UbxMessages::navTimeUtc:
-            kind = UtcTime;
-            break;
-        case UbxMessages::navSvInfo:
-            kind = SvInfo;
-            break;
-        case UbxMessages::navPvt:
-            kind = Pvt;
-            break;
-        case UbxMessages::navSat:
-            kind = Sat;
-            break;
-        case UbxMessages::monVer: {
-            QString version;
-            if (!UbxMessages::readMonVer(frame.payload, frame.length, &version)) {
-                ++counts.wrongLengths;
-            } else if (!versionSeen) {
-                versionSeen = true;
-                if (!version.trimmed().isEmpty())
-                    recordingProperties.insert(QStringLiteral("FirmwareVersion"),
-                                               version.trimmed());
-            }
+        const UbxMessages::MessageRead *message = UbxMessages::messageRead(frame.key);
+        if (!message)
             continue;
-        }
-        default:
+        if (message->kind == UbxMessages::FirmwareVersion) {
+            takeFirmwareVersion(frame.payload, frame.length, &versionSeen);
             continue;
         }
         if (!UbxMessages::hasValidLength(frame.key, frame.payload, frame.length)) {
@@ -158,60 +142,8 @@ bool UbxReader::indexFrames(QIODevice *source)
         }
         if (frame.offset >= offsetLimit)
             return fail(tr("%1: is too large to be read as a UBX log").arg(fileName));
-        if (kind == SvInfo) {
-            for (int i = 0; i < frame.payload[4]; ++i)
-                counts.gpsSatellites.insert(frame.payload[8 + 12 * i + 1]);
-        } else if (kind == Sat) {
-            for (int i = 0; i < frame.payload[5]; ++i) {
-                const uchar *block = frame.payload + 8 + 12 * i;
-                counts.gnssSatellites.insert(quint16(block[0] << 8 | block[1]));
-            }
-        }
-
-        const quint32 timeOfWeek = UbxMessages::timeOfWeek(frame.payload, frame.length);
-        const uchar *date = kind == Pvt ? frame.payload + pvtDate
-            : kind == UtcTime           ? frame.payload + timeUtcDate
-                                        : nullptr;
-        const bool dated = date && isValidDate(date, kind == Pvt ? pvtValidDate : timeUtcValidDate);
-        std::optional<qint32> week;
-        if (kind == Solution)
-            week = qint16(loadWord(frame.payload + 8));
-        else if (dated)
-            week = UbxTimeline::weekOfDate(loadWord(date), date[2], date[3], date[4], date[5],
-                                           date[6], timeOfWeek);
-        qint64 shift = 0;
-        const qint64 time = timeline.place(timeOfWeek, week, &shift);
-        // The first week shown tells the week of every message before it.
-        if (shift != 0) {
-            for (Epoch &epoch : epochs)
-                epoch.time += shift;
-        }
-        // So does a week shown among an epoch's messages for those of them
-        // before it, which carried a week the log had not shown for them:
-        // the week of the log before, where two logs are joined.
-        if (week && !epochs.empty() && !(epochs.back().marks & Epoch::weekShown)
-            && epochs.back().time != time
-            && (time - epochs.back().time) % UbxTimeline::msPerWeek == 0)
-            epochs.back().time = time;
-
-        // An epoch's messages mostly come together; one that comes apart
-        // makes an entry of its own, merged once the entries are in order.
-        if (epochs.empty() || epochs.back().time != time) {
-            epochs.emplace_back();
-            epochs.back().time = time;
-            if (timeOfWeek == 0)
-                epochs.back().marks |= Epoch::atTimeOfWeekZero;
-        }
-        Epoch &epoch = epochs.back();
-        if (week)
-            epoch.marks |= Epoch::weekShown;
-        if (epoch.hasFrame(kind)) {
-            ++counts.repeated;
-            continue;
-        }
-        epoch.setFrame(kind, frame.offset);
-        if (dated)
-            epoch.marks |= quint8(1 << kind);
+        countSatellites(message->kind, frame.payload);
+        placeFrame(message->kind, frame, timeline);
     }
     counts.bytes = scanner.bytes();
     counts.frames = scanner.frames();
@@ -220,10 +152,91 @@ bool UbxReader::indexFrames(QIODevice *source)
     counts.cutFrames = scanner.cutFrames();
     counts.weekKnown = timeline.knowsWeek();
     if (status == UbxFrameScanner::Status::Failed)
-        return fail(tr("%1: cannot be read: %2").arg(fileName, scanner.errorString()));
+        return failToRead(scanner.errorString());
     if (counts.frames == 0)
         return fail(tr("%1: holds no UBX frame with a good checksum").arg(fileName));
     return true;
+}
+
+// The software version of the first MON-VER is the firmware version.
+void UbxReader::takeFirmwareVersion(const uchar *payload, int length, bool *versionSeen)
+{
+    QString version;
+    if (!UbxMessages::readMonVer(payload, length, &version)) {
+        ++counts.wrongLengths;
+    } else if (!*versionSeen) {
+        *versionSeen = true;
+        if (!version.trimmed().isEmpty())
+            recordingProperties.insert(QStringLiteral("FirmwareVersion"), version.trimmed());
+    }
+}
+
+// The satellites that NAV-SVINFO and NAV-SAT name, for the statistics.
+void UbxReader::countSatellites(UbxMessages::MessageKind kind, const uchar *payload)
+{
+    if (kind == UbxMessages::SvInfo) {
+        for (int i = 0; i < payload[4]; ++i)
+            counts.gpsSatellites.insert(payload[8 + 12 * i + 1]);
+    } else if (kind == UbxMessages::Sat) {
+        for (int i = 0; i < payload[5]; ++i) {
+            const uchar *block = payload + 8 + 12 * i;
+            counts.gnssSatellites.insert(quint16(block[0] << 8 | block[1]));
+        }
+    }
+}
+
+// Keeps where the frame of a navigation message starts, in the entry of its
+// epoch; the first frame of a kind in an epoch counts.
+void UbxReader::placeFrame(UbxMessages::MessageKind kind, const UbxFrameScanner::Frame &frame,
+                           UbxTimeline &timeline)
+{
+    const quint32 timeOfWeek = UbxMessages::timeOfWeek(frame.payload, frame.length);
+    const uchar *date = validDate(kind, frame.payload);
+    const std::optional<qint32> week = shownWeek(kind, frame.payload, date, timeOfWeek);
+    Epoch &epoch = entryAt(timeOf(timeOfWeek, week, timeline), timeOfWeek);
+    if (week)
+        epoch.marks |= Epoch::weekShown;
+    if (epoch.hasFrame(kind)) {
+        ++counts.repeated;
+        return;
+    }
+    epoch.setFrame(kind, frame.offset);
+    if (date)
+        epoch.marks |= quint8(1 << kind);
+}
+
+// The GPS time of a message at @p timeOfWeek; the @p week it shows may move
+// the entries before it into their week.
+qint64 UbxReader::timeOf(quint32 timeOfWeek, std::optional<qint32> week, UbxTimeline &timeline)
+{
+    qint64 shift = 0;
+    const qint64 time = timeline.place(timeOfWeek, week, &shift);
+    // The first week shown tells the week of every message before it.
+    if (shift != 0) {
+        for (Epoch &epoch : epochs)
+            epoch.time += shift;
+    }
+    // So does a week shown among an epoch's messages for those of them
+    // before it, which carried a week the log had not shown for them:
+    // the week of the log before, where two logs are joined.
+    if (week && !epochs.empty() && !(epochs.back().marks & Epoch::weekShown)
+        && epochs.back().time != time && (time - epochs.back().time) % UbxTimeline::msPerWeek == 0)
+        epochs.back().time = time;
+    return time;
+}
+
+// The entry of the epoch at @p time. An epoch's messages mostly come
+// together; one that comes apart makes an entry of its own, merged once the
+// entries are in order.
+UbxReader::Epoch &UbxReader::entryAt(qint64 time, quint32 timeOfWeek)
+{
+    if (epochs.empty() || epochs.back().time != time) {
+        epochs.emplace_back();
+        epochs.back().time = time;
+        if (timeOfWeek == 0)
+            epochs.back().marks |= Epoch::atTimeOfWeekZero;
+    }
+    return epochs.back();
 }
 
 // Sorts the entries by time, keeping the log's order among equal ones, and
@@ -274,17 +287,17 @@ void UbxReader::findProperties()
     // An epoch at time of week 0 holds no data.
     QString start = QStringLiteral("0");
     for (const Epoch &epoch : epochs) {
-        if (epoch.marks & Epoch::atTimeOfWeekZero || !(epoch.marks & (1 << Pvt | 1 << UtcTime)))
+        if (epoch.marks & Epoch::atTimeOfWeekZero
+            || !(epoch.marks & (1 << UbxMessages::Pvt | 1 << UbxMessages::UtcTime)))
             continue;
-        const Kind kind = (epoch.marks & (1 << Pvt)) ? Pvt : UtcTime;
+        const UbxMessages::MessageKind kind =
+            (epoch.marks & (1 << UbxMessages::Pvt)) ? UbxMessages::Pvt : UbxMessages::UtcTime;
         int length = 0;
-        const uchar *frame =
-            frameAt(epoch.frame(kind), kind == Pvt ? UbxMessages::navPvt : UbxMessages::navTimeUtc,
-                    &length);
+        const uchar *frame = frameAt(epoch.frame(kind), UbxMessages::keyOf(kind), &length);
         if (!frame)
             return;
-        start =
-            dateTimeText(frame + UbxMessages::headerSize + (kind == Pvt ? pvtDate : timeUtcDate));
+        start = dateTimeText(frame + UbxMessages::headerSize
+                             + (kind == UbxMessages::Pvt ? pvtDate : timeUtcDate));
         break;
     }
     recordingProperties.insert(QStringLiteral("StartTime"), start);
@@ -338,7 +351,7 @@ bool UbxReader::load(qint64 offset, qint64 size)
     const auto *fileDevice = qobject_cast<const QFileDevice *>(device);
     const int handle = fileDevice ? fileDevice->handle() : -1;
     if (handle < 0 && !device->seek(start))
-        return fail(tr("%1: cannot be read: %2").arg(fileName, device->errorString()));
+        return failToRead(device->errorString());
     while (windowSize < wanted) {
         auto *into = reinterpret_cast<char *>(window.data() + windowSize);
         const qint64 got = handle >= 0
@@ -347,10 +360,7 @@ bool UbxReader::load(qint64 offset, qint64 size)
         if (got < 0 && handle >= 0 && errno == EINTR)
             continue;
         if (got < 0) {
-            return fail(tr("%1: cannot be read: %2")
-                            .arg(fileName,
-                                 handle >= 0 ? QString::fromLocal8Bit(std::strerror(errno))
-                                             : device->errorString()));
+            return failToRead(handle >= 0 ? systemReason(errno) : device->errorString());
         }
         if (got == 0)
             break;
@@ -408,76 +418,45 @@ bool UbxReader::readNext()
         }
         if (!load(first, last - first + UbxMessages::headerSize))
             return false;
-        static constexpr quint16 keys[kindCount] = {UbxMessages::navSol,     UbxMessages::navDop,
-                                                    UbxMessages::navTimeUtc, UbxMessages::navSvInfo,
-                                                    UbxMessages::navPvt,     UbxMessages::navSat};
         for (int kind = 0; kind < kindCount; ++kind) {
             if (!epoch.hasFrame(kind))
                 continue;
             int length = 0;
-            const uchar *frame = frameAt(epoch.frame(kind), keys[kind], &length);
+            const auto recordKind = UbxMessages::MessageKind(kind);
+            const uchar *frame =
+                frameAt(epoch.frame(kind), UbxMessages::keyOf(recordKind), &length);
             if (!frame)
                 return false;
             const uchar *payload = frame + UbxMessages::headerSize;
-            switch (Kind(kind)) {
-            case Solution:
+            switch (recordKind) {
+            case UbxMessages::Solution:
                 UbxMessages::readNavSol(payload, length, current.gpsSolution);
                 break;
-            case Dop:
+            case UbxMessages::Dop:
                 UbxMessages::readNavDop(payload, length, current.gpsDop);
                 break;
-            case UtcTime:
+            case UbxMessages::UtcTime:
                 UbxMessages::readNavTimeUtc(payload, length, current.gpsUtcTime);
                 break;
-            case SvInfo:
+            case UbxMessages::SvInfo:
                 UbxMessages::readNavSvInfo(payload, length, current.gpsSatellites);
                 break;
-            case Pvt:
+            case UbxMessages::Pvt:
                 UbxMessages::readNavPvt(payload, length, current.gnssPvt);
                 break;
-            case Sat:
+            case UbxMessages::Sat:
                 UbxMessages::readNavSat(payload, length, current.gnssSatellites);
                 break;
-            case kindCount:
+            case UbxMessages::FirmwareVersion:
                 break;
             }
         }
         // NAV-PVT's dilutions are those of the epoch's NAV-DOP.
-        if (epoch.hasFrame(Pvt))
+        if (epoch.hasFrame(UbxMessages::Pvt))
             copyDilutions(current.gpsDop, current.gnssPvt);
     }
     ++nextEpoch;
     return true;
-}
-
-bool UbxReader::hasError() const
-{
-    return !error.isEmpty();
-}
-
-QString UbxReader::errorString() const
-{
-    return error;
-}
-
-QVariant UbxReader::property(const QString &key) const
-{
-    return recordingProperties.value(key);
-}
-
-QVariantMap UbxReader::properties() const
-{
-    return recordingProperties;
-}
-
-double UbxReader::updateRate() const
-{
-    return rate;
-}
-
-const RecordingSample &UbxReader::sample() const
-{
-    return current;
 }
 
 qint64 UbxReader::position() const

@@ -1,16 +1,18 @@
 #pragma once
 
-#include "abstractrecordingreader.h"
-#include "recordingsample.h"
+#include "recordingfilereader.h"
+#include "ubxframescanner.h"
 #include "ubxlogstatistics.h"
+#include "ubxmessages.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QString>
-#include <QVariantMap>
 
 #include <deque>
+#include <optional>
 #include <vector>
+
+class UbxTimeline;
 
 /**
  * Reads a u-blox UBX receiver log as a recording: one sample per navigation
@@ -37,7 +39,7 @@
  * start, without one), "FirmwareVersion" from MON-VER when the log holds
  * one; the update rate follows from the median step between epochs.
  */
-class UbxReader : public AbstractRecordingReader
+class UbxReader : public RecordingFileReader
 {
     Q_DECLARE_TR_FUNCTIONS(UbxReader)
 
@@ -45,22 +47,11 @@ public:
     UbxReader();
     ~UbxReader() override;
 
-    /** Opens @p fileName and finds its epochs. On failure returns false and errorString() tells
-     * why. */
-    bool open(const QString &fileName);
-    /**
-     * Reads the log from @p device, which must be open for reading, able to
-     * seek and outlive the reader; @p name names it in messages.
-     */
-    bool open(QIODevice *device, const QString &name);
+    using RecordingFileReader::open;
+    /** Finds the epochs of the log in @p device, which must also be able to seek. */
+    bool open(QIODevice *device, const QString &name) override;
 
     bool readNext() override;
-    bool hasError() const override;
-    QString errorString() const override;
-    QVariant property(const QString &key) const override;
-    QVariantMap properties() const override;
-    double updateRate() const override;
-    const RecordingSample &sample() const override;
     qint64 position() const override;
     qint64 size() const override;
     /** Says what the reading passed over, by reason, when it passed over anything. */
@@ -68,9 +59,12 @@ public:
 
     const UbxLogStatistics &statistics() const;
 
+protected:
+    void reset(const QString &name) override;
+
 private:
-    // The kinds of navigation message an epoch takes, in the order of Epoch's frames.
-    enum Kind { Solution, Dop, UtcTime, SvInfo, Pvt, Sat, kindCount };
+    // An epoch keeps one frame of each kind of its records.
+    static constexpr int kindCount = UbxMessages::epochRecordKinds;
 
     // An epoch as the first pass finds it. Frame offsets take 48 bits, as
     // many as a log can need, so that a million epochs fit in 48 MB.
@@ -103,14 +97,18 @@ private:
     };
 
     bool indexFrames(QIODevice *source);
+    void takeFirmwareVersion(const uchar *payload, int length, bool *versionSeen);
+    void countSatellites(UbxMessages::MessageKind kind, const uchar *payload);
+    void placeFrame(UbxMessages::MessageKind kind, const UbxFrameScanner::Frame &frame,
+                    UbxTimeline &timeline);
+    qint64 timeOf(quint32 timeOfWeek, std::optional<qint32> week, UbxTimeline &timeline);
+    Epoch &entryAt(qint64 time, quint32 timeOfWeek);
     void orderEpochs();
     void findProperties();
     bool load(qint64 offset, qint64 size);
     const uchar *frameAt(qint64 offset, quint16 key, int *length);
     bool fail(const QString &what);
 
-    QString fileName;
-    QFile file;
     // The log as read the second time: the file or the caller's device.
     QIODevice *device = nullptr;
     std::deque<Epoch> epochs;
@@ -123,8 +121,4 @@ private:
     qint64 windowUsed = 0;
     qint64 readAhead = 0;
     UbxLogStatistics counts;
-    QVariantMap recordingProperties;
-    double rate = 0.0;
-    QString error;
-    RecordingSample current;
 };

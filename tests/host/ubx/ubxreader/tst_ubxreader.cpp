@@ -1,6 +1,7 @@
 #include <recordinginput.h>
 #include <recordingsource.h>
 #include <samplefingerprint.h>
+#include <systemreason.h>
 #include <ubxgenerator.h>
 #include <ubxreader.h>
 
@@ -10,6 +11,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <cerrno>
 #include <limits>
 #include <random>
 #include <vector>
@@ -253,6 +255,8 @@ private slots:
     void frameAcrossBlocks();
     void pipeIsReadThroughACopy();
     void noFrameIsAnError();
+    void failedOpenForgetsTheLogBefore_data();
+    void failedOpenForgetsTheLogBefore();
     void detection_data();
     void detection();
     void sourceAnswersFromTheEpoch();
@@ -681,6 +685,44 @@ void tst_UbxReader::noFrameIsAnError()
     const Samples read = this->read(gga + "\xB5\x62\x01");
     QVERIFY(
         read.error.endsWith(QStringLiteral("log.ubx: holds no UBX frame with a good checksum")));
+}
+
+void tst_UbxReader::failedOpenForgetsTheLogBefore_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("error");
+
+    QTest::newRow("a folder") << QStringLiteral("folder")
+                              << QStringLiteral("%1: is a directory, not a recording");
+    QTest::newRow("a file that is not there")
+        << QStringLiteral("missing.ubx")
+        << QStringLiteral("%1: cannot be read: ") + systemReason(ENOENT);
+}
+
+void tst_UbxReader::failedOpenForgetsTheLogBefore()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, error);
+    const QString path = dir.filePath(QStringLiteral("before.ubx"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(monVer("ROM CORE 3.01") + navSol(1000) + navSol(2000));
+    file.close();
+    QVERIFY(QDir(dir.path()).mkpath(QStringLiteral("folder")));
+
+    UbxReader reader;
+    QVERIFY2(reader.open(path), qPrintable(reader.errorString()));
+    QVERIFY(reader.readNext());
+    const QString next = dir.filePath(name);
+    QVERIFY(!reader.open(next));
+    QCOMPARE(reader.errorString(), error.arg(next));
+    QVERIFY(reader.hasError());
+    QCOMPARE(reader.properties(), QVariantMap());
+    QCOMPARE(reader.updateRate(), 0.0);
+    QCOMPARE(reader.sample().gpsSolution.iTOW, 0u);
+    QCOMPARE(reader.statistics().frames, qint64(0));
+    QCOMPARE(reader.size(), qint64(0));
+    QVERIFY(!reader.readNext());
 }
 
 void tst_UbxReader::detection_data()
