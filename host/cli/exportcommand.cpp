@@ -8,6 +8,7 @@
 #include "parallelexports.h"
 #include "pluginhost.h"
 #include "recordinginput.h"
+#include "systemreason.h"
 
 #include <abstractexporterfactory.h>
 #include <settingssynchronizer.h>
@@ -24,7 +25,6 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
-#include <cstring>
 #include <vector>
 
 #include <unistd.h>
@@ -102,11 +102,6 @@ QString oddValue(const QString &key, const QVariant &value)
             : tr("not one of true, false, 1 and 0: the plug-in reads it as false");
     }
     return QString();
-}
-
-QString reasonText(int error)
-{
-    return QString::fromLocal8Bit(std::strerror(error));
 }
 
 QString commandName()
@@ -392,7 +387,7 @@ bool ExportCommand::makeOutputFolder() const
 {
     if (options.outputDir.isEmpty() || QDir().mkpath(localFilePath(options.outputDir)))
         return true;
-    printError(tr("%1: the folder cannot be made: %2").arg(options.outputDir, reasonText(errno)));
+    printError(tr("%1: the folder cannot be made: %2").arg(options.outputDir, systemReason(errno)));
     return false;
 }
 

@@ -1,12 +1,13 @@
 #include "outputfile.h"
 
+#include "systemreason.h"
+
 #include <QFileInfo>
 #include <QSaveFile>
 
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <cstring>
 #include <type_traits>
 
 #include <fcntl.h>
@@ -14,11 +15,6 @@
 #include <unistd.h>
 
 namespace {
-
-QString reasonText(int error)
-{
-    return QString::fromLocal8Bit(std::strerror(error));
-}
 
 // Why a regular file of this name cannot be written, as errno, or 0. Asked
 // before the first byte, so that the answer is the system's own reason and
@@ -130,7 +126,7 @@ public:
         } else {
             if (const int reason = reasonNotWritable(this->fileName())) {
                 failure = reason;
-                this->setErrorString(reasonText(reason));
+                this->setErrorString(systemReason(reason));
                 return false;
             }
         }
@@ -198,14 +194,14 @@ bool OutputFile::commit()
 {
     const Device *checked = dynamic_cast<const Device *>(file.get());
     if (checked->failure != 0) {
-        error = reasonText(checked->failure);
+        error = systemReason(checked->failure);
         return false;
     }
     auto *saveFile = qobject_cast<QSaveFile *>(file.get());
     if (!saveFile) {
         file->close();
         if (checked->failure != 0) {
-            error = reasonText(checked->failure);
+            error = systemReason(checked->failure);
             return false;
         }
         return true;
@@ -226,7 +222,7 @@ QString OutputFile::errorString() const
     if (!error.isEmpty())
         return error;
     const Device *checked = dynamic_cast<const Device *>(file.get());
-    return checked->failure != 0 ? reasonText(checked->failure) : file->errorString();
+    return checked->failure != 0 ? systemReason(checked->failure) : file->errorString();
 }
 
 bool OutputFile::readerWentAway() const

@@ -1,6 +1,7 @@
 #include "outputnamer.h"
 
 #include "localfilepath.h"
+#include "systemreason.h"
 
 #include <filenamepatternreplacer.h>
 
@@ -8,7 +9,6 @@
 #include <QFileInfo>
 
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -101,7 +101,7 @@ bool OutputNamer::makeFolders(const QString &recording, const QString &fileName,
         return true;
     *problem =
         tr("%1: the folder %2 cannot be made: %3")
-            .arg(recording, folder.filePath(below), QString::fromLocal8Bit(std::strerror(errno)));
+            .arg(recording, folder.filePath(below), systemReason(errno));
     return false;
 }
 
