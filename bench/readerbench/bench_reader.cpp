@@ -7,9 +7,9 @@
 
 #include "peakmemory.h"
 
+#include <jsonlinesreader.h>
 #include <linereader.h>
 #include <localtimezone.h>
-#include <jsonlinesreader.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -52,8 +52,8 @@ bool loadPlugin(PluginHost &host, const QString &settings);
  * written. Gives the exit status, after saying what went wrong; nothing when
  * the reader of a pipe went away.
  */
-int writeOutput(
-    const QString &fileName,
-    const std::function<bool(QIODevice *device, const QString &shownName, QString *message)> &write);
+int writeOutput(const QString &fileName,
+                const std::function<bool(QIODevice *device, const QString &shownName,
+                                         QString *message)> &write);
 
 } // namespace CommandLine

@@ -99,9 +99,8 @@ bool OutputNamer::makeFolders(const QString &recording, const QString &fileName,
         return true;
     if (folder.mkpath(below))
         return true;
-    *problem =
-        tr("%1: the folder %2 cannot be made: %3")
-            .arg(recording, folder.filePath(below), systemReason(errno));
+    *problem = tr("%1: the folder %2 cannot be made: %3")
+                   .arg(recording, folder.filePath(below), systemReason(errno));
     return false;
 }
 

@@ -32,7 +32,8 @@ struct Field
 
 /** The entry for @p member, its range taken from the member's own type. */
 template <auto member>
-constexpr Field<typename RecordMember::Of<decltype(member)>::RecordType> field(std::string_view name)
+constexpr Field<typename RecordMember::Of<decltype(member)>::RecordType>
+field(std::string_view name)
 {
     using Type = typename RecordMember::Of<decltype(member)>::MemberType;
     return {name, qint64(std::numeric_limits<Type>::min()),

@@ -1,6 +1,6 @@
+#include "jsonlinesreader.h"
 #include "orientationmath.h"
 #include "recordinggenerator.h"
-#include "jsonlinesreader.h"
 
 #include <QBuffer>
 #include <QFile>
