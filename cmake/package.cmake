@@ -6,7 +6,7 @@ set(CPACK_PACKAGE_VENDOR "asciiexporter developers")
 set(CPACK_PACKAGE_CONTACT "asciiexporter developers <asciiexporter@example.org>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Exports motion-tracker recordings as delimited text")
 set(CPACK_PACKAGE_DESCRIPTION
-    "asciiexport loads the ASCII exporter plug-in and exports recordings (JSON Lines) as delimited text files. The package also holds the plug-in framework and type libraries with their headers, CMake package and pkg-config file, for building further exporter plug-ins.")
+    "asciiexport loads the ASCII exporter plug-in and exports recordings (JSON Lines, and u-blox UBX receiver logs) as delimited text files, one after another or several at a time; it edits the plug-in's settings in the host's settings dialog and writes synthetic recordings. The package also holds the plug-in framework and type libraries with their headers, CMake package and pkg-config file, for building further exporter plug-ins.")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)

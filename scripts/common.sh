@@ -1,5 +1,7 @@
-# Shared by scripts/demo and scripts/test: install what is missing, then build.
-# Source it; it defines ensure_packages and build_project.
+# Shared by the scripts (demo, test, bench, fuzz, package, check-format, tidy,
+# render-options-page): install the Debian packages that are missing, then
+# build. Source it; it defines ROOT, BUILD_DIR, ensure_packages and
+# build_project.
 
 ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 BUILD_DIR=${BUILD_DIR:-$ROOT/build}

@@ -2,7 +2,18 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
-    <name>Commands</name>
+    <name>BlockWriter</name>
+    <message>
+        <source>cannot write the recording: %1</source>
+        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
+    </message>
+</context>
+<context>
+    <name>CommandLine</name>
+    <message>
+        <source>not a regular file</source>
+        <translation>keine reguläre Datei</translation>
+    </message>
     <message>
         <source>Try &apos;asciiexport %1 --help&apos;.</source>
         <translation>Mehr mit „asciiexport %1 --help“.</translation>
@@ -14,6 +25,10 @@
     <message>
         <source>Show the versions of the program and the plug-in.</source>
         <translation>Die Versionen des Programms und des Plug-ins zeigen.</translation>
+    </message>
+    <message>
+        <source>The plug-in file to load (default: %1, the first libasciiexporter.so in the folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).</source>
+        <translation>Die zu ladende Plug-in-Datei (Vorgabe: %1, die erste libasciiexporter.so in den Ordnern von ASCIIEXPORT_PLUGIN_PATH, sonst die mit dem Programm installierte).</translation>
     </message>
     <message>
         <source>PATH</source>
@@ -36,8 +51,27 @@
         <translation>%1: Die Einstellungen können nicht gelesen werden</translation>
     </message>
     <message>
+        <source>%1: the settings cannot be read: %2</source>
+        <translation>%1: Die Einstellungen können nicht gelesen werden: %2</translation>
+    </message>
+    <message>
         <source>%1: ignored: %2</source>
         <translation>%1: übergangen: %2</translation>
+    </message>
+    <message>
+        <source>(standard output)</source>
+        <translation>(Standardausgabe)</translation>
+    </message>
+    <message>
+        <source>%1: cannot be written: %2</source>
+        <translation>%1: kann nicht geschrieben werden: %2</translation>
+    </message>
+</context>
+<context>
+    <name>Commands</name>
+    <message>
+        <source>FILE</source>
+        <translation>DATEI</translation>
     </message>
     <message>
         <source>KEY=VALUE</source>
@@ -188,16 +222,8 @@
         <translation>unbekannter Schlüssel „%1“</translation>
     </message>
     <message>
-        <source>%1: cannot be written: %2</source>
-        <translation>%1: kann nicht geschrieben werden: %2</translation>
-    </message>
-    <message>
         <source>%1: %2</source>
         <translation>%1: %2</translation>
-    </message>
-    <message>
-        <source>The plug-in file to load (default: %1, the first libasciiexporter.so in the folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).</source>
-        <translation>Die zu ladende Plug-in-Datei (Vorgabe: %1, die erste libasciiexporter.so in den Ordnern von ASCIIEXPORT_PLUGIN_PATH, sonst die mit dem Programm installierte).</translation>
     </message>
     <message>
         <source>not one of Euler, Matrix, Quaternion and None: the plug-in writes no orientation columns</source>
@@ -382,12 +408,16 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>%1: Die Ausgabedatei ist das Log %2 selbst</translation>
     </message>
     <message>
-        <source>not a regular file</source>
-        <translation>keine reguläre Datei</translation>
+        <source>%1 (--skip-bad-lines exports the other samples)</source>
+        <translation>%1 (--skip-bad-lines exportiert die übrigen Abtastwerte)</translation>
     </message>
     <message>
-        <source>%1: the settings cannot be read: %2</source>
-        <translation>%1: Die Einstellungen können nicht gelesen werden: %2</translation>
+        <source>%1 (a recording cannot be salvaged without its first line, the recording object)</source>
+        <translation>%1 (ohne ihre erste Zeile, das Aufzeichnungsobjekt, ist eine Aufzeichnung nicht zu retten)</translation>
+    </message>
+    <message>
+        <source>%1: gives no update rate, so --from and --to cannot be in seconds</source>
+        <translation>%1: nennt keine Aktualisierungsrate, daher können --from und --to nicht in Sekunden sein</translation>
     </message>
 </context>
 <context>
@@ -401,10 +431,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>%1: kann nicht geschrieben werden: %2</translation>
     </message>
     <message>
-        <source>%1 (a recording cannot be salvaged without its first line, the recording object)</source>
-        <translation>%1 (ohne ihre erste Zeile, das Aufzeichnungsobjekt, ist eine Aufzeichnung nicht zu retten)</translation>
-    </message>
-    <message>
         <source>%1: %2</source>
         <translation>%1: %2</translation>
     </message>
@@ -413,16 +439,12 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>%1 (übersprungen)</translation>
     </message>
     <message>
-        <source>%1 (--skip-bad-lines exports the other samples)</source>
-        <translation>%1 (--skip-bad-lines exportiert die übrigen Abtastwerte)</translation>
-    </message>
-    <message>
         <source>(standard input)</source>
         <translation>(Standardeingabe)</translation>
     </message>
     <message>
-        <source>%1: gives no update rate, so --from and --to cannot be in seconds</source>
-        <translation>%1: nennt keine Aktualisierungsrate, daher können --from und --to nicht in Sekunden sein</translation>
+        <source>%1: gives no update rate, so its samples cannot be selected by time</source>
+        <translation>%1: nennt keine Aktualisierungsrate, daher sind ihre Abtastwerte nicht nach der Zeit auszuwählen</translation>
     </message>
 </context>
 <context>
@@ -434,6 +456,45 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>--groups: unknown group &quot;%1&quot;; the groups are: %2</source>
         <translation>--groups: unbekannte Gruppe „%1“; die Gruppen sind: %2</translation>
+    </message>
+</context>
+<context>
+    <name>JsonLinesReader</name>
+    <message>
+        <source>the line is longer than %1 bytes</source>
+        <translation>die Zeile ist länger als %1 Bytes</translation>
+    </message>
+    <message>
+        <source>expected a JSON object, got %1</source>
+        <translation>JSON-Objekt erwartet, %1 gefunden</translation>
+    </message>
+    <message>
+        <source>%1:%2: %3</source>
+        <translation>%1:%2: %3</translation>
+    </message>
+    <message>
+        <source>the file holds no recording object</source>
+        <translation>die Datei enthält kein Aufzeichnungsobjekt</translation>
+    </message>
+    <message>
+        <source>&quot;properties&quot;: expected an object, got %1</source>
+        <translation>„properties“: Objekt erwartet, %1 gefunden</translation>
+    </message>
+    <message>
+        <source>&quot;properties.%1&quot;: the key appears more than once</source>
+        <translation>„properties.%1“: Der Schlüssel kommt mehrfach vor</translation>
+    </message>
+    <message>
+        <source>&quot;properties.%1&quot;: expected a string, a number, a boolean or null, got %2</source>
+        <translation>„properties.%1“: Zeichenkette, Zahl, Wahrheitswert oder null erwartet, %2 gefunden</translation>
+    </message>
+    <message>
+        <source>the first line must be the recording object, with &quot;properties&quot;</source>
+        <translation>die erste Zeile muss das Aufzeichnungsobjekt mit „properties“ sein</translation>
+    </message>
+    <message>
+        <source>&quot;properties.%1&quot;: the text holds a line break or a NUL character</source>
+        <translation>„properties.%1“: Der Text enthält einen Zeilenumbruch oder ein NUL-Zeichen</translation>
     </message>
 </context>
 <context>
@@ -530,18 +591,18 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     </message>
 </context>
 <context>
-    <name>RecordingConverter</name>
+    <name>RecordingFileReader</name>
     <message>
-        <source>cannot write the recording: %1</source>
-        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
+        <source>%1: is a directory, not a recording</source>
+        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
+    </message>
+    <message>
+        <source>%1: cannot be read: %2</source>
+        <translation>%1: kann nicht gelesen werden: %2</translation>
     </message>
 </context>
 <context>
     <name>RecordingGenerator</name>
-    <message>
-        <source>cannot write the recording: %1</source>
-        <translation>die Aufzeichnung kann nicht geschrieben werden: %1</translation>
-    </message>
     <message>
         <source>the number of samples must not be negative</source>
         <translation>die Anzahl der Abtastwerte darf nicht negativ sein</translation>
@@ -553,53 +614,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>unknown sample key &quot;%1&quot;</source>
         <translation>unbekannter Schlüssel „%1“</translation>
-    </message>
-</context>
-<context>
-    <name>RecordingReader</name>
-    <message>
-        <source>%1: is a directory, not a recording</source>
-        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
-    </message>
-    <message>
-        <source>%1: cannot be read: %2</source>
-        <translation>%1: kann nicht gelesen werden: %2</translation>
-    </message>
-    <message>
-        <source>the line is longer than %1 bytes</source>
-        <translation>die Zeile ist länger als %1 Bytes</translation>
-    </message>
-    <message>
-        <source>expected a JSON object, got %1</source>
-        <translation>JSON-Objekt erwartet, %1 gefunden</translation>
-    </message>
-    <message>
-        <source>%1:%2: %3</source>
-        <translation>%1:%2: %3</translation>
-    </message>
-    <message>
-        <source>the file holds no recording object</source>
-        <translation>die Datei enthält kein Aufzeichnungsobjekt</translation>
-    </message>
-    <message>
-        <source>&quot;properties&quot;: expected an object, got %1</source>
-        <translation>„properties“: Objekt erwartet, %1 gefunden</translation>
-    </message>
-    <message>
-        <source>&quot;properties.%1&quot;: the key appears more than once</source>
-        <translation>„properties.%1“: Der Schlüssel kommt mehrfach vor</translation>
-    </message>
-    <message>
-        <source>&quot;properties.%1&quot;: expected a string, a number, a boolean or null, got %2</source>
-        <translation>„properties.%1“: Zeichenkette, Zahl, Wahrheitswert oder null erwartet, %2 gefunden</translation>
-    </message>
-    <message>
-        <source>the first line must be the recording object, with &quot;properties&quot;</source>
-        <translation>die erste Zeile muss das Aufzeichnungsobjekt mit „properties“ sein</translation>
-    </message>
-    <message>
-        <source>&quot;properties.%1&quot;: the text holds a line break or a NUL character</source>
-        <translation>„properties.%1“: Der Text enthält einen Zeilenumbruch oder ein NUL-Zeichen</translation>
     </message>
 </context>
 <context>
@@ -814,14 +828,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
 </context>
 <context>
     <name>UbxReader</name>
-    <message>
-        <source>%1: is a directory, not a recording</source>
-        <translation>%1: ist ein Ordner, keine Aufzeichnung</translation>
-    </message>
-    <message>
-        <source>%1: cannot be read: %2</source>
-        <translation>%1: kann nicht gelesen werden: %2</translation>
-    </message>
     <message>
         <source>%1: holds no UBX frame with a good checksum</source>
         <translation>%1: enthält keinen UBX-Frame mit richtiger Prüfsumme</translation>

@@ -13,7 +13,7 @@
 #include "settingscatalogue.h"
 
 #include <exportrun.h>
-#include <recordingreader.h>
+#include <jsonlinesreader.h>
 #include <recordingsource.h>
 #include <settingssynchronizer.h>
 
@@ -130,7 +130,7 @@ TestSample presented(const RecordingSource &source)
 // Every sample of @p path, as the program would export it.
 Rows recordingRows(const BenchConfig &config, const QString &path)
 {
-    RecordingReader reader;
+    JsonLinesReader reader;
     if (!reader.open(path))
         qFatal("%s", qPrintable(reader.errorString()));
     const QMap<QString, QVariant> settings = effectiveSettings(config);

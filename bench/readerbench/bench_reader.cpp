@@ -1,15 +1,15 @@
 // Reads a recording one way and prints one JSON line with the time, the
 // samples, the bytes and the peak memory:
-//   reader    RecordingReader, sample by sample, as an export reads it
+//   reader    JsonLinesReader, sample by sample, as an export reads it
 //   simdjson  a simdjson on-demand walk over every value of every line, each
 //             number converted (exactly) to its type: the reference
 // scripts/bench runs both on the same generated recording.
 
 #include "peakmemory.h"
 
+#include <jsonlinesreader.h>
 #include <linereader.h>
 #include <localtimezone.h>
-#include <recordingreader.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -34,7 +34,7 @@ Run readWithReader(const QString &path)
     Run run;
     QElapsedTimer timer;
     timer.start();
-    RecordingReader reader;
+    JsonLinesReader reader;
     if (!reader.open(path))
         qFatal("%s", qPrintable(reader.errorString()));
     while (reader.readNext()) {

@@ -362,8 +362,8 @@ bool scrGyroTemperature(RowWriter &writer, const Fields &fields)
 }
 
 // The receiver records hold the raw integers of the receiver's messages.
-// Whole numbers are written as printf's "%d" writes them (a time of week
-// beyond 2^31 comes out negative, as it always has) and "%u" where noted;
+// Whole numbers are written as printf's "%d" writes them, a signed 32-bit
+// word (so a time of week beyond 2^31 comes out negative), and "%u" where noted;
 // scaled values in fixed notation. A record missing from the sample is a
 // run of empty fields, and the group still makes a line.
 

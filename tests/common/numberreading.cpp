@@ -1,6 +1,6 @@
 #include "numberreading.h"
 
-#include <recordingreader.h>
+#include <jsonlinesreader.h>
 
 #include <QBuffer>
 
@@ -75,7 +75,7 @@ QString checkNumberReading(NumberTexts::Form form, qint64 count, quint64 seed, q
         }
         QBuffer buffer(&content);
         buffer.open(QIODevice::ReadOnly);
-        RecordingReader reader;
+        JsonLinesReader reader;
         if (!reader.open(&buffer, QStringLiteral("numbers.jsonl")))
             return reader.errorString();
         std::size_t next = 0;

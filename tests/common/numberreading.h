@@ -6,7 +6,7 @@
 
 /**
  * Writes @p count texts of @p form into recording lines, as the values of a
- * sample's double fields, reads them back through RecordingReader and
+ * sample's double fields, reads them back through JsonLinesReader and
  * compares every value, bit for bit, with what the text stands for
  * (NumberTexts::expected). Returns an empty string when all agree, else what
  * differs first. @p checked, when given, counts the values compared.

@@ -24,8 +24,17 @@ ProgramRun finished(QProcess &process, int milliseconds)
 ProgramRun ProgramRun::start(const QString &program, const QStringList &arguments,
                              const QString &folder, int milliseconds)
 {
+    return start(program, arguments, folder, QProcessEnvironment::systemEnvironment(),
+                 milliseconds);
+}
+
+ProgramRun ProgramRun::start(const QString &program, const QStringList &arguments,
+                             const QString &folder, const QProcessEnvironment &environment,
+                             int milliseconds)
+{
     QProcess process;
     process.setWorkingDirectory(folder);
+    process.setProcessEnvironment(environment);
     process.start(program, arguments);
     return finished(process, milliseconds);
 }

@@ -1,6 +1,6 @@
 #include "samplefingerprint.h"
 
-#include <recordmembertables.h>
+#include <recordfields.h>
 
 #include <QDataStream>
 

@@ -1,0 +1,210 @@
+#include "commandline.h"
+
+#include "commands.h"
+#include "localfilepath.h"
+#include "outputfile.h"
+#include "pluginhost.h"
+#include "versiontext.h"
+
+#include <abstractexporterfactory.h>
+#include <settingssynchronizer.h>
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Commands {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("Commands", text);
+}
+
+} // namespace Commands
+
+namespace CommandLine {
+
+namespace {
+
+// The system's reason why the settings file @p fileName cannot be read, or
+// an empty text when the system sees none. Opened without waiting for a
+// writer, should it be a FIFO.
+QString unreadableReason(const QString &fileName)
+{
+    const int descriptor =
+        ::open(QFile::encodeName(fileName).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return QString::fromLocal8Bit(std::strerror(errno));
+    struct stat status;
+    const bool known = ::fstat(descriptor, &status) == 0;
+    ::close(descriptor);
+    if (known && S_ISDIR(status.st_mode))
+        return QString::fromLocal8Bit(std::strerror(EISDIR));
+    if (known && !S_ISREG(status.st_mode))
+        return tr("not a regular file");
+    return QString();
+}
+
+} // namespace
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("CommandLine", text);
+}
+
+void printLine(std::FILE *stream, const QString &text)
+{
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fputc('\n', stream);
+}
+
+void printError(const QString &text)
+{
+    printLine(stderr, text);
+}
+
+int usageError(const QString &command, const QString &text)
+{
+    printError(QStringLiteral("asciiexport %1: %2").arg(command, text));
+    printError(tr("Try 'asciiexport %1 --help'.").arg(command));
+    return 2;
+}
+
+bool parse(QCommandLineParser &parser, const QString &command, const QString &description,
+           const QStringList &arguments, int *status)
+{
+    parser.setApplicationDescription(description);
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  tr("Show this help."));
+    const QCommandLineOption version(QStringLiteral("version"),
+                                     tr("Show the versions of the program and the plug-in."));
+    parser.addOptions({help, version});
+    if (!parser.parse(QStringList{QStringLiteral("asciiexport")} + arguments)) {
+        *status = usageError(command, parser.errorText());
+        return false;
+    }
+    if (parser.isSet(help)) {
+        // The first line names the program as it was called; name the command too.
+        QString text = parser.helpText();
+        const int start = text.indexOf(QLatin1Char(' ')) + 1;
+        text.replace(start, text.indexOf(QLatin1Char(' '), start) - start,
+                     QStringLiteral("asciiexport ") + command);
+        std::fputs(text.toLocal8Bit().constData(), stdout);
+        *status = 0;
+        return false;
+    }
+    if (parser.isSet(version)) {
+        // The plug-in the command would load; only some commands take --plugin.
+        const QString plugin = QStringLiteral("plugin");
+        *status =
+            printVersion(parser.optionNames().contains(plugin) ? localFilePath(parser.value(plugin))
+                                                               : PluginHost::defaultPluginPath());
+        return false;
+    }
+    return true;
+}
+
+QCommandLineOption pluginOption()
+{
+    return QCommandLineOption(
+        QStringLiteral("plugin"),
+        tr("The plug-in file to load (default: %1, the first libasciiexporter.so in the "
+           "folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).")
+            .arg(PluginHost::defaultPluginPath()),
+        tr("PATH"));
+}
+
+QCommandLineOption settingsOption()
+{
+    return QCommandLineOption(
+        QStringLiteral("settings"),
+        tr("The INI file that holds the settings (default: %1).")
+            .arg(QDir::toNativeSeparators(
+                QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+                + QStringLiteral("/asciiexport.ini"))),
+        tr("FILE"));
+}
+
+bool parseOptionsOnly(QCommandLineParser &parser, const QString &command,
+                      const QString &description, const QStringList &arguments, int *status)
+{
+    if (!parse(parser, command, description, arguments, status))
+        return false;
+    if (!parser.positionalArguments().isEmpty()) {
+        *status = usageError(
+            command, tr("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
+        return false;
+    }
+    return true;
+}
+
+QString pluginFile(const QCommandLineParser &parser, const QCommandLineOption &option)
+{
+    return parser.isSet(option) ? localFilePath(parser.value(option))
+                                : PluginHost::defaultPluginPath();
+}
+
+QString settingsFile(const QCommandLineParser &parser, const QCommandLineOption &option)
+{
+    if (parser.isSet(option))
+        return localFilePath(parser.value(option));
+    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+        + QStringLiteral("/asciiexport.ini");
+}
+
+bool loadPlugin(PluginHost &host, const QString &settings)
+{
+    if (!host.load()) {
+        printError(host.errorString());
+        return false;
+    }
+    if (settings.isEmpty())
+        return true;
+    QStringList problems;
+    if (!host.factory()->settings()->load(settings, &problems)) {
+        const QString reason = unreadableReason(settings);
+        printError(reason.isEmpty()
+                       ? tr("%1: the settings cannot be read").arg(settings)
+                       : tr("%1: the settings cannot be read: %2").arg(settings, reason));
+        return false;
+    }
+    for (const QString &problem : qAsConst(problems))
+        printError(tr("%1: ignored: %2").arg(settings, problem));
+    return true;
+}
+
+int writeOutput(
+    const QString &fileName,
+    const std::function<bool(QIODevice *device, const QString &shownName, QString *message)> &write)
+{
+    OutputFile file(fileName);
+    const QString shownName =
+        fileName == OutputFile::standardOutputName() ? tr("(standard output)") : fileName;
+    if (!file.device()->open(QIODevice::WriteOnly)) {
+        printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
+        return 1;
+    }
+    QString message;
+    if (!write(file.device(), shownName, &message)) {
+        if (!file.readerWentAway())
+            printError(message);
+        return 1;
+    }
+    if (!file.commit()) {
+        if (!file.readerWentAway())
+            printError(tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace CommandLine

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdio>
+#include <functional>
+
+class PluginHost;
+class QIODevice;
+class QCommandLineOption;
+class QCommandLineParser;
+
+/**
+ * What the subcommands share: their messages, their options for the plug-in
+ * and the settings file, and the parsing of their arguments with --help and
+ * --version.
+ */
+namespace CommandLine {
+
+/** @p text translated in the context of the command line. */
+QString tr(const char *text);
+
+void printLine(std::FILE *stream, const QString &text);
+void printError(const QString &text);
+/** Reports a usage error of @p command and gives its exit status, 2. */
+int usageError(const QString &command, const QString &text);
+
+/**
+ * Parses @p arguments; on --help prints the help and sets @p status to 0,
+ * on --version prints the versions and sets @p status as printVersion()
+ * does, on a parse error reports it and sets @p status to 2.
+ */
+bool parse(QCommandLineParser &parser, const QString &command, const QString &description,
+           const QStringList &arguments, int *status);
+/** As parse(), for a command that takes options only. */
+bool parseOptionsOnly(QCommandLineParser &parser, const QString &command,
+                      const QString &description, const QStringList &arguments, int *status);
+
+QCommandLineOption pluginOption();
+QCommandLineOption settingsOption();
+/** The plug-in file the user named, or the one the program finds. */
+QString pluginFile(const QCommandLineParser &parser, const QCommandLineOption &option);
+QString settingsFile(const QCommandLineParser &parser, const QCommandLineOption &option);
+
+/** Loads the plug-in and its stored settings; false after reporting why not. */
+bool loadPlugin(PluginHost &host, const QString &settings);
+
+/**
+ * Writes @p fileName ("-": standard output) with @p write, which sets the
+ * message when it fails. The file takes its name only when everything was
+ * written. Gives the exit status, after saying what went wrong; nothing when
+ * the reader of a pipe went away.
+ */
+int writeOutput(const QString &fileName,
+                const std::function<bool(QIODevice *device, const QString &shownName,
+                                         QString *message)> &write);
+
+} // namespace CommandLine

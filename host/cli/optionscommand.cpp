@@ -1,0 +1,54 @@
+#include "commands.h"
+
+#include "commandline.h"
+#include "pluginhost.h"
+#include "settingsdialog.h"
+
+#include <abstractexporterfactory.h>
+#include <settingssynchronizer.h>
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+
+namespace Commands {
+
+using namespace CommandLine;
+
+namespace {
+
+bool saveSettings(SettingsSynchronizer *store, const QString &fileName)
+{
+    const QFileInfo file(fileName);
+    if (!QDir().mkpath(file.absolutePath()))
+        return false;
+    return store->save(fileName);
+}
+
+} // namespace
+
+int editOptions(const QStringList &arguments)
+{
+    const QString command = QStringLiteral("options");
+    QCommandLineParser parser;
+    const QCommandLineOption plugin = pluginOption();
+    const QCommandLineOption settings = settingsOption();
+    parser.addOptions({plugin, settings});
+    int status = 0;
+    if (!parseOptionsOnly(parser, command,
+                          tr("Shows the settings dialog with the plug-in's options page."),
+                          arguments, &status))
+        return status;
+
+    const QString fileName = settingsFile(parser, settings);
+    PluginHost host(pluginFile(parser, plugin));
+    if (!loadPlugin(host, fileName))
+        return 1;
+    SettingsSynchronizer *store = host.factory()->settings();
+    SettingsDialog dialog(host.factory()->optionsPages(),
+                          [store, fileName] { return saveSettings(store, fileName); });
+    dialog.exec();
+    return 0;
+}
+
+} // namespace Commands

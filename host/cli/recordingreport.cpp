@@ -1,0 +1,117 @@
+#include "recordingreport.h"
+
+#include "recordinginput.h"
+#include "ubxmessages.h"
+#include "ubxtimeline.h"
+
+#include <QVariant>
+
+namespace {
+
+QString row(const QString &label, const QString &value)
+{
+    return QStringLiteral("%1 %2").arg(label + QLatin1Char(':'), -17).arg(value);
+}
+
+QString countRow(const QString &label, qint64 count)
+{
+    return row(label, QString::number(count));
+}
+
+// A property's text on its one row: a text with a line break or a NUL is
+// shown in quotes, with those, quotes and backslashes written as C escapes.
+QString shownText(const QString &text)
+{
+    if (!text.contains(QLatin1Char('\n')) && !text.contains(QLatin1Char('\r'))
+        && !text.contains(QChar(0)))
+        return text;
+    QString shown = QStringLiteral("\"");
+    for (const QChar c : text) {
+        switch (c.unicode()) {
+        case '\n':
+            shown += QLatin1String("\\n");
+            break;
+        case '\r':
+            shown += QLatin1String("\\r");
+            break;
+        case 0:
+            shown += QLatin1String("\\0");
+            break;
+        case '"':
+        case '\\':
+            shown += QLatin1Char('\\') + c;
+            break;
+        default:
+            shown += c;
+        }
+    }
+    return shown + QLatin1Char('"');
+}
+
+} // namespace
+
+bool RecordingReport::describe(RecordingInput &input, const QString &name, QStringList *lines,
+                               QString *error)
+{
+    qint64 samples = 0;
+    while (input.readNext())
+        ++samples;
+    if (input.hasError()) {
+        *error = input.errorString();
+        return false;
+    }
+
+    lines->append(row(tr("Recording"), name));
+    const bool ubx = input.format() == RecordingInput::Format::Ubx;
+    lines->append(row(tr("Format"), ubx ? tr("UBX receiver log") : tr("JSON Lines")));
+    if (ubx) {
+        const UbxLogStatistics &log = input.ubxLog().statistics();
+        lines->append(countRow(tr("Bytes"), log.bytes));
+        lines->append(row(tr("Frames"), tr("%1 (%2 bytes)").arg(log.frames).arg(log.frameBytes)));
+        lines->append(countRow(tr("Bad checksums"), log.badChecksums));
+        lines->append(countRow(tr("Cut short at end"), log.cutFrames));
+        lines->append(countRow(tr("Bytes skipped"), log.skippedBytes()));
+        QStringList used;
+        QStringList unused;
+        for (auto message = log.messages.cbegin(); message != log.messages.cend(); ++message) {
+            const quint16 key = message.key();
+            const bool read = UbxMessages::messageRead(key) != nullptr;
+            const QString text = QStringLiteral("  %1 %2")
+                                     .arg(UbxMessages::messageName(key), -12)
+                                     .arg(message.value());
+            (read ? used : unused).append(text);
+        }
+        lines->append(tr("Messages used:"));
+        *lines += used;
+        lines->append(tr("Messages not used:"));
+        *lines += unused;
+        lines->append(countRow(tr("Wrong length"), log.wrongLengths));
+        lines->append(countRow(tr("Repeated"), log.repeated));
+        lines->append(countRow(tr("At iTOW 0"), log.atTimeOfWeekZero));
+        if (log.epochs > 0) {
+            const auto time = [&log](qint64 time) {
+                const qint64 timeOfWeek = UbxTimeline::timeOfWeekOf(time);
+                return log.weekKnown
+                    ? tr("week %1 iTOW %2 ms").arg(UbxTimeline::weekOf(time)).arg(timeOfWeek)
+                    : tr("iTOW %1 ms").arg(timeOfWeek);
+            };
+            lines->append(row(
+                tr("Epochs"),
+                tr("%1 (%2 to %3)").arg(log.epochs).arg(time(log.firstTime), time(log.lastTime))));
+        } else {
+            lines->append(countRow(tr("Epochs"), 0));
+        }
+        lines->append(row(tr("Satellites"),
+                          tr("%1 GPS in NAV-SVINFO, %2 GNSS in NAV-SAT")
+                              .arg(log.gpsSatellites.size())
+                              .arg(log.gnssSatellites.size())));
+    } else {
+        lines->append(countRow(tr("Samples"), samples));
+    }
+    const double rate = input.updateRate();
+    lines->append(row(tr("Update rate"), rate != 0.0 ? tr("%1 Hz").arg(rate) : tr("not known")));
+    const QVariantMap properties = input.properties();
+    for (auto property = properties.cbegin(); property != properties.cend(); ++property)
+        lines->append(row(property.key(), shownText(property.value().toString())));
+    return true;
+}

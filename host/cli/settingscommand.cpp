@@ -1,0 +1,51 @@
+#include "commands.h"
+
+#include "commandline.h"
+#include "pluginhost.h"
+
+#include <abstractexporterfactory.h>
+#include <settingssynchronizer.h>
+
+#include <QCommandLineParser>
+
+namespace Commands {
+
+using namespace CommandLine;
+
+int listSettings(const QStringList &arguments)
+{
+    const QString command = QStringLiteral("settings");
+    QCommandLineParser parser;
+    const QCommandLineOption plugin = pluginOption();
+    const QCommandLineOption settings = settingsOption();
+    parser.addOptions({plugin, settings});
+    int status = 0;
+    if (!parseOptionsOnly(parser, command,
+                          tr("Lists every setting of the plug-in: its current value, its default "
+                             "and its description."),
+                          arguments, &status))
+        return status;
+
+    PluginHost host(pluginFile(parser, plugin));
+    if (!loadPlugin(host, settingsFile(parser, settings)))
+        return 1;
+    const SettingsSynchronizer *store = host.factory()->settings();
+    const auto text = [](const QVariant &value) -> QString {
+        if (!value.isValid())
+            return tr("(none)");
+        if (value.userType() == QMetaType::Bool)
+            return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+        return QLatin1Char('"') + value.toString() + QLatin1Char('"');
+    };
+    for (const QString &key : store->keys()) {
+        QString line = QStringLiteral("%1: %2 (default: %3)")
+                           .arg(key, text(store->setting(key)), text(store->defaultSetting(key)));
+        const QString description = store->description(key);
+        if (!description.isEmpty())
+            line += QStringLiteral("  ") + description;
+        printLine(stdout, line);
+    }
+    return 0;
+}
+
+} // namespace Commands
