@@ -339,11 +339,10 @@ UlogParser::Framing UlogParser::readMessage(char type, std::string_view content,
         if (!keyValue(1))
             return malformed(QStringLiteral("no \"type name\" key"));
         entry.continued = content[0] != 0;
-        const std::size_t keyLength = quint8(content[1]);
-        const std::string_view key = content.substr(2, keyLength);
-        if (!entry.continued || joinedKey != key) {
+        // Parts are joined by name: each part's type gives its own length.
+        if (!entry.continued || joinedKey != entry.name) {
             joined.clear();
-            joinedKey = std::string(key);
+            joinedKey = std::string(entry.name);
         }
         joined.append(entry.bytes);
         *kind = Message::MultiInfo;
