@@ -866,6 +866,68 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     </message>
 </context>
 <context>
+    <name>UlogReader</name>
+    <message>
+        <source>%1: a ULog is read twice, which a pipe cannot be</source>
+        <translation>%1: Ein ULog wird zweimal gelesen, was bei einer Pipe nicht geht</translation>
+    </message>
+    <message>
+        <source>the log holds no sensor_combined messages</source>
+        <translation>Das Log enthält keine sensor_combined-Nachrichten</translation>
+    </message>
+    <message>
+        <source>%1: the log changed while it was read</source>
+        <translation>%1: Das Log hat sich beim Lesen geändert</translation>
+    </message>
+    <message>
+        <source>sensor_combined, the sample&apos;s index</source>
+        <translation>sensor_combined, der Index des Samples</translation>
+    </message>
+    <message>
+        <source>; and %1 more</source>
+        <translation>; und %1 weitere</translation>
+    </message>
+    <message>
+        <source>passed over: %1</source>
+        <translation>übergangen: %1</translation>
+    </message>
+    <message>
+        <source>messages of unknown types: %1</source>
+        <translation>Nachrichten unbekannter Typen: %1</translation>
+    </message>
+    <message>
+        <source>repeated messages dropped: %1</source>
+        <translation>wiederholte Nachrichten verworfen: %1</translation>
+    </message>
+    <message>
+        <source>messages left out for values not finite: %1</source>
+        <translation>wegen nicht endlicher Werte ausgelassene Nachrichten: %1</translation>
+    </message>
+    <message>
+        <source>%1 %2 dropped</source>
+        <translation>%1 %2 verworfen</translation>
+    </message>
+    <message>
+        <source>%1 %2 collided</source>
+        <translation>%1 %2 kollidiert</translation>
+    </message>
+    <message>
+        <source>%1 %2 dropped and %3 collided</source>
+        <translation>%1 %2 verworfen und %3 kollidiert</translation>
+    </message>
+    <message>
+        <source>messages not placed (fill %1): %2</source>
+        <translation>nicht platzierte Nachrichten (Füllung %1): %2</translation>
+    </message>
+</context>
+<context>
+    <name>UlogSources</name>
+    <message>
+        <source>%1 (older layout)</source>
+        <translation>%1 (älteres Layout)</translation>
+    </message>
+</context>
+<context>
     <name>main</name>
     <message>
         <source>no command given</source>
