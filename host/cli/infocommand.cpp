@@ -41,7 +41,7 @@ int showInfo(const QStringList &arguments)
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
     const QCommandLineOption recording(QStringLiteral("recording"),
-                                       tr("Show what this recording or UBX log holds instead."),
+                                       tr("Show what this recording, UBX log or flight log holds instead."),
                                        tr("FILE"));
     parser.addOptions({plugin, settings, recording});
     int status = 0;
