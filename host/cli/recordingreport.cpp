@@ -116,15 +116,16 @@ void RecordingReport::describeUbx(const UbxLogStatistics &log, QStringList *line
                 ? tr("week %1 iTOW %2 ms").arg(UbxTimeline::weekOf(time)).arg(timeOfWeek)
                 : tr("iTOW %1 ms").arg(timeOfWeek);
         };
-        lines->append(row(tr("Epochs"), tr("%1 (%2 to %3)")
-                                            .arg(log.epochs)
-                                            .arg(time(log.firstTime), time(log.lastTime))));
+        lines->append(
+            row(tr("Epochs"),
+                tr("%1 (%2 to %3)").arg(log.epochs).arg(time(log.firstTime), time(log.lastTime))));
     } else {
         lines->append(countRow(tr("Epochs"), 0));
     }
-    lines->append(row(tr("Satellites"), tr("%1 GPS in NAV-SVINFO, %2 GNSS in NAV-SAT")
-                                            .arg(log.gpsSatellites.size())
-                                            .arg(log.gnssSatellites.size())));
+    lines->append(row(tr("Satellites"),
+                      tr("%1 GPS in NAV-SVINFO, %2 GNSS in NAV-SAT")
+                          .arg(log.gpsSatellites.size())
+                          .arg(log.gnssSatellites.size())));
 }
 
 void RecordingReport::describeUlog(const UlogSummary &log, QStringList *lines)
@@ -137,8 +138,8 @@ void RecordingReport::describeUlog(const UlogSummary &log, QStringList *lines)
                           .arg(topic.messages, 8)
                           .arg(topic.rate, 8, 'f', 1));
     }
-    lines->append(row(tr("Dropouts"),
-                      tr("%1 (%2 ms in all)").arg(log.dropouts).arg(log.dropoutMs)));
+    lines->append(
+        row(tr("Dropouts"), tr("%1 (%2 ms in all)").arg(log.dropouts).arg(log.dropoutMs)));
     lines->append(row(tr("Logged messages"), QString::number(log.logged.size())));
     for (const UlogSummary::LoggedMessage &message : log.logged) {
         lines->append(tr("  %1 s level %2: %3")
