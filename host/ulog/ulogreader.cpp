@@ -188,6 +188,8 @@ void UlogReader::takeData()
         ++topic.messages;
     }
     if (id < imuIds.size() && imuIds[id] && imu.timestamp.valid()) {
+        if (samples.empty())
+            samples.expectAtMost(logSize, payload.size());
         samples.add(imu.timestamp.unsignedValue(payload.data()), parser->payloadOffset(), payload);
         accelerationNotFinite += imu.hasAcceleration() && !imu.accelerationFinite(payload.data());
         angularVelocityNotFinite +=

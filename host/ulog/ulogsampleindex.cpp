@@ -19,6 +19,12 @@ quint64 hashOf(std::string_view bytes)
 
 } // namespace
 
+void UlogSampleIndex::expectAtMost(qint64 logSize, std::size_t payloadSize)
+{
+    // Each data message has a header of 3 bytes and a message id of 2.
+    entries.reserve(std::size_t(logSize) / (payloadSize + 5) + 1);
+}
+
 void UlogSampleIndex::add(quint64 timestamp, qint64 offset, std::string_view payload)
 {
     entries.push_back(

@@ -18,6 +18,12 @@ public:
     /** Reads @p size bytes at @p offset of the log; false when it cannot. */
     using ReadBack = std::function<bool(qint64 offset, char *into, qint64 size)>;
 
+    /**
+     * Makes room for as many samples as a log of @p logSize bytes could
+     * hold: the room is only address space until samples fill it, and the
+     * entries are not copied again and again as they grow.
+     */
+    void expectAtMost(qint64 logSize, std::size_t payloadSize);
     void add(quint64 timestamp, qint64 offset, std::string_view payload);
 
     /**

@@ -49,10 +49,10 @@ qint64 UlogSeries::order()
         ++kept;
     }
     const qint64 dropped = qint64(messageTimes.size() - kept);
+    // The room the repeats leave stays: copying a series to give it back
+    // would cost more than it saves.
     messageTimes.resize(kept);
     messageValues.resize(kept * std::size_t(valueCount));
-    messageTimes.shrink_to_fit();
-    messageValues.shrink_to_fit();
     return dropped;
 }
 
