@@ -1,5 +1,7 @@
 #include "exportrun.h"
 #include "programrun.h"
+#include "ulogbytes.h"
+#include "ulogwriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,6 +19,8 @@ private slots:
     void init();
     void cleanup();
 
+    void rowsOfAWrittenLog_data();
+    void rowsOfAWrittenLog();
     void generatedLogs_data();
     void generatedLogs();
     void exportIsTheExportOfTheConversion_data();
@@ -91,6 +95,110 @@ QByteArray tst_FlightLogs::readFile(const QString &fileName)
 {
     QFile file(fileName);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
+}
+
+// A log of three IMU samples 4 ms apart, an attitude 0.1 ms after the
+// second and a barometer at the first, written here: its rows are worked
+// out by hand.
+QString writeSmallLog(const QString &fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly))
+        return QString();
+    UlogWriter writer(&file);
+    bool written = writer.writeHeader(900000) && writer.writeFlagBits()
+        && writer.writeFormat("sensor_combined:uint64_t timestamp;float[3] gyro_rad;"
+                              "float[3] accelerometer_m_s2;")
+        && writer.writeFormat("vehicle_attitude:uint64_t timestamp;float[4] q;")
+        && writer.writeFormat("vehicle_air_data:uint64_t timestamp;float baro_temp_celcius;"
+                              "float baro_pressure_pa;")
+        && writer.writeSubscription(0, 0, "sensor_combined")
+        && writer.writeSubscription(0, 1, "vehicle_attitude")
+        && writer.writeSubscription(0, 2, "vehicle_air_data");
+    const float accelerations[3][3] = {
+        {0.5f, -0.25f, 9.75f}, {0.625f, 0.0f, 9.8125f}, {-1.5f, 2.0f, 10.0f}};
+    for (int i = 0; i < 3; ++i) {
+        UlogBytes imu;
+        imu.put(quint64(1000000 + 4000 * i)).put(0.0f).put(0.0f).put(0.0f);
+        for (float value : accelerations[i])
+            imu.put(value);
+        written = written && writer.writeData(0, imu);
+        if (i == 0) {
+            written = written
+                && writer.writeData(2, UlogBytes().put(quint64(1000000)).put(20.5f).put(101325.0f));
+        }
+        if (i == 1) {
+            written = written
+                && writer.writeData(
+                    1, UlogBytes().put(quint64(1004100)).put(0.5f).put(0.5f).put(-0.5f).put(0.5f));
+        }
+    }
+    return written && writer.finish() ? fileName : QString();
+}
+
+void tst_FlightLogs::rowsOfAWrittenLog_data()
+{
+    QTest::addColumn<QStringList>("fill");
+    QTest::addColumn<QByteArray>("rows");
+    // Sample times 1000000, 1004000 and 1008000 µs are 10000, 10040 and
+    // 10080 in 100 µs; the pressure 101325 Pa is 1013.25 hPa. The attitude
+    // lies 0.1 ms after the second sample, 3.9 ms before the third; the
+    // barometer at the first, 4 ms before the second and 8 ms before the
+    // third.
+    QTest::newRow("none: each message on its nearest sample")
+        << QStringList()
+        << QByteArray("00000\t10000\t0.500000\t-0.250000\t9.750000\t1013.2500\t\t\t\t\t20.50\n"
+                      "00001\t10040\t0.625000\t0.000000\t9.812500\t\t0.500000\t0.500000\t-0."
+                      "500000\t0.500000\t\n"
+                      "00002\t10080\t-1.500000\t2.000000\t10.000000\t\t\t\t\t\t\n");
+    QTest::newRow("hold: the latest message before each sample")
+        << QStringList{"--fill", "hold"}
+        << QByteArray("00000\t10000\t0.500000\t-0.250000\t9.750000\t1013.2500\t\t\t\t\t20.50\n"
+                      "00001\t10040\t0.625000\t0.000000\t9.812500\t1013.2500\t\t\t\t\t20.50\n"
+                      "00002\t10080\t-1.500000\t2.000000\t10.000000\t1013.2500\t0.500000\t0."
+                      "500000\t-0.500000\t0.500000\t20.50\n");
+    QTest::newRow("hold, at most 5 ms old")
+        << QStringList{"--fill", "hold", "--max-age", "5"}
+        << QByteArray("00000\t10000\t0.500000\t-0.250000\t9.750000\t1013.2500\t\t\t\t\t20.50\n"
+                      "00001\t10040\t0.625000\t0.000000\t9.812500\t1013.2500\t\t\t\t\t20.50\n"
+                      "00002\t10080\t-1.500000\t2.000000\t10.000000\t\t0.500000\t0.500000\t-0."
+                      "500000\t0.500000\t\n");
+    QTest::newRow("nearest, at most 4 ms away: the edge counts")
+        << QStringList{"--fill", "nearest", "--max-age", "4"}
+        << QByteArray("00000\t10000\t0.500000\t-0.250000\t9.750000\t1013.2500\t\t\t\t\t20.50\n"
+                      "00001\t10040\t0.625000\t0.000000\t9.812500\t1013.2500\t0.500000\t0.500000\t-"
+                      "0.500000\t0.500000\t20.50\n"
+                      "00002\t10080\t-1.500000\t2.000000\t10.000000\t\t0.500000\t0.500000\t-0."
+                      "500000\t0.500000\t\n");
+}
+
+void tst_FlightLogs::rowsOfAWrittenLog()
+{
+    QFETCH(QStringList, fill);
+    QFETCH(QByteArray, rows);
+    const QString log = writeSmallLog(path(QStringLiteral("small.ulg")));
+    QVERIFY(!log.isEmpty());
+    const ProgramRun result = run(QStringList{"export",     "--quiet",
+                                              "--settings", path(QStringLiteral("settings.ini")),
+                                              "--groups",   "none",
+                                              "--set",      "exportPacketCounter=true",
+                                              "--set",      "exportSampleTimeFine=true",
+                                              "--set",      "exportCalibratedAcceleration=true",
+                                              "--set",      "exportOrientation=Quaternion",
+                                              "--set",      "exportPressure=true",
+                                              "--set",      "exportTemperature=true",
+                                              "-o",         "-"}
+                                  + fill + QStringList{log});
+    QVERIFY2(result.status == 0, result.err.constData());
+    QCOMPARE(result.out,
+             QByteArray("// Start Time: Unknown\n"
+                        "// Update Rate: 250.0Hz\n"
+                        "// Filter Profile: Error: No KVA filter profile\n"
+                        "// Option Flags: Error: No option flags\n"
+                        "// Firmware Version: Error: No firmware version\n"
+                        "PacketCounter\tSampleTimeFine\tAcc_X\tAcc_Y\tAcc_Z\tPressure\tQuat_q0\t"
+                        "Quat_q1\tQuat_q2\tQuat_q3\tTemperature\n")
+                 + rows);
 }
 
 void tst_FlightLogs::generatedLogs_data()
