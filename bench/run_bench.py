@@ -14,12 +14,18 @@ JSON Lines, in MB/s of the log, with peak memory; the same export of the log
 with its epochs reversed and shuffled, against the log in order; and the
 scan of a stream crafted to announce a long frame at every sixth byte.
 
+Then a generated PX4 ULog: reading it, exporting it with the inertial
+groups, and converting it, in MB/s of the log, with peak memory; and the
+same export from its JSON Lines conversion, against which the export of the
+log itself must take at most 1.5 times as long.
+
 Last, a batch of small recordings exported one after another and two at a
 time (--jobs 2): wall time and the processor time of all processes.
 
 Usage: run_bench.py BUILD_DIR [ROWS [SAMPLES [NUMBERS [EPOCHS]]]]
        run_bench.py BUILD_DIR reader [SAMPLES]  (the reading side only)
        run_bench.py BUILD_DIR ubx [EPOCHS]      (the UBX log only)
+       run_bench.py BUILD_DIR ulog [SAMPLES]    (the ULog only)
        run_bench.py BUILD_DIR batch             (the batch of small recordings only)
 """
 
@@ -80,6 +86,7 @@ PAIRED_REPEATS = 5
 READER_TARGET = 1.5
 EXPORT_TARGET = 2.5
 GROWTH_TARGET_MIB = 4.0
+ULOG_TARGET = 1.5
 
 
 def median_of(run):
@@ -268,6 +275,40 @@ def ubx_section(build, epochs):
     return True
 
 
+def ulog_section(build, samples):
+    program = os.path.join(build, "bin", "asciiexport")
+    settings = os.path.join(SCRATCH, "asciiexporter-bench-ulog.ini")
+    log = os.path.join(SCRATCH, "asciiexporter-bench.ulg")
+    output = os.path.join(SCRATCH, "asciiexporter-bench-ulog.txt")
+    converted = os.path.join(SCRATCH, "asciiexporter-bench-ulog.jsonl")
+    run_child([program, "generate", "--format", "ulog", "--samples", str(samples), "--rate", "250", "-o", log])
+    run_child([program, "convert", log, "-o", converted])
+    size = os.path.getsize(log)
+    print()
+    print(f"A generated ULog: {samples} IMU samples at 250 Hz, {size / 1e6:.0f} MB "
+          f"({os.path.getsize(converted) / 1e6:.0f} MB as JSON Lines), median of {REPEATS} runs")
+    print()
+    print(f"{'way':<44}{'ns/sample':>10}{'MB/s':>8}{'peak MiB':>10}")
+    export = [program, "export", "--quiet", "--settings", settings, *INERTIAL_SETTINGS, "-o", output]
+    ways = (("read every sample (info --recording)", [program, "info", "--recording", log]),
+            ("export, inertial groups", [*export, log]),
+            ("convert to JSON Lines", [program, "convert", log, "-o", converted + ".again"]))
+    for label, arguments in ways:
+        r = median_of(lambda: program_run(arguments, quiet=True))
+        print(f"{label:<44}{r['seconds'] / samples * 1e9:>10.0f}{size / r['seconds'] / 1e6:>8.0f}"
+              f"{r['peak_kib'] / 1024:>10.1f}")
+    results = medians_side_by_side({"log": lambda: program_run([*export, log], quiet=True),
+                                    "conversion": lambda: program_run([*export, converted], quiet=True)})
+    ratio = results["log"]["seconds"] / results["conversion"]["seconds"]
+    print()
+    print(f"export of the log {results['log']['seconds']:.2f} s, of its JSON Lines conversion "
+          f"{results['conversion']['seconds']:.2f} s: {ratio:.2f}x (target at most {ULOG_TARGET}x)")
+    for leftover in (log, output, converted, converted + ".again", settings):
+        if os.path.exists(leftover):
+            os.remove(leftover)
+    return ratio <= ULOG_TARGET
+
+
 def batch_section(build, count=200):
     program = os.path.join(build, "bin", "asciiexport")
     folder = os.path.join(SCRATCH, "asciiexporter-bench-batch")
@@ -303,6 +344,8 @@ def main():
     build = sys.argv[1]
     if len(sys.argv) > 2 and sys.argv[2] == "ubx":
         return 0 if ubx_section(build, int(sys.argv[3]) if len(sys.argv) > 3 else 100000) else 1
+    if len(sys.argv) > 2 and sys.argv[2] == "ulog":
+        return 0 if ulog_section(build, int(sys.argv[3]) if len(sys.argv) > 3 else 1000000) else 1
     if len(sys.argv) > 2 and sys.argv[2] == "batch":
         return 0 if batch_section(build) else 1
     if len(sys.argv) > 2 and sys.argv[2] == "reader":
@@ -364,6 +407,7 @@ def main():
     ok = reader_section(build, samples) and ok
     ok = number_check(build, numbers) and ok
     ok = ubx_section(build, epochs) and ok
+    ok = ulog_section(build, 1000000) and ok
     ok = batch_section(build) and ok
     return 0 if ok else 1
 

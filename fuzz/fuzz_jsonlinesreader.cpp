@@ -1,8 +1,7 @@
+#include "fuzzinput.h"
+
 #include <jsonlinesreader.h>
 #include <recordingsource.h>
-
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <cstdlib>
 
@@ -80,15 +79,7 @@ void askEverything(const RecordingSource &source, double &sum)
 
 extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
 {
-    // One file per fuzzing process, rewritten for every input.
-    static const QTemporaryDir dir;
-    static const QString path = dir.filePath(QStringLiteral("recording.jsonl"));
-    {
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly)
-            || file.write(reinterpret_cast<const char *>(bytes), qint64(size)) != qint64(size))
-            std::abort();
-    }
+    const QString path = FuzzInput::file("recording.jsonl", bytes, size);
 
     JsonLinesReader reader;
     double sum = 0.0;

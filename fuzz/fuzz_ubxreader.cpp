@@ -1,8 +1,7 @@
+#include "fuzzinput.h"
+
 #include <recordingsource.h>
 #include <ubxreader.h>
-
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <cstdlib>
 #include <limits>
@@ -15,15 +14,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const quint8 *bytes, std::size_t size)
 {
-    // One file per fuzzing process, rewritten for every input.
-    static const QTemporaryDir dir;
-    static const QString path = dir.filePath(QStringLiteral("log.ubx"));
-    {
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly)
-            || file.write(reinterpret_cast<const char *>(bytes), qint64(size)) != qint64(size))
-            std::abort();
-    }
+    const QString path = FuzzInput::file("log.ubx", bytes, size);
 
     UbxReader reader;
     if (!reader.open(path)) {

@@ -1,10 +1,13 @@
 #include "fuzzinput.h"
 
 #include <QByteArray>
+#include <QFile>
 #include <QStringList>
+#include <QTemporaryDir>
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -68,6 +71,17 @@ QVariant variant(FuzzedDataProvider &data)
     default:
         return data.ConsumeIntegral<quint32>();
     }
+}
+
+QString file(const char *name, const quint8 *bytes, std::size_t size)
+{
+    static const QTemporaryDir dir;
+    const QString path = dir.filePath(QLatin1String(name));
+    QFile out(path);
+    if (!out.open(QIODevice::WriteOnly)
+        || out.write(reinterpret_cast<const char *>(bytes), qint64(size)) != qint64(size))
+        std::abort();
+    return path;
 }
 
 } // namespace FuzzInput

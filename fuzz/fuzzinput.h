@@ -26,4 +26,11 @@ double number(FuzzedDataProvider &data);
  */
 QVariant variant(FuzzedDataProvider &data);
 
+/**
+ * The path of a file named @p name that holds @p bytes: one file per
+ * fuzzing process and name, rewritten for every input. Aborts when it
+ * cannot be written.
+ */
+QString file(const char *name, const quint8 *bytes, std::size_t size);
+
 } // namespace FuzzInput

@@ -66,6 +66,34 @@
         <source>%1: cannot be written: %2</source>
         <translation>%1: kann nicht geschrieben werden: %2</translation>
     </message>
+    <message>
+        <source>For PX4 flight logs, how the samples of the IMU take the messages of slower topics: none (the default: each message goes onto the one sample nearest to it), hold (each sample takes the latest message before it) or nearest (the nearest message on either side).</source>
+        <translation>Bei PX4-Fluglogs, wie die Abtastwerte der IMU die Nachrichten langsamerer Topics übernehmen: none (die Vorgabe: jede Nachricht kommt auf den einen Abtastwert, der ihr am nächsten liegt), hold (jeder Abtastwert nimmt die letzte Nachricht vor ihm) oder nearest (die nächste Nachricht auf beiden Seiten).</translation>
+    </message>
+    <message>
+        <source>POLICY</source>
+        <translation>REGEL</translation>
+    </message>
+    <message>
+        <source>For --fill hold and nearest: how far from a sample, in milliseconds, a message may lie at most (default 500).</source>
+        <translation>Für --fill hold und nearest: wie weit eine Nachricht höchstens von einem Abtastwert entfernt liegen darf, in Millisekunden (Vorgabe 500).</translation>
+    </message>
+    <message>
+        <source>MS</source>
+        <translation>MS</translation>
+    </message>
+    <message>
+        <source>--fill takes none, hold or nearest, not &quot;%1&quot;</source>
+        <translation>--fill nimmt none, hold oder nearest, nicht „%1“</translation>
+    </message>
+    <message>
+        <source>--max-age takes a whole number of milliseconds, 0 or more</source>
+        <translation>--max-age nimmt eine ganze Zahl von Millisekunden ab 0</translation>
+    </message>
+    <message>
+        <source>--max-age applies to --fill hold and nearest only</source>
+        <translation>--max-age gilt nur für --fill hold und nearest</translation>
+    </message>
 </context>
 <context>
     <name>Commands</name>
@@ -258,10 +286,6 @@
         <translation>Die guten Abtastwerte einer beschädigten Aufzeichnung exportieren: vor jeder fehlerhaften Zeile warnen und weitermachen.</translation>
     </message>
     <message>
-        <source>Recordings to export (JSON Lines or UBX logs); - reads one from standard input.</source>
-        <translation>Zu exportierende Aufzeichnungen (JSON Lines oder UBX-Logs); - liest eine aus der Standardeingabe.</translation>
-    </message>
-    <message>
         <source>Exports recordings as delimited text, one file per recording. The output file is named by the settings outputFileFormat and outputFileExtension unless --output is given.
 Exit status: 0 when every recording was exported, 1 when one failed, 2 for a usage error (an unknown option or setting key, a value a setting cannot take).</source>
         <translation>Exportiert Aufzeichnungen als Text mit Trennzeichen, eine Datei je Aufzeichnung. Die Ausgabedatei wird nach den Einstellungen outputFileFormat und outputFileExtension benannt, außer --output ist angegeben.
@@ -304,24 +328,12 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>%1: geschriebene Abtastwerte: %2, übersprungene fehlerhafte Zeilen: %3</translation>
     </message>
     <message>
-        <source>Show what this recording or UBX log holds instead.</source>
-        <translation>Stattdessen zeigen, was diese Aufzeichnung oder dieses UBX-Log enthält.</translation>
-    </message>
-    <message>
         <source>The recording file to write; - writes to standard output.</source>
         <translation>Die zu schreibende Aufzeichnungsdatei; - schreibt in die Standardausgabe.</translation>
     </message>
     <message>
-        <source>jsonl (the default), or ubx for a receiver log of --samples navigation epochs at --rate a second.</source>
-        <translation>jsonl (die Vorgabe), oder ubx für ein Empfänger-Log aus --samples Navigationsepochen, --rate je Sekunde.</translation>
-    </message>
-    <message>
         <source>FORMAT</source>
         <translation>FORMAT</translation>
-    </message>
-    <message>
-        <source>--format takes jsonl or ubx, not &quot;%1&quot;</source>
-        <translation>--format nimmt jsonl oder ubx, nicht „%1“</translation>
     </message>
     <message>
         <source>--groups applies to JSON Lines recordings only</source>
@@ -336,20 +348,8 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>Die zu schreibende Aufzeichnung in JSON Lines; - schreibt in die Standardausgabe.</translation>
     </message>
     <message>
-        <source>The UBX receiver log to convert.</source>
-        <translation>Das umzuwandelnde UBX-Empfänger-Log.</translation>
-    </message>
-    <message>
-        <source>Writes a UBX receiver log as a recording in the JSON Lines format, which exports to the same bytes as the log.</source>
-        <translation>Schreibt ein UBX-Empfänger-Log als Aufzeichnung im Format JSON Lines, die beim Export dieselben Bytes ergibt wie das Log.</translation>
-    </message>
-    <message>
         <source>give one log</source>
         <translation>ein Log angeben</translation>
-    </message>
-    <message>
-        <source>%1: is not a UBX log</source>
-        <translation>%1: ist kein UBX-Log</translation>
     </message>
     <message>
         <source>The data groups to export, comma-separated, as the options page names them (such as &quot;packet counter,rate of turn,quaternion&quot;), or all or none; --set goes on from there.</source>
@@ -418,6 +418,50 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>%1: gives no update rate, so --from and --to cannot be in seconds</source>
         <translation>%1: nennt keine Aktualisierungsrate, daher können --from und --to nicht in Sekunden sein</translation>
+    </message>
+    <message>
+        <source>The UBX receiver log or PX4 flight log (ULog) to convert.</source>
+        <translation>Das zu wandelnde UBX-Empfänger-Log oder PX4-Fluglog (ULog).</translation>
+    </message>
+    <message>
+        <source>Writes a UBX receiver log or a PX4 flight log as a recording in the JSON Lines format, which exports to the same bytes as the log.</source>
+        <translation>Schreibt ein UBX-Empfänger-Log oder ein PX4-Fluglog als Aufzeichnung im Format JSON Lines, die zu denselben Bytes exportiert wie das Log.</translation>
+    </message>
+    <message>
+        <source>%1: is neither a UBX receiver log nor a PX4 flight log</source>
+        <translation>%1: ist weder ein UBX-Empfänger-Log noch ein PX4-Fluglog</translation>
+    </message>
+    <message>
+        <source>Recordings to export (JSON Lines, UBX logs or PX4 flight logs); - reads one from standard input.</source>
+        <translation>Zu exportierende Aufzeichnungen (JSON Lines, UBX-Logs oder PX4-Fluglogs); - liest eine aus der Standardeingabe.</translation>
+    </message>
+    <message>
+        <source>jsonl (the default); ubx for a receiver log of --samples navigation epochs at --rate a second; ulog for a PX4 flight log of --samples IMU samples at --rate a second.</source>
+        <translation>jsonl (die Vorgabe); ubx für ein Empfänger-Log aus --samples Navigationsepochen, --rate je Sekunde; ulog für ein PX4-Fluglog aus --samples IMU-Abtastwerten, --rate je Sekunde.</translation>
+    </message>
+    <message>
+        <source>For ulog: current (the default), or older for the layout in which sensor_combined carries the magnetometer and the barometer&apos;s temperature.</source>
+        <translation>Für ulog: current (die Vorgabe) oder older für das Layout, in dem sensor_combined das Magnetometer und die Temperatur des Barometers trägt.</translation>
+    </message>
+    <message>
+        <source>LAYOUT</source>
+        <translation>LAYOUT</translation>
+    </message>
+    <message>
+        <source>--layout applies to ULog logs only</source>
+        <translation>--layout gilt nur für ULog-Logs</translation>
+    </message>
+    <message>
+        <source>--format takes jsonl, ubx or ulog, not &quot;%1&quot;</source>
+        <translation>--format nimmt jsonl, ubx oder ulog, nicht „%1“</translation>
+    </message>
+    <message>
+        <source>--layout takes current or older, not &quot;%1&quot;</source>
+        <translation>--layout nimmt current oder older, nicht „%1“</translation>
+    </message>
+    <message>
+        <source>Show what this recording, UBX log or flight log holds instead.</source>
+        <translation>Stattdessen zeigen, was diese Aufzeichnung, dieses UBX-Log oder Fluglog enthält.</translation>
     </message>
 </context>
 <context>
@@ -718,6 +762,46 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <source>%1 (%2 to %3)</source>
         <translation>%1 (%2 bis %3)</translation>
     </message>
+    <message>
+        <source>PX4 flight log (ULog)</source>
+        <translation>PX4-Fluglog (ULog)</translation>
+    </message>
+    <message>
+        <source>Topics (instance, messages, rate):</source>
+        <translation>Topics (Instanz, Nachrichten, Rate):</translation>
+    </message>
+    <message>
+        <source>  %1 %2 %3 %4 Hz</source>
+        <translation>  %1 %2 %3 %4 Hz</translation>
+    </message>
+    <message>
+        <source>Dropouts</source>
+        <translation>Aussetzer</translation>
+    </message>
+    <message>
+        <source>%1 (%2 ms in all)</source>
+        <translation>%1 (%2 ms insgesamt)</translation>
+    </message>
+    <message>
+        <source>Logged messages</source>
+        <translation>Geloggte Meldungen</translation>
+    </message>
+    <message>
+        <source>  %1 s level %2: %3</source>
+        <translation>  %1 s Stufe %2: %3</translation>
+    </message>
+    <message>
+        <source>Keys (messages: placed, dropped, collided; from):</source>
+        <translation>Schlüssel (Nachrichten: platziert, verworfen, verdrängt; aus):</translation>
+    </message>
+    <message>
+        <source>  %1 %2: %3, %4, %5; %6</source>
+        <translation>  %1 %2: %3, %4, %5; %6</translation>
+    </message>
+    <message>
+        <source>Passed over</source>
+        <translation>Übergangen</translation>
+    </message>
 </context>
 <context>
     <name>SampleReader</name>
@@ -863,6 +947,68 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>%1: passed over: %2</source>
         <translation>%1: übergangen: %2</translation>
+    </message>
+</context>
+<context>
+    <name>UlogReader</name>
+    <message>
+        <source>%1: a ULog is read twice, which a pipe cannot be</source>
+        <translation>%1: Ein ULog wird zweimal gelesen, was bei einer Pipe nicht geht</translation>
+    </message>
+    <message>
+        <source>the log holds no sensor_combined messages</source>
+        <translation>Das Log enthält keine sensor_combined-Nachrichten</translation>
+    </message>
+    <message>
+        <source>%1: the log changed while it was read</source>
+        <translation>%1: Das Log hat sich beim Lesen geändert</translation>
+    </message>
+    <message>
+        <source>sensor_combined, the sample&apos;s index</source>
+        <translation>sensor_combined, der Index des Samples</translation>
+    </message>
+    <message>
+        <source>; and %1 more</source>
+        <translation>; und %1 weitere</translation>
+    </message>
+    <message>
+        <source>passed over: %1</source>
+        <translation>übergangen: %1</translation>
+    </message>
+    <message>
+        <source>messages of unknown types: %1</source>
+        <translation>Nachrichten unbekannter Typen: %1</translation>
+    </message>
+    <message>
+        <source>repeated messages dropped: %1</source>
+        <translation>wiederholte Nachrichten verworfen: %1</translation>
+    </message>
+    <message>
+        <source>messages left out for values not finite: %1</source>
+        <translation>wegen nicht endlicher Werte ausgelassene Nachrichten: %1</translation>
+    </message>
+    <message>
+        <source>%1 %2 dropped</source>
+        <translation>%1 %2 verworfen</translation>
+    </message>
+    <message>
+        <source>%1 %2 collided</source>
+        <translation>%1 %2 kollidiert</translation>
+    </message>
+    <message>
+        <source>%1 %2 dropped and %3 collided</source>
+        <translation>%1 %2 verworfen und %3 kollidiert</translation>
+    </message>
+    <message>
+        <source>messages not placed (fill %1): %2</source>
+        <translation>nicht platzierte Nachrichten (Füllung %1): %2</translation>
+    </message>
+</context>
+<context>
+    <name>UlogSources</name>
+    <message>
+        <source>%1 (older layout)</source>
+        <translation>%1 (älteres Layout)</translation>
     </message>
 </context>
 <context>

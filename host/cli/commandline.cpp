@@ -4,6 +4,7 @@
 #include "localfilepath.h"
 #include "outputfile.h"
 #include "pluginhost.h"
+#include "ulogfillpolicy.h"
 #include "versiontext.h"
 
 #include <abstractexporterfactory.h>
@@ -132,6 +133,53 @@ QCommandLineOption settingsOption()
                 QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
                 + QStringLiteral("/asciiexport.ini"))),
         tr("FILE"));
+}
+
+QCommandLineOption fillOption()
+{
+    return QCommandLineOption(
+        QStringLiteral("fill"),
+        tr("For PX4 flight logs, how the samples of the IMU take the messages of slower topics: "
+           "none (the default: each message goes onto the one sample nearest to it), hold (each "
+           "sample takes the latest message before it) or nearest (the nearest message on "
+           "either side)."),
+        tr("POLICY"), QStringLiteral("none"));
+}
+
+QCommandLineOption maxAgeOption()
+{
+    return QCommandLineOption(
+        QStringLiteral("max-age"),
+        tr("For --fill hold and nearest: how far from a sample, in milliseconds, a message may "
+           "lie at most (default 500)."),
+        tr("MS"), QStringLiteral("500"));
+}
+
+bool readFillPolicy(const QCommandLineParser &parser, const QCommandLineOption &fill,
+                    const QCommandLineOption &maxAge, UlogFillPolicy *policy, QString *message)
+{
+    const QString kind = parser.value(fill);
+    if (kind == QLatin1String("none"))
+        policy->kind = UlogFillPolicy::Kind::None;
+    else if (kind == QLatin1String("hold"))
+        policy->kind = UlogFillPolicy::Kind::Hold;
+    else if (kind == QLatin1String("nearest"))
+        policy->kind = UlogFillPolicy::Kind::Nearest;
+    else {
+        *message = tr("--fill takes none, hold or nearest, not \"%1\"").arg(kind);
+        return false;
+    }
+    bool ok = false;
+    policy->maxAgeMs = parser.value(maxAge).toInt(&ok);
+    if (!ok || policy->maxAgeMs < 0) {
+        *message = tr("--max-age takes a whole number of milliseconds, 0 or more");
+        return false;
+    }
+    if (parser.isSet(maxAge) && policy->kind == UlogFillPolicy::Kind::None) {
+        *message = tr("--max-age applies to --fill hold and nearest only");
+        return false;
+    }
+    return true;
 }
 
 bool parseOptionsOnly(QCommandLineParser &parser, const QString &command,

@@ -7,6 +7,7 @@
 #include <functional>
 
 class PluginHost;
+struct UlogFillPolicy;
 class QIODevice;
 class QCommandLineOption;
 class QCommandLineParser;
@@ -42,6 +43,17 @@ QCommandLineOption settingsOption();
 /** The plug-in file the user named, or the one the program finds. */
 QString pluginFile(const QCommandLineParser &parser, const QCommandLineOption &option);
 QString settingsFile(const QCommandLineParser &parser, const QCommandLineOption &option);
+
+/** --fill none|hold|nearest: how a flight log's slower topics fill the IMU's samples. */
+QCommandLineOption fillOption();
+/** --max-age MS: how far from a sample a message may lie for --fill hold and nearest. */
+QCommandLineOption maxAgeOption();
+/**
+ * Reads @p fill and @p maxAge into @p policy; false, with what is wrong in
+ * @p message, when they take no such value.
+ */
+bool readFillPolicy(const QCommandLineParser &parser, const QCommandLineOption &fill,
+                    const QCommandLineOption &maxAge, UlogFillPolicy *policy, QString *message);
 
 /** Loads the plug-in and its stored settings; false after reporting why not. */
 bool loadPlugin(PluginHost &host, const QString &settings);

@@ -6,6 +6,7 @@
 #include "recordingconverter.h"
 #include "recordinginput.h"
 #include "samefile.h"
+#include "ulogfillpolicy.h"
 
 #include <QCommandLineParser>
 
@@ -20,19 +21,26 @@ int convert(const QStringList &arguments)
     const QCommandLineOption output(
         {QStringLiteral("o"), QStringLiteral("output")},
         tr("The JSON Lines recording to write; - writes to standard output."), tr("FILE"));
-    parser.addOption(output);
-    parser.addPositionalArgument(QStringLiteral("LOG"), tr("The UBX receiver log to convert."));
+    const QCommandLineOption fill = fillOption();
+    const QCommandLineOption maxAge = maxAgeOption();
+    parser.addOptions({output, fill, maxAge});
+    parser.addPositionalArgument(QStringLiteral("LOG"),
+                                 tr("The UBX receiver log or PX4 flight log (ULog) to convert."));
     int status = 0;
     if (!parse(parser, command,
-               tr("Writes a UBX receiver log as a recording in the JSON Lines format, which "
-                  "exports to the same "
-                  "bytes as the log."),
+               tr("Writes a UBX receiver log or a PX4 flight log as a recording in the JSON "
+                  "Lines format, which exports to the same bytes as the log."),
                arguments, &status))
         return status;
     if (parser.positionalArguments().size() != 1)
         return usageError(command, tr("give one log"));
     if (!parser.isSet(output))
         return usageError(command, tr("--output is required"));
+
+    UlogFillPolicy policy;
+    QString problem;
+    if (!readFillPolicy(parser, fill, maxAge, &policy, &problem))
+        return usageError(command, problem);
 
     const QString log = localFilePath(parser.positionalArguments().first());
     const QString fileName = localFilePath(parser.value(output));
@@ -47,12 +55,13 @@ int convert(const QStringList &arguments)
         return 1;
     }
     RecordingInput input;
+    input.setUlogFillPolicy(policy);
     if (!input.open(log)) {
         printError(input.errorString());
         return 1;
     }
-    if (input.format() != RecordingInput::Format::Ubx) {
-        printError(tr("%1: is not a UBX log").arg(log));
+    if (input.format() == RecordingInput::Format::JsonLines) {
+        printError(tr("%1: is neither a UBX receiver log nor a PX4 flight log").arg(log));
         return 1;
     }
     status =

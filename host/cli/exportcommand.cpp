@@ -157,6 +157,9 @@ bool ExportCommand::readOptions(const QStringList &arguments, Options *options, 
     options->skipBadLines = parser.isSet(QStringLiteral("skip-bad-lines"));
     if (parser.isSet(QStringLiteral("groups")))
         options->groups = parser.value(QStringLiteral("groups"));
+    QString problem;
+    if (!readFillPolicy(parser, fillOption(), maxAgeOption(), &options->fill, &problem))
+        return refuse(problem, status);
     return readOutputs(parser, options, status) && readSelection(parser, options, status)
         && readJobs(parser, options, status) && readChanges(parser, options, status);
 }
@@ -216,11 +219,11 @@ void ExportCommand::addOptions(QCommandLineParser &parser, const QCommandLineOpt
     const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")},
                                    tr("Show no progress, and do not name the files written."));
     parser.addOptions({plugin, settings, set, strict, groups, from, to, every, output, outputDir,
-                       skipBadLines, jobs, progress, quiet});
+                       skipBadLines, fillOption(), maxAgeOption(), jobs, progress, quiet});
     parser.addPositionalArgument(
         QStringLiteral("RECORDING"),
-        tr("Recordings to export (JSON Lines or UBX logs); - reads one from standard "
-           "input."),
+        tr("Recordings to export (JSON Lines, UBX logs or PX4 flight logs); - reads one "
+           "from standard input."),
         QStringLiteral("RECORDING..."));
 }
 
@@ -370,6 +373,7 @@ ExportCommand::ExportCommand(const Options &options, AbstractExporterFactory *fa
 {
     job.setReadAhead(!sideBySide && QThread::idealThreadCount() > 1);
     job.setSelection(options.selection);
+    job.setFillPolicy(options.fill);
     job.setSkipBadLines(options.skipBadLines, [this](const QString &warning) {
         bar.clear();
         printError(warning);

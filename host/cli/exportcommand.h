@@ -5,6 +5,7 @@
 #include "outputnames.h"
 #include "progressbar.h"
 #include "sampleselection.h"
+#include "ulogfillpolicy.h"
 
 #include <QCoreApplication>
 #include <QList>
@@ -50,6 +51,8 @@ public:
         bool strict = false;
         bool skipBadLines = false;
         SampleSelection selection;
+        /** --fill and --max-age, for flight logs. */
+        UlogFillPolicy fill;
         int jobs = 1;
         bool progress = false;
         bool quiet = false;

@@ -40,9 +40,9 @@ int showInfo(const QStringList &arguments)
     QCommandLineParser parser;
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
-    const QCommandLineOption recording(QStringLiteral("recording"),
-                                       tr("Show what this recording or UBX log holds instead."),
-                                       tr("FILE"));
+    const QCommandLineOption recording(
+        QStringLiteral("recording"),
+        tr("Show what this recording, UBX log or flight log holds instead."), tr("FILE"));
     parser.addOptions({plugin, settings, recording});
     int status = 0;
     if (!parseOptionsOnly(parser, command,

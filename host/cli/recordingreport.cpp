@@ -3,6 +3,7 @@
 #include "recordinginput.h"
 #include "ubxmessages.h"
 #include "ubxtimeline.h"
+#include "ulogsummary.h"
 
 #include <QVariant>
 
@@ -62,51 +63,20 @@ bool RecordingReport::describe(RecordingInput &input, const QString &name, QStri
     }
 
     lines->append(row(tr("Recording"), name));
-    const bool ubx = input.format() == RecordingInput::Format::Ubx;
-    lines->append(row(tr("Format"), ubx ? tr("UBX receiver log") : tr("JSON Lines")));
-    if (ubx) {
-        const UbxLogStatistics &log = input.ubxLog().statistics();
-        lines->append(countRow(tr("Bytes"), log.bytes));
-        lines->append(row(tr("Frames"), tr("%1 (%2 bytes)").arg(log.frames).arg(log.frameBytes)));
-        lines->append(countRow(tr("Bad checksums"), log.badChecksums));
-        lines->append(countRow(tr("Cut short at end"), log.cutFrames));
-        lines->append(countRow(tr("Bytes skipped"), log.skippedBytes()));
-        QStringList used;
-        QStringList unused;
-        for (auto message = log.messages.cbegin(); message != log.messages.cend(); ++message) {
-            const quint16 key = message.key();
-            const bool read = UbxMessages::messageRead(key) != nullptr;
-            const QString text = QStringLiteral("  %1 %2")
-                                     .arg(UbxMessages::messageName(key), -12)
-                                     .arg(message.value());
-            (read ? used : unused).append(text);
-        }
-        lines->append(tr("Messages used:"));
-        *lines += used;
-        lines->append(tr("Messages not used:"));
-        *lines += unused;
-        lines->append(countRow(tr("Wrong length"), log.wrongLengths));
-        lines->append(countRow(tr("Repeated"), log.repeated));
-        lines->append(countRow(tr("At iTOW 0"), log.atTimeOfWeekZero));
-        if (log.epochs > 0) {
-            const auto time = [&log](qint64 time) {
-                const qint64 timeOfWeek = UbxTimeline::timeOfWeekOf(time);
-                return log.weekKnown
-                    ? tr("week %1 iTOW %2 ms").arg(UbxTimeline::weekOf(time)).arg(timeOfWeek)
-                    : tr("iTOW %1 ms").arg(timeOfWeek);
-            };
-            lines->append(row(
-                tr("Epochs"),
-                tr("%1 (%2 to %3)").arg(log.epochs).arg(time(log.firstTime), time(log.lastTime))));
-        } else {
-            lines->append(countRow(tr("Epochs"), 0));
-        }
-        lines->append(row(tr("Satellites"),
-                          tr("%1 GPS in NAV-SVINFO, %2 GNSS in NAV-SAT")
-                              .arg(log.gpsSatellites.size())
-                              .arg(log.gnssSatellites.size())));
-    } else {
+    switch (input.format()) {
+    case RecordingInput::Format::Ubx:
+        lines->append(row(tr("Format"), tr("UBX receiver log")));
+        describeUbx(input.ubxLog().statistics(), lines);
+        break;
+    case RecordingInput::Format::Ulog:
+        lines->append(row(tr("Format"), tr("PX4 flight log (ULog)")));
         lines->append(countRow(tr("Samples"), samples));
+        describeUlog(input.ulogLog().summary(), lines);
+        break;
+    case RecordingInput::Format::JsonLines:
+        lines->append(row(tr("Format"), tr("JSON Lines")));
+        lines->append(countRow(tr("Samples"), samples));
+        break;
     }
     const double rate = input.updateRate();
     lines->append(row(tr("Update rate"), rate != 0.0 ? tr("%1 Hz").arg(rate) : tr("not known")));
@@ -114,4 +84,79 @@ bool RecordingReport::describe(RecordingInput &input, const QString &name, QStri
     for (auto property = properties.cbegin(); property != properties.cend(); ++property)
         lines->append(row(property.key(), shownText(property.value().toString())));
     return true;
+}
+
+void RecordingReport::describeUbx(const UbxLogStatistics &log, QStringList *lines)
+{
+    lines->append(countRow(tr("Bytes"), log.bytes));
+    lines->append(row(tr("Frames"), tr("%1 (%2 bytes)").arg(log.frames).arg(log.frameBytes)));
+    lines->append(countRow(tr("Bad checksums"), log.badChecksums));
+    lines->append(countRow(tr("Cut short at end"), log.cutFrames));
+    lines->append(countRow(tr("Bytes skipped"), log.skippedBytes()));
+    QStringList used;
+    QStringList unused;
+    for (auto message = log.messages.cbegin(); message != log.messages.cend(); ++message) {
+        const quint16 key = message.key();
+        const bool read = UbxMessages::messageRead(key) != nullptr;
+        const QString text =
+            QStringLiteral("  %1 %2").arg(UbxMessages::messageName(key), -12).arg(message.value());
+        (read ? used : unused).append(text);
+    }
+    lines->append(tr("Messages used:"));
+    *lines += used;
+    lines->append(tr("Messages not used:"));
+    *lines += unused;
+    lines->append(countRow(tr("Wrong length"), log.wrongLengths));
+    lines->append(countRow(tr("Repeated"), log.repeated));
+    lines->append(countRow(tr("At iTOW 0"), log.atTimeOfWeekZero));
+    if (log.epochs > 0) {
+        const auto time = [&log](qint64 time) {
+            const qint64 timeOfWeek = UbxTimeline::timeOfWeekOf(time);
+            return log.weekKnown
+                ? tr("week %1 iTOW %2 ms").arg(UbxTimeline::weekOf(time)).arg(timeOfWeek)
+                : tr("iTOW %1 ms").arg(timeOfWeek);
+        };
+        lines->append(
+            row(tr("Epochs"),
+                tr("%1 (%2 to %3)").arg(log.epochs).arg(time(log.firstTime), time(log.lastTime))));
+    } else {
+        lines->append(countRow(tr("Epochs"), 0));
+    }
+    lines->append(row(tr("Satellites"),
+                      tr("%1 GPS in NAV-SVINFO, %2 GNSS in NAV-SAT")
+                          .arg(log.gpsSatellites.size())
+                          .arg(log.gnssSatellites.size())));
+}
+
+void RecordingReport::describeUlog(const UlogSummary &log, QStringList *lines)
+{
+    lines->append(tr("Topics (instance, messages, rate):"));
+    for (const UlogSummary::Topic &topic : log.topics) {
+        lines->append(tr("  %1 %2 %3 %4 Hz")
+                          .arg(topic.name, -32)
+                          .arg(topic.multiId)
+                          .arg(topic.messages, 8)
+                          .arg(topic.rate, 8, 'f', 1));
+    }
+    lines->append(
+        row(tr("Dropouts"), tr("%1 (%2 ms in all)").arg(log.dropouts).arg(log.dropoutMs)));
+    lines->append(row(tr("Logged messages"), QString::number(log.logged.size())));
+    for (const UlogSummary::LoggedMessage &message : log.logged) {
+        lines->append(tr("  %1 s level %2: %3")
+                          .arg(double(message.timestamp) * 1e-6, 0, 'f', 6)
+                          .arg(message.level)
+                          .arg(shownText(message.text)));
+    }
+    lines->append(tr("Keys (messages: placed, dropped, collided; from):"));
+    for (const UlogSummary::Key &key : log.keys) {
+        lines->append(tr("  %1 %2: %3, %4, %5; %6")
+                          .arg(key.key, -26)
+                          .arg(key.messages)
+                          .arg(key.used)
+                          .arg(key.dropped)
+                          .arg(key.collided)
+                          .arg(key.source));
+    }
+    for (const QString &damage : log.damage)
+        lines->append(row(tr("Passed over"), damage));
 }

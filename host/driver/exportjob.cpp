@@ -36,6 +36,11 @@ void ExportJob::setSelection(const SampleSelection &samples)
     selection = samples;
 }
 
+void ExportJob::setFillPolicy(const UlogFillPolicy &policy)
+{
+    fill = policy;
+}
+
 bool ExportJob::run(const QString &recording, const OutputName &outputName,
                     const Progress &progress)
 {
@@ -47,6 +52,7 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
     notice.clear();
 
     RecordingInput reader;
+    reader.setUlogFillPolicy(fill);
     QFile standardInput;
     if (!open(recording, &reader, &standardInput)
         || !nameOutput(recording, reader.properties(), outputName))

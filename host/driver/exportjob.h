@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "sampleselection.h"
+#include "ulogfillpolicy.h"
 
 class AbstractExporter;
 class AbstractExporterFactory;
@@ -76,6 +77,8 @@ public:
 
     /** Exports only these samples of each recording. */
     void setSelection(const SampleSelection &samples);
+    /** How the samples of a flight log take the messages of its slower topics. */
+    void setFillPolicy(const UlogFillPolicy &policy);
 
     /**
      * Exports @p recording ("-" for standard input) into the file that
@@ -116,6 +119,7 @@ private:
     bool readAhead = true;
     WarningHandler warning;
     SampleSelection selection;
+    UlogFillPolicy fill;
     Failure failed = Failure::None;
     QString error;
     QString output;

@@ -43,7 +43,9 @@ void writeRecordingObject(JsonLineWriter &line, const Walk &walk, double rate)
     line.endObject();
 }
 
-bool checkOptions(const GeneratorOptions &options, QString *error)
+} // namespace
+
+bool checkGeneratorOptions(const GeneratorOptions &options, QString *error)
 {
     if (options.samples < 0) {
         *error = QCoreApplication::translate("RecordingGenerator",
@@ -58,8 +60,6 @@ bool checkOptions(const GeneratorOptions &options, QString *error)
     return true;
 }
 
-} // namespace
-
 QStringList recordingKeys()
 {
     QStringList keys;
@@ -70,7 +70,7 @@ QStringList recordingKeys()
 
 bool generateRecording(const GeneratorOptions &options, QIODevice *out, QString *error)
 {
-    if (!checkOptions(options, error))
+    if (!checkGeneratorOptions(options, error))
         return false;
     std::vector<bool> wanted(sampleWriterCount, options.keys.isEmpty());
     for (const QString &key : options.keys) {
@@ -114,7 +114,7 @@ bool generateReceiverEpochs(const GeneratorOptions &options,
                             const std::function<bool(const RecordingSample &)> &write,
                             QString *error)
 {
-    if (!checkOptions(options, error))
+    if (!checkGeneratorOptions(options, error))
         return false;
     Walk walk(options, options.rate);
     RecordingSample epoch;

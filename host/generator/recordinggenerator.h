@@ -22,6 +22,12 @@ struct GeneratorOptions
     QStringList keys;
 };
 
+/**
+ * Whether @p options lie in range: no negative number of samples, a rate
+ * above 0 and at most 10000 Hz. If not, sets @p error to say which.
+ */
+bool checkGeneratorOptions(const GeneratorOptions &options, QString *error);
+
 /** The sample keys of the recording format that the generator writes, in the order of a line. */
 QStringList recordingKeys();
 

@@ -49,7 +49,7 @@ const SampleWriter sampleWriters[] = {
      [](const SampleState &s, JsonLineWriter &l) { l.numbers(s.latitudeLongitude, 2, 9); }},
     {"altitude", [](const SampleState &s, JsonLineWriter &l) { l.number(s.altitude, 3); }},
     {"temperature", [](const SampleState &s, JsonLineWriter &l) { l.number(s.temperature, 2); }},
-    {"pressure", [](const SampleState &s, JsonLineWriter &l) { l.number(s.pressure, 1); }},
+    {"pressure", [](const SampleState &s, JsonLineWriter &l) { l.number(s.pressure, 3); }},
     {"scrTemperature",
      [](const SampleState &s, JsonLineWriter &l) { l.integer(s.scrTemperature); }},
     {"gyroTemperatures",

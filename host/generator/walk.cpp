@@ -231,7 +231,10 @@ private:
     void stepEnvironment(double t)
     {
         state.temperature = 24.5 + 1.5 * std::sin(2 * pi * t / 1200.0) + random.noise(0.02);
-        state.pressure = 96500.0 - 12.0 * (state.altitude - startAltitude) + random.noise(3.0);
+        // Some 965 hPa, 0.12 hPa less a metre up; the noise is drawn in Pa,
+        // so that the walk's random numbers stay as they were.
+        state.pressure =
+            (96500.0 - 12.0 * (state.altitude - startAltitude) + random.noise(3.0)) * 0.01;
         state.rssi = std::round(-58.0 + random.noise(2.0));
         state.scrTemperature =
             clamped<quint16>(11500 + 40.0 * std::sin(2 * pi * t / 600.0) + random.noise(2));

@@ -23,6 +23,13 @@ int contentStart(const QByteArray &head)
     return start < head.size() ? start : -1;
 }
 
+constexpr char ulogMagic[] = {'U', 'L', 'o', 'g', 0x01, 0x12, 0x35};
+
+bool startsUlog(const char *head, qint64 size)
+{
+    return size >= qint64(sizeof ulogMagic) && std::memcmp(head, ulogMagic, sizeof ulogMagic) == 0;
+}
+
 bool startsJsonLines(const QByteArray &head)
 {
     const int start = contentStart(head);
@@ -49,6 +56,10 @@ bool RecordingInput::open(const QString &fileName)
     if (detected == Format::Ubx) {
         active = &ubx;
         return ubx.open(fileName);
+    }
+    if (detected == Format::Ulog) {
+        active = &ulog;
+        return ulog.open(fileName);
     }
     return jsonLines.open(fileName);
 }
@@ -87,6 +98,10 @@ bool RecordingInput::openSeekable(QIODevice *device, const QString &name)
         active = &ubx;
         return ubx.open(device, name);
     }
+    if (detected == Format::Ulog) {
+        active = &ulog;
+        return ulog.open(device, name);
+    }
     return jsonLines.open(device, name);
 }
 
@@ -100,10 +115,22 @@ const UbxReader &RecordingInput::ubxLog() const
     return ubx;
 }
 
+const UlogReader &RecordingInput::ulogLog() const
+{
+    return ulog;
+}
+
+void RecordingInput::setUlogFillPolicy(const UlogFillPolicy &policy)
+{
+    ulog.setFillPolicy(policy);
+}
+
 RecordingInput::Format RecordingInput::detect(QIODevice *device)
 {
     std::vector<char> block(std::size_t(blockSize) + 1);
     qint64 got = device->read(block.data() + 1, blockSize);
+    if (startsUlog(block.data() + 1, got))
+        return Format::Ulog;
     if (got <= 0 || startsJsonLines(QByteArray::fromRawData(block.data() + 1, int(got))))
         return Format::JsonLines;
     // Sync bytes may stand across two blocks: the last byte of one is kept

@@ -6,6 +6,8 @@
 #include "recordfields.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace {
 
@@ -29,6 +31,68 @@ void writeProperty(JsonLineWriter &line, const QString &key, const QVariant &val
     }
 }
 
+// The vectors of a sample under their keys; an empty one is absent.
+const std::pair<const char *, KvVector RecordingSample::*> vectorKeys[] = {
+    {"calibratedAcceleration", &RecordingSample::calibratedAcceleration},
+    {"freeAcceleration", &RecordingSample::freeAcceleration},
+    {"calibratedAngularVelocity", &RecordingSample::calibratedAngularVelocity},
+    {"magneticField", &RecordingSample::magneticField},
+    {"velocityIncrement", &RecordingSample::velocityIncrement},
+    {"velocity", &RecordingSample::velocity},
+    {"latitudeLongitude", &RecordingSample::latitudeLongitude},
+};
+
+// A vector or quaternion as a list of its exact values.
+template <typename Values>
+void writeExactNumbers(JsonLineWriter &line, const char *key, const Values &values, int count)
+{
+    line.key(key);
+    line.beginList();
+    for (int i = 0; i < count; ++i)
+        line.exactNumber(values[i]);
+    line.endList();
+}
+
+// What a flight log gives a sample, each key only where the sample holds
+// it: the reader answers the same for a key that is absent.
+void writeInertialKeys(JsonLineWriter &line, const RecordingSample &sample)
+{
+    if (sample.hasSampleTimeFine) {
+        line.key("sampleTimeFine");
+        line.integer(sample.sampleTimeFine);
+    }
+    if (sample.sampleDateTime.isValid()) {
+        line.key("sampleDateTime");
+        line.string(sample.sampleDateTime.toString(Qt::ISODateWithMs));
+    }
+    if (!sample.utcTime.isZero()) {
+        line.key("utcTime");
+        line.record(RecordFields::utcTime, sample.utcTime);
+    }
+    if (sample.clippingFlags != 0) {
+        line.key("clippingFlags");
+        line.integer(sample.clippingFlags);
+    }
+    for (const auto &[key, member] : vectorKeys) {
+        const KvVector &vector = sample.*member;
+        if (!vector.isEmpty())
+            writeExactNumbers(line, key, vector, vector.size());
+    }
+    if (!sample.orientationQuaternion.isEmpty()) {
+        writeExactNumbers(line, "orientationQuaternion", sample.orientationQuaternion, 4);
+    }
+    const std::pair<const char *, double> scalars[] = {{"altitude", sample.altitude},
+                                                       {"temperature", sample.temperature},
+                                                       {"pressure", sample.pressure}};
+    for (const auto &[key, value] : scalars) {
+        // Not a number, or (altitude) infinite, is how a sample says it has none.
+        if (std::isfinite(value)) {
+            line.key(key);
+            line.exactNumber(value);
+        }
+    }
+}
+
 // A record with time of week 0 holds no data, so it is left out, which
 // reads back the same.
 void writeSample(JsonLineWriter &line, const RecordingSample &sample)
@@ -37,6 +101,7 @@ void writeSample(JsonLineWriter &line, const RecordingSample &sample)
     line.beginObject();
     line.key("packetCounter");
     line.integer(sample.packetCounter);
+    writeInertialKeys(line, sample);
     if (sample.gpsSolution.iTOW != 0) {
         line.key("gpsSolution");
         line.record(gpsSolution, sample.gpsSolution);

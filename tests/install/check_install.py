@@ -201,6 +201,10 @@ class Check:
                        "--help", "--version"]:
             expect(option in options, "export's options lack %s: %s" % (option, options))
         expect(complete("asciiexport generate --s") == ["--samples", "--seed"], "generate's options")
+        expect(complete("asciiexport export --fill ") == ["hold", "nearest", "none"], "fill policies")
+        expect(complete("asciiexport convert --f") == ["--fill"], "convert's options")
+        expect(complete("asciiexport generate --format u") == ["ubx", "ulog"], "generated formats")
+        expect(complete("asciiexport generate --layout ") == ["current", "older"], "ULog layouts")
         keys = complete("asciiexport export --set export")
         expect("exportRssi=" in keys and "exportOrientation=" in keys and len(keys) > 20,
                "setting keys: %s" % keys)

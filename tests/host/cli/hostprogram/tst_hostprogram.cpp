@@ -152,7 +152,7 @@ void tst_HostProgram::generatedExports_data()
 // what generate writes for the options below), first row of
 // host-all-euler.txt: packet counter 00000, sample time 1200000, the date
 // 2026 11 21 with 0.0000 seconds, RSSI -60.0000, acceleration -0.293909
-// 0.018725 9.808920, pressure 96502.8000, the Euler angles 0.000000 1.610544
+// 0.018725 9.808920, pressure 965.0280, the Euler angles 0.000000 1.610544
 // 30.000000 worked out from the quaternion (0.965830427, -0.003637491,
 // 0.013575302, 0.258793483), position 47.376900000 8.541700000 412.000000,
 // temperature 24.52, gyroscope words 6277 6380 6482 as 25 25 25, the GNSS

@@ -71,6 +71,9 @@ void tst_BlockWriter::writesInBlocks()
     QVERIFY(device.open(QIODevice::WriteOnly));
     BlockWriter blocks(&device);
     QByteArray expected;
+    // Room for the whole text at once: under AddressSanitizer each append
+    // that fits exactly would copy it all.
+    expected.reserve(lines * (lineLength + 1));
     for (int i = 0; i < lines; ++i) {
         const std::string line(std::size_t(lineLength), char('a' + i % 26));
         QVERIFY(blocks.appendLine(line));
