@@ -26,7 +26,13 @@ void tst_NumberReading::everyFormIsExact_data()
 void tst_NumberReading::everyFormIsExact()
 {
     QFETCH(int, form);
+#ifdef SANITIZED_BUILD
+    // The plain build checks the full count; under the sanitizers, which
+    // look for faults of memory rather than of digits, a fifth does.
+    constexpr qint64 count = 200000;
+#else
     constexpr qint64 count = 1000000;
+#endif
     qint64 checked = 0;
     const QString mismatch =
         checkNumberReading(NumberTexts::Form(form), count, 20261123 + quint64(form), &checked);
