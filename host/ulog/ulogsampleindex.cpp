@@ -1,7 +1,9 @@
 #include "ulogsampleindex.h"
 
 #include <algorithm>
+#include <numeric>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -39,20 +41,20 @@ bool UlogSampleIndex::order(const ReadBack &readBack,
     };
     if (!std::is_sorted(entries.begin(), entries.end(), earlier))
         std::sort(entries.begin(), entries.end(), earlier);
-    std::size_t kept = 0;
-    std::size_t sameTimeFrom = 0;
-    std::string payload;
-    bool failed = false;
-    for (const Entry &entry : entries) {
-        if (kept == 0 || entries[kept - 1].timestamp != entry.timestamp)
-            sameTimeFrom = kept;
-        if (isRepeat(entry, sameTimeFrom, kept, readBack, &payload, &failed)) {
-            dropped(payload);
-            continue;
-        }
-        if (failed)
+    // A repeat stands among the messages of its timestamp.
+    std::vector<bool> repeat(entries.size());
+    for (std::size_t from = 0; from < entries.size();) {
+        std::size_t to = from + 1;
+        while (to < entries.size() && entries[to].timestamp == entries[from].timestamp)
+            ++to;
+        if (to - from > 1 && !markRepeats(from, to, readBack, dropped, &repeat))
             return false;
-        entries[kept++] = entry;
+        from = to;
+    }
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (!repeat[i])
+            entries[kept++] = entries[i];
     }
     entries.resize(kept);
     sampleTimes.resize(kept);
@@ -65,30 +67,50 @@ bool UlogSampleIndex::order(const ReadBack &readBack,
     return true;
 }
 
-// Whether @p entry repeats one kept before it of the same timestamp: the
-// same size and hash, and then the same bytes. @p payload gets its bytes.
-bool UlogSampleIndex::isRepeat(const Entry &entry, std::size_t sameTimeFrom, std::size_t kept,
-                               const ReadBack &readBack, std::string *payload, bool *failed) const
+// Marks in @p repeat the entries of [@p from, @p to), all of one timestamp,
+// whose bytes an earlier one of them has. Only entries of the same hash and
+// size are compared, so a log of many messages at one time costs no more
+// than their sorting.
+bool UlogSampleIndex::markRepeats(std::size_t from, std::size_t to, const ReadBack &readBack,
+                                  const std::function<void(std::string_view)> &dropped,
+                                  std::vector<bool> *repeat) const
 {
-    const auto bytesAt = [&](quint64 location, std::string *into) {
-        into->resize(location & 0xFFFF);
-        *failed =
-            *failed || !readBack(qint64(location >> 16), into->data(), qint64(location & 0xFFFF));
-        return !*failed;
+    const auto key = [this](std::size_t i) {
+        return std::make_pair(entries[i].hash, entries[i].location & 0xFFFF);
     };
+    std::vector<std::size_t> group(to - from);
+    std::iota(group.begin(), group.end(), from);
+    // The log's order stays among entries of one key, so the first is kept.
+    std::stable_sort(group.begin(), group.end(),
+                     [&key](std::size_t a, std::size_t b) { return key(a) < key(b); });
+    const auto bytesAt = [&readBack](quint64 location, std::string *into) {
+        into->resize(location & 0xFFFF);
+        return readBack(qint64(location >> 16), into->data(), qint64(location & 0xFFFF));
+    };
+    std::string payload;
     std::string other;
-    payload->clear();
-    for (std::size_t i = sameTimeFrom; i < kept; ++i) {
-        const Entry &before = entries[i];
-        if (before.hash != entry.hash || (before.location & 0xFFFF) != (entry.location & 0xFFFF))
-            continue;
-        if ((payload->empty() && !bytesAt(entry.location, payload))
-            || !bytesAt(before.location, &other))
-            return false;
-        if (*payload == other)
-            return true;
+    for (std::size_t run = 0; run < group.size();) {
+        std::size_t end = run + 1;
+        while (end < group.size() && key(group[end]) == key(group[run]))
+            ++end;
+        for (std::size_t i = run + 1; i < end; ++i) {
+            if (!bytesAt(entries[group[i]].location, &payload))
+                return false;
+            for (std::size_t j = run; j < i; ++j) {
+                if ((*repeat)[group[j]])
+                    continue;
+                if (!bytesAt(entries[group[j]].location, &other))
+                    return false;
+                if (payload == other) {
+                    (*repeat)[group[i]] = true;
+                    dropped(payload);
+                    break;
+                }
+            }
+        }
+        run = end;
     }
-    return false;
+    return true;
 }
 
 double UlogSampleIndex::medianStep() const

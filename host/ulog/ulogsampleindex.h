@@ -53,8 +53,9 @@ private:
         quint64 hash;
     };
 
-    bool isRepeat(const Entry &entry, std::size_t sameTimeFrom, std::size_t kept,
-                  const ReadBack &readBack, std::string *payload, bool *failed) const;
+    bool markRepeats(std::size_t from, std::size_t to, const ReadBack &readBack,
+                     const std::function<void(std::string_view)> &dropped,
+                     std::vector<bool> *repeat) const;
 
     std::vector<Entry> entries;
     std::vector<quint64> sampleTimes;
