@@ -103,8 +103,12 @@ bool ExportCommand::readOptions(const QStringList &arguments, Options *options, 
     QCommandLineParser parser;
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
-    addOptions(parser, plugin, settings);
-    if (!parse(parser, commandName(),
+    parser.addPositionalArgument(
+        QStringLiteral("RECORDING"),
+        tr("Recordings to export (JSON Lines, UBX logs or PX4 flight logs); - reads one "
+           "from standard input."),
+        QStringLiteral("RECORDING..."));
+    if (!parse(parser, commandLineOptions(plugin, settings), commandName(),
                tr("Exports recordings as delimited text, one file per recording. The output file "
                   "is named "
                   "by the settings outputFileFormat and outputFileExtension unless --output is "
@@ -129,8 +133,8 @@ bool ExportCommand::readOptions(const QStringList &arguments, Options *options, 
         && readJobs(parser, options, status) && readChanges(parser, options, status);
 }
 
-void ExportCommand::addOptions(QCommandLineParser &parser, const QCommandLineOption &plugin,
-                               const QCommandLineOption &settings)
+QList<QCommandLineOption> ExportCommand::commandLineOptions(const QCommandLineOption &plugin,
+                                                            const QCommandLineOption &settings)
 {
     const QCommandLineOption set(
         QStringLiteral("set"),
@@ -183,13 +187,8 @@ void ExportCommand::addOptions(QCommandLineParser &parser, const QCommandLineOpt
         tr("Show progress even when standard error is not a terminal."));
     const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")},
                                    tr("Show no progress, and do not name the files written."));
-    parser.addOptions({plugin, settings, set, strict, groups, from, to, every, output, outputDir,
-                       skipBadLines, fillOption(), maxAgeOption(), jobs, progress, quiet});
-    parser.addPositionalArgument(
-        QStringLiteral("RECORDING"),
-        tr("Recordings to export (JSON Lines, UBX logs or PX4 flight logs); - reads one "
-           "from standard input."),
-        QStringLiteral("RECORDING..."));
+    return {plugin, settings,  set,          strict,       groups,         from, to,       every,
+            output, outputDir, skipBadLines, fillOption(), maxAgeOption(), jobs, progress, quiet};
 }
 
 // The recordings, where their files go, and how much is said on the way.
