@@ -6,7 +6,9 @@
 #include <functional>
 
 class AbstractOptionsPage;
+class PageScrollArea;
 class QDialogButtonBox;
+class QRect;
 class QStackedWidget;
 class QTreeWidget;
 
@@ -32,6 +34,13 @@ public:
     /** Shows the stored settings on every page, discarding edits. */
     void refresh();
 
+    /**
+     * The size the dialog opens with on a screen whose free area is
+     * @p available: what its pages ask for, as far as the area has room.
+     * Pages that do not fit scroll.
+     */
+    QSize openingSize(const QRect &available) const;
+
 public slots:
     void accept() override;
 
@@ -42,8 +51,10 @@ private:
     bool applyPages();
 
     QList<AbstractOptionsPage *> pages;
+    QList<PageScrollArea *> pageAreas;
     SaveFunction save;
     QTreeWidget *categories;
     QStackedWidget *stack;
     QDialogButtonBox *buttons;
+    bool sized = false;
 };
