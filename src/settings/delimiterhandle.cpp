@@ -2,9 +2,16 @@
 
 #include "iasciidelimiter.h"
 
+#include <memory>
+
+// The object is the handle's from the start: if the record cannot be made,
+// the object goes with the exception.
 DelimiterHandle::DelimiterHandle(IAsciiDelimiter *delimiter)
-    : record(new Record{delimiter, 1})
-{ }
+{
+    std::unique_ptr<IAsciiDelimiter> owned(delimiter);
+    record = new Record{delimiter, 1};
+    owned.release();
+}
 
 DelimiterHandle::DelimiterHandle(const DelimiterHandle &other)
     : record(other.record)
