@@ -8,11 +8,14 @@ PageScrollArea::PageScrollArea(QWidget *page, QWidget *parent)
     setWidget(page);
 }
 
+// In height the page keeps its whole size hint: a group of fixed height whose
+// own minimum is smaller than its contents would otherwise be cut first.
 void PageScrollArea::fitPage()
 {
     QWidget *page = widget();
     page->ensurePolished();
-    page->setMinimumSize(page->minimumSize().expandedTo(page->minimumSizeHint()));
+    const QSize needed(page->minimumSizeHint().width(), page->sizeHint().height());
+    page->setMinimumSize(page->minimumSize().expandedTo(needed));
 }
 
 // QScrollArea caps its hint at a few dozen lines of text; the dialog bounds

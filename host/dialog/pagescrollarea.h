@@ -17,8 +17,9 @@ public:
     explicit PageScrollArea(QWidget *page, QWidget *parent = nullptr);
 
     /**
-     * Raises the page's minimum size to what its layout needs with the
-     * current fonts and style; a minimum the page set itself may be smaller.
+     * Raises the page's minimum size to what its layout asks for with the
+     * current fonts and style: the layout's minimum width and its preferred
+     * height. A minimum the page set itself may be smaller.
      */
     void fitPage();
 

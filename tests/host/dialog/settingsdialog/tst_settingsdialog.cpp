@@ -45,6 +45,7 @@ private:
     static QCheckBox *box(SettingsDialog *dialog, const char *name);
     QString storedInFile(const QString &key) const;
     static QStringList overlappingCheckBoxes(const QWidget *page);
+    static QStringList squeezedWidgets(const QWidget *page);
 
     PluginHost host{QStringLiteral(ASCIIEXPORTER_PLUGIN)};
     SettingsSynchronizer *store = nullptr;
@@ -213,6 +214,22 @@ QStringList tst_SettingsDialog::overlappingCheckBoxes(const QWidget *page)
     return overlaps;
 }
 
+// The visible widgets of @p page that the layout gives less height than they
+// need to be read.
+QStringList tst_SettingsDialog::squeezedWidgets(const QWidget *page)
+{
+    QStringList squeezed;
+    for (const QWidget *widget : page->findChildren<QWidget *>()) {
+        if (widget->isVisible() && widget->height() < widget->minimumSizeHint().height()) {
+            squeezed.append(QStringLiteral("%1: %2 high, needs %3")
+                                .arg(widget->objectName())
+                                .arg(widget->height())
+                                .arg(widget->minimumSizeHint().height()));
+        }
+    }
+    return squeezed;
+}
+
 void tst_SettingsDialog::openedOnTheScreenNoCheckBoxesOverlap()
 {
     const auto dialog = makeDialog();
@@ -225,6 +242,8 @@ void tst_SettingsDialog::openedOnTheScreenNoCheckBoxesOverlap()
     QVERIFY(page->findChildren<QCheckBox *>().size() >= 36);
     const QStringList overlaps = overlappingCheckBoxes(page);
     QVERIFY2(overlaps.isEmpty(), qPrintable(overlaps.join(QLatin1Char('\n'))));
+    const QStringList squeezed = squeezedWidgets(page);
+    QVERIFY2(squeezed.isEmpty(), qPrintable(squeezed.join(QLatin1Char('\n'))));
 }
 
 void tst_SettingsDialog::openingSizeNoCheckBoxesOverlap_data()
@@ -254,6 +273,8 @@ void tst_SettingsDialog::openingSizeNoCheckBoxesOverlap()
     const auto *page = dialog->findChild<AbstractOptionsPage *>();
     const QStringList overlaps = overlappingCheckBoxes(page);
     QVERIFY2(overlaps.isEmpty(), qPrintable(overlaps.join(QLatin1Char('\n'))));
+    const QStringList squeezed = squeezedWidgets(page);
+    QVERIFY2(squeezed.isEmpty(), qPrintable(squeezed.join(QLatin1Char('\n'))));
     // where the screen has room, the whole page shows without scrolling
     if (available.height() >= page->sizeHint().height() + 100) {
         QCOMPARE(page->size(), page->sizeHint().expandedTo(page->minimumSize()));
@@ -275,8 +296,9 @@ void tst_SettingsDialog::aPageTooTallForTheScreenScrolls()
     QCOMPARE(area->widget(), page);
     QVERIFY(area->verticalScrollBar()->isVisible());
     QVERIFY(!area->horizontalScrollBar()->isVisible());
-    QVERIFY(page->height() >= page->minimumSizeHint().height());
+    QVERIFY(page->height() >= page->sizeHint().height());
     QVERIFY(overlappingCheckBoxes(page).isEmpty());
+    QVERIFY(squeezedWidgets(page).isEmpty());
 }
 
 QTEST_MAIN(tst_SettingsDialog)
