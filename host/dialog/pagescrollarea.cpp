@@ -16,6 +16,8 @@ void PageScrollArea::fitPage()
     page->ensurePolished();
     const QSize needed(page->minimumSizeHint().width(), page->sizeHint().height());
     page->setMinimumSize(page->minimumSize().expandedTo(needed));
+    // the dialog's layout keeps this area's hints until told
+    updateGeometry();
 }
 
 // QScrollArea caps its hint at a few dozen lines of text; the dialog bounds

@@ -14,7 +14,8 @@ class QTreeWidget;
 
 /**
  * The host's settings dialog: categories and their pages on the left, the
- * chosen page on the right, and OK, Apply and Cancel. A page's itemChanged()
+ * chosen page on the right (scrolling where the screen is too small for it),
+ * and OK, Apply and Cancel. A page's itemChanged()
  * enables Apply; Apply and OK store every page's edits and save the
  * settings; Cancel leaves the stored settings as they were.
  */

@@ -2,15 +2,16 @@
 
 #include "iasciidelimiter.h"
 
-#include <memory>
-
-// The object is the handle's from the start: if the record cannot be made,
-// the object goes with the exception.
 DelimiterHandle::DelimiterHandle(IAsciiDelimiter *delimiter)
 {
-    std::unique_ptr<IAsciiDelimiter> owned(delimiter);
-    record = new Record{delimiter, 1};
-    owned.release();
+    try {
+        record = new Record{delimiter, 1};
+    } catch (...) {
+        // The object is the handle's from the start: without a record to
+        // hold it, it goes with the exception.
+        delete delimiter;
+        throw;
+    }
 }
 
 DelimiterHandle::DelimiterHandle(const DelimiterHandle &other)
