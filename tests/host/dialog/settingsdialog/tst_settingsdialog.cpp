@@ -249,11 +249,12 @@ void tst_SettingsDialog::openedOnTheScreenNoCheckBoxesOverlap()
 void tst_SettingsDialog::openingSizeNoCheckBoxesOverlap_data()
 {
     QTest::addColumn<QRect>("available");
+    QTest::addColumn<bool>("wholePage"); // shown without scrolling
 
-    QTest::newRow("a 1366x768 screen") << QRect(0, 0, 1366, 768);
-    QTest::newRow("a 1000x850 screen") << QRect(0, 0, 1000, 850);
-    QTest::newRow("a 1920x1080 screen") << QRect(0, 0, 1920, 1080);
-    QTest::newRow("a 1366x768 screen under a panel") << QRect(0, 32, 1366, 736);
+    QTest::newRow("a 1366x768 screen") << QRect(0, 0, 1366, 768) << false;
+    QTest::newRow("a 1000x850 screen") << QRect(0, 0, 1000, 850) << false;
+    QTest::newRow("a 1920x1080 screen") << QRect(0, 0, 1920, 1080) << true;
+    QTest::newRow("a 1366x768 screen under a panel") << QRect(0, 32, 1366, 736) << false;
 }
 
 // The offscreen platform has one screen of its own size; the dialog's size
@@ -261,6 +262,7 @@ void tst_SettingsDialog::openingSizeNoCheckBoxesOverlap_data()
 void tst_SettingsDialog::openingSizeNoCheckBoxesOverlap()
 {
     QFETCH(QRect, available);
+    QFETCH(bool, wholePage);
 
     const auto dialog = makeDialog();
     dialog->show();
@@ -275,10 +277,8 @@ void tst_SettingsDialog::openingSizeNoCheckBoxesOverlap()
     QVERIFY2(overlaps.isEmpty(), qPrintable(overlaps.join(QLatin1Char('\n'))));
     const QStringList squeezed = squeezedWidgets(page);
     QVERIFY2(squeezed.isEmpty(), qPrintable(squeezed.join(QLatin1Char('\n'))));
-    // where the screen has room, the whole page shows without scrolling
-    if (available.height() >= page->sizeHint().height() + 100) {
+    if (wholePage) {
         QCOMPARE(page->size(), page->sizeHint().expandedTo(page->minimumSize()));
-        QVERIFY(!page->visibleRegion().isEmpty());
         QCOMPARE(page->visibleRegion().boundingRect(), page->rect());
     }
 }
