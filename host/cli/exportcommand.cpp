@@ -5,6 +5,7 @@
 #include "commands.h"
 #include "groupselection.h"
 #include "localfilepath.h"
+#include "nearestname.h"
 #include "outputfile.h"
 #include "parallelexports.h"
 #include "pluginhost.h"
@@ -98,8 +99,12 @@ bool ExportCommand::readOptions(const QStringList &arguments, Options *options, 
     QCommandLineParser parser;
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
-    addOptions(parser, plugin, settings);
-    if (!parse(parser, commandName(),
+    parser.addPositionalArgument(
+        QStringLiteral("RECORDING"),
+        tr("Recordings to export (JSON Lines, UBX logs or PX4 flight logs); - reads one "
+           "from standard input."),
+        QStringLiteral("RECORDING..."));
+    if (!parse(parser, commandLineOptions(plugin, settings), commandName(),
                tr("Exports recordings as delimited text, one file per recording. The output file "
                   "is named "
                   "by the settings outputFileFormat and outputFileExtension unless --output is "
@@ -126,8 +131,8 @@ bool ExportCommand::readOptions(const QStringList &arguments, Options *options, 
         && readJobs(parser, options, status) && readChanges(parser, options, status);
 }
 
-void ExportCommand::addOptions(QCommandLineParser &parser, const QCommandLineOption &plugin,
-                               const QCommandLineOption &settings)
+QList<QCommandLineOption> ExportCommand::commandLineOptions(const QCommandLineOption &plugin,
+                                                            const QCommandLineOption &settings)
 {
     const QCommandLineOption set(
         QStringLiteral("set"),
@@ -195,14 +200,9 @@ void ExportCommand::addOptions(QCommandLineParser &parser, const QCommandLineOpt
         {QStringLiteral("q"), QStringLiteral("quiet")},
         tr("Show no progress, do not name the files written, and say nothing of a settings "
            "file that does not exist yet."));
-    parser.addOptions({plugin, settings, set, delimiter, empty, strict, groups, from, to, every,
-                       output, outputDir, skipBadLines, fillOption(), maxAgeOption(), jobs,
-                       progress, quiet});
-    parser.addPositionalArgument(
-        QStringLiteral("RECORDING"),
-        tr("Recordings to export (JSON Lines, UBX logs or PX4 flight logs); - reads one "
-           "from standard input."),
-        QStringLiteral("RECORDING..."));
+    return {plugin,         settings, set,      delimiter, empty,     strict,       groups,
+            from,           to,       every,    output,    outputDir, skipBadLines, fillOption(),
+            maxAgeOption(), jobs,     progress, quiet};
 }
 
 // The recordings, where their files go, and how much is said on the way.
@@ -354,7 +354,7 @@ bool ExportCommand::applyChanges(const Options &options, SettingsSynchronizer *s
     for (const auto &change : options.changes) {
         if (!knownKeys.contains(change.first)) {
             return refuse(tr("unknown setting \"%1\"; did you mean \"%2\"?")
-                              .arg(change.first, SettingNames::nearest(change.first, knownKeys)),
+                              .arg(change.first, nearestName(change.first, knownKeys)),
                           status);
         }
         QVariant value;
