@@ -5,32 +5,6 @@
 #include <QSet>
 
 #include <algorithm>
-#include <climits>
-#include <vector>
-
-namespace {
-
-// The number of single-character edits between @p a and @p b, ignoring case.
-int editDistance(const QString &a, const QString &b)
-{
-    std::vector<int> row(std::size_t(b.size()) + 1);
-    for (int j = 0; j <= b.size(); ++j)
-        row[std::size_t(j)] = j;
-    for (int i = 1; i <= a.size(); ++i) {
-        int diagonal = row[0];
-        row[0] = i;
-        for (int j = 1; j <= b.size(); ++j) {
-            const int above = row[std::size_t(j)];
-            const bool same = a.at(i - 1).toCaseFolded() == b.at(j - 1).toCaseFolded();
-            row[std::size_t(j)] =
-                std::min({above + 1, row[std::size_t(j - 1)] + 1, diagonal + (same ? 0 : 1)});
-            diagonal = above;
-        }
-    }
-    return row[std::size_t(b.size())];
-}
-
-} // namespace
 
 QStringList SettingNames::known(const SettingsSynchronizer *store)
 {
@@ -41,18 +15,4 @@ QStringList SettingNames::known(const SettingsSynchronizer *store)
     QStringList sorted(keys.cbegin(), keys.cend());
     std::sort(sorted.begin(), sorted.end());
     return sorted;
-}
-
-QString SettingNames::nearest(const QString &key, const QStringList &known)
-{
-    QString best;
-    int bestDistance = INT_MAX;
-    for (const QString &candidate : known) {
-        const int distance = editDistance(key, candidate);
-        if (distance < bestDistance) {
-            best = candidate;
-            bestDistance = distance;
-        }
-    }
-    return best;
 }

@@ -6,17 +6,14 @@
 class SettingsSynchronizer;
 
 /**
- * The setting keys a plug-in knows, and the one a misspelt key was meant
- * to be. A store also holds the keys it loaded from a file, known or not;
- * only the keys with a default or a description, and "highPrecision",
- * which the plug-in reads without declaring it, are the plug-in's.
+ * The setting keys a plug-in knows. A store also holds the keys it loaded
+ * from a file, known or not; only the keys with a default or a
+ * description, and "highPrecision", which the plug-in reads without
+ * declaring it, are the plug-in's.
  */
 class SettingNames
 {
 public:
     /** The keys the plug-in of @p store knows, sorted. */
     static QStringList known(const SettingsSynchronizer *store);
-
-    /** The key of @p known nearest to @p key: the fewest letters changed, any case. */
-    static QString nearest(const QString &key, const QStringList &known);
 };

@@ -1,6 +1,6 @@
 #include "settingsfilecheck.h"
 
-#include "settingnames.h"
+#include "nearestname.h"
 
 #include <QTextCodec>
 
@@ -111,7 +111,7 @@ QStringList SettingsFileCheck::findings(const QString &fileName, const QByteArra
         } else if (!known.contains(key)) {
             found.append(where
                          + tr("unknown setting \"%1\"; did you mean \"%2\"?")
-                               .arg(key, SettingNames::nearest(key, known)));
+                               .arg(key, nearestName(key, known)));
         }
     }
     return found;

@@ -5,15 +5,13 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-// The keys a plug-in knows, and the one a misspelt key was meant to be.
+// The keys a plug-in knows.
 class tst_SettingNames : public QObject
 {
     Q_OBJECT
 
 private slots:
     void knownKeysLeaveOutWhatAFileBrought();
-    void nearest_data();
-    void nearest();
 };
 
 void tst_SettingNames::knownKeysLeaveOutWhatAFileBrought()
@@ -36,28 +34,6 @@ void tst_SettingNames::knownKeysLeaveOutWhatAFileBrought()
     QCOMPARE(
         SettingNames::known(&store),
         (QStringList{"exportRssi", "exportScrcceleration", "highPrecision", "otherDelimiter"}));
-}
-
-void tst_SettingNames::nearest_data()
-{
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("nearest");
-    QTest::newRow("a letter missing") << "exportRsi"
-                                      << "exportRssi";
-    QTest::newRow("another case") << "EXPORTRSSI"
-                                  << "exportRssi";
-    QTest::newRow("a letter too many") << "highPrecission"
-                                       << "highPrecision";
-    QTest::newRow("the first of two as near") << "x"
-                                              << "exportRssi";
-}
-
-void tst_SettingNames::nearest()
-{
-    QFETCH(QString, key);
-    QFETCH(QString, nearest);
-    QCOMPARE(SettingNames::nearest(key, {"exportRssi", "highPrecision", "otherDelimiter"}),
-             nearest);
 }
 
 QTEST_GUILESS_MAIN(tst_SettingNames)
