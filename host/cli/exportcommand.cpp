@@ -196,10 +196,8 @@ QList<QCommandLineOption> ExportCommand::commandLineOptions(const QCommandLineOp
     const QCommandLineOption progress(
         QStringLiteral("progress"),
         tr("Show progress even when standard error is not a terminal."));
-    const QCommandLineOption quiet(
-        {QStringLiteral("q"), QStringLiteral("quiet")},
-        tr("Show no progress, do not name the files written, and say nothing of a settings "
-           "file that does not exist yet."));
+    const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")},
+                                   tr("Show no progress, and do not name the files written."));
     return {plugin,         settings, set,      delimiter, empty,     strict,       groups,
             from,           to,       every,    output,    outputDir, skipBadLines, fillOption(),
             maxAgeOption(), jobs,     progress, quiet};
