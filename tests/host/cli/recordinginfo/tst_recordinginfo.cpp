@@ -20,6 +20,8 @@ private slots:
     void lines();
     void generated_data();
     void generated();
+    void conversionHoldsTheSameGroups_data();
+    void conversionHoldsTheSameGroups();
 
 private:
     QString path(const QString &name) const { return dir->filePath(name); }
@@ -225,6 +227,34 @@ void tst_RecordingInfo::generated()
     for (const QString &line : lines)
         QVERIFY2(shown.contains(line),
                  qPrintable(line + QLatin1String(" in:\n") + shown.join(QLatin1Char('\n'))));
+}
+
+void tst_RecordingInfo::conversionHoldsTheSameGroups_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::newRow("a UBX log") << "ubx";
+    QTest::newRow("a flight log") << "ulog";
+}
+
+// A log and its JSON Lines conversion hold the same groups, even where a
+// sample's word is 0 (a flight log's clipping flags).
+void tst_RecordingInfo::conversionHoldsTheSameGroups()
+{
+    QFETCH(QString, format);
+    QCOMPARE(run({"generate", "--format", format, "--samples", "50", "-o", "log"}).status, 0);
+    QCOMPARE(run({"convert", "log", "-o", "log.jsonl"}).status, 0);
+    const auto groups = [this](const QString &recording) {
+        const QStringList shown = report(recording);
+        for (const QString &line : shown) {
+            if (line.startsWith(QLatin1String("Data groups:")))
+                return line;
+        }
+        return shown.join(QLatin1Char('\n'));
+    };
+    const QString logGroups = groups(QStringLiteral("log"));
+    QVERIFY2(logGroups.startsWith(QLatin1String("Data groups:      Packet Counter, ")),
+             qPrintable(logGroups));
+    QCOMPARE(groups(QStringLiteral("log.jsonl")), logGroups);
 }
 
 QTEST_GUILESS_MAIN(tst_RecordingInfo)
