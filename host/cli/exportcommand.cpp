@@ -532,6 +532,9 @@ QString ExportCommand::failureText(int index) const
                   "object)")
             .arg(job.errorString());
     case ExportJob::Failure::NoData:
+        // Standard output has had the header lines already.
+        if (job.outputFile() == OutputFile::standardOutputName())
+            return tr("%1 (--strict)").arg(job.errorString());
         return tr("%1 (--strict: no file written)").arg(job.errorString());
     case ExportJob::Failure::NoUpdateRate:
         return tr("%1: gives no update rate, so --from and --to cannot be in seconds")

@@ -20,6 +20,7 @@ private slots:
     void warnings();
     void strictLeavesNoFile_data();
     void strictLeavesNoFile();
+    void strictToStandardOutput();
     void sideBySide_data();
     void sideBySide();
 
@@ -170,6 +171,19 @@ void tst_EmptyExports::strictLeavesNoFile()
     // Nothing else is left in the folder either: no half-written file.
     QCOMPARE(QDir(dir->path()).entryList(QDir::Files, QDir::Name),
              QStringList({"acceleration.jsonl", "flight.ulg", "nothing.jsonl", "receiver.ubx"}));
+}
+
+// The header lines are out already; the export fails all the same.
+void tst_EmptyExports::strictToStandardOutput()
+{
+    const ProgramRun result = run({"export", "--quiet", "--strict", "-o", "-", "receiver.ubx"});
+    QCOMPARE(
+        QString::fromUtf8(result.err),
+        QStringLiteral("receiver.ubx: no sample holds data of the chosen groups; the recording "
+                       "holds: Packet Counter, GPS Receiver Message, GNSS Receiver Message "
+                       "(--strict)\n"));
+    QCOMPARE(result.status, 1);
+    QVERIFY(result.out.startsWith("// "));
 }
 
 void tst_EmptyExports::sideBySide_data()
