@@ -206,10 +206,17 @@ QString ExportJob::noDataText(const QString &recordingName) const
             .arg(recordingName)
             .arg(samplesRead - 1);
     }
-    const QString holds = recordingHolds == 0
-        ? tr("the recording holds no data of any group")
-        : tr("the recording holds: %1")
-              .arg(HeldGroups::names(recordingHolds).join(QStringLiteral(", ")));
+    // Reading stops where the selection ends: then only the samples up to
+    // there are known.
+    const QString held = HeldGroups::names(recordingHolds).join(QStringLiteral(", "));
+    QString holds;
+    if (endReached)
+        holds = recordingHolds == 0 ? tr("the recording holds no data of any group")
+                                    : tr("the recording holds: %1").arg(held);
+    else
+        holds = recordingHolds == 0
+            ? tr("the samples read, 0 to %1, hold no data of any group").arg(samplesRead - 1)
+            : tr("the samples read, 0 to %1, hold: %2").arg(samplesRead - 1).arg(held);
     if (wanted == 0)
         return tr("%1: none of the chosen groups makes a row of its own (counters, times, status "
                   "words, clipping flags and RSSI go with other data); %2")

@@ -110,6 +110,10 @@ void tst_EmptyExports::warnings_data()
         << "acceleration.jsonl: none of the chosen groups makes a row of its own (counters, "
            "times, status words, clipping flags and RSSI go with other data); the recording "
            "holds: Packet Counter, Sample Time Fine, Acceleration\n";
+    QTest::newRow("a selection that ends before the recording")
+        << QStringList{"--groups", "rate of turn", "--to", "5"} << "acceleration.jsonl"
+        << "acceleration.jsonl: no sample holds data of the chosen groups; the samples read, 0 "
+           "to 4, hold: Packet Counter, Sample Time Fine, Acceleration\n";
     QTest::newRow("--from past the end")
         << QStringList{"--groups", "acceleration", "--from", "10"} << "acceleration.jsonl"
         << "acceleration.jsonl: no sample was selected; the recording's samples go from 0 to 9\n";
