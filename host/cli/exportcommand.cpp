@@ -143,8 +143,8 @@ QList<QCommandLineOption> ExportCommand::commandLineOptions(const QCommandLineOp
         tr("KEY=VALUE"));
     const QCommandLineOption strict(
         QStringLiteral("strict"),
-        tr("Refuse setting values that the options page cannot make, instead of "
-           "warning about them."));
+        tr("Refuse setting values that the options page cannot make, and exports "
+           "that hold no data of the chosen groups, instead of warning about them."));
     const QCommandLineOption output(
         {QStringLiteral("o"), QStringLiteral("output")},
         tr("Write exactly this file (one recording only); - writes to standard "
@@ -338,6 +338,7 @@ ExportCommand::ExportCommand(const Options &options, AbstractExporterFactory *fa
     job.setReadAhead(!sideBySide && QThread::idealThreadCount() > 1);
     job.setSelection(options.selection);
     job.setFillPolicy(options.fill);
+    job.setRefuseNoData(options.strict);
     job.setSkipBadLines(options.skipBadLines, [this](const QString &warning) {
         bar.clear();
         printError(warning);
@@ -451,6 +452,8 @@ int ExportCommand::exportOne(int index, const ExportJob::Progress &followReading
     }
     if (!options.quiet && !job.readingNotice().isEmpty())
         printError(job.readingNotice());
+    if (done && !job.noDataWarning().isEmpty())
+        printError(job.noDataWarning());
     if (!done) {
         const QString failure = failureText(index);
         if (!failure.isEmpty())
@@ -492,6 +495,11 @@ QString ExportCommand::failureText(int index) const
         return tr("%1 (a recording cannot be salvaged without its first line, the recording "
                   "object)")
             .arg(job.errorString());
+    case ExportJob::Failure::NoData:
+        // Standard output has had the header lines already.
+        if (job.outputFile() == OutputFile::standardOutputName())
+            return tr("%1 (--strict)").arg(job.errorString());
+        return tr("%1 (--strict: no file written)").arg(job.errorString());
     case ExportJob::Failure::NoUpdateRate:
         return tr("%1: gives no update rate, so --from and --to cannot be in seconds")
             .arg(shownName(index));
