@@ -227,8 +227,11 @@ class Check:
         if not lintian:
             print("SKIP: lintian is not installed (scripts/test installs it)")
             sys.exit(SKIPPED)
+        # Its scratch files stay in the work folder too.
+        scratch = os.path.join(self.work, "lintian")
+        os.makedirs(scratch)
         result = subprocess.run([lintian, "--fail-on", "error,warning", self.runtime, self.dev],
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=environment())
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=environment(TMPDIR=scratch))
         findings = [line for line in result.stdout.decode().split("\n") if line[:2] in ("E:", "W:")]
         expect(result.returncode == 0 and not findings, "lintian (exit %d):\n%s%s" % (
             result.returncode, result.stdout.decode(), result.stderr.decode()))
