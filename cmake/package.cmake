@@ -29,8 +29,11 @@ add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/walk-1s.jsonl
 add_custom_target(samplerecording ALL DEPENDS ${CMAKE_BINARY_DIR}/walk-1s.jsonl)
 install(FILES ${PROJECT_SOURCE_DIR}/docs/recording-format.md DESTINATION ${RUNTIME_DOC_DIR} COMPONENT runtime)
 install(FILES ${CMAKE_BINARY_DIR}/walk-1s.jsonl DESTINATION ${RUNTIME_DOC_DIR}/examples COMPONENT runtime)
+# lintian's overrides go into the package only (cpack installs component by
+# component), not into a tree installed with cmake --install.
 install(FILES ${DEBIAN_FILES_DIR}/asciiexport.lintian-overrides
-    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/lintian/overrides RENAME asciiexport COMPONENT runtime)
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/lintian/overrides RENAME asciiexport
+    COMPONENT runtime EXCLUDE_FROM_ALL)
 
 install(FILES ${DEBIAN_FILES_DIR}/copyright ${CMAKE_BINARY_DIR}/changelog.gz
     DESTINATION ${DEV_DOC_DIR} COMPONENT dev)
