@@ -6,8 +6,11 @@
 #   asciiexport-dev  the component dev: the SDK's headers, CMake package and
 #                    pkg-config file, the libraries' links for the linker,
 #                    and an example plug-in's source.
-# Both carry the copyright file and the changelog that Debian asks for; the
-# files they share with Debian's tools lie in cmake/debian.
+# Both carry the copyright file and the changelog that Debian asks for. The
+# files for Debian's tools (copyright, changelog, trigger, lintian's
+# overrides) lie in cmake/debian; the changelog's newest entry carries the
+# project's version, a new version a new entry (the test debianpackage
+# checks it).
 set(DEBIAN_FILES_DIR ${CMAKE_CURRENT_LIST_DIR}/debian)
 set(RUNTIME_DOC_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/asciiexport)
 set(DEV_DOC_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/asciiexport-dev)
