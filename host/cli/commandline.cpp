@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "localfilepath.h"
+#include "nearestname.h"
 #include "outputfile.h"
 #include "pluginhost.h"
 #include "ulogfillpolicy.h"
@@ -12,7 +13,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 
@@ -55,6 +55,83 @@ QString unreadableReason(const QString &fileName)
     return QString();
 }
 
+QString defaultSettingsFile()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+        + QStringLiteral("/asciiexport.ini");
+}
+
+// @p text with its lines broken at blanks to fit 80 columns, as Qt breaks
+// the options' descriptions: Qt prints a command's own description as it is.
+QString wrapped(const QString &text)
+{
+    constexpr int width = 79;
+    QStringList lines;
+    for (const QString &paragraph : text.split(QLatin1Char('\n'))) {
+        QString line;
+        for (const QString &word : paragraph.split(QLatin1Char(' '))) {
+            if (!line.isEmpty() && line.size() + 1 + word.size() > width) {
+                lines.append(line);
+                line.clear();
+            }
+            if (!line.isEmpty())
+                line += QLatin1Char(' ');
+            line += word;
+        }
+        lines.append(line);
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+// What is wrong with the command line: Qt's words, or for an unknown option
+// that misspells a known one, that one.
+QString parseError(const QCommandLineParser &parser, const QList<QCommandLineOption> &options)
+{
+    const QStringList unknown = parser.unknownOptionNames();
+    if (unknown.isEmpty())
+        return parser.errorText();
+    const auto dashed = [](const QString &name) -> QString {
+        return QLatin1String(name.size() == 1 ? "-" : "--") + name;
+    };
+    QStringList known;
+    for (const QCommandLineOption &option : options) {
+        for (const QString &name : option.names()) {
+            if (name.size() > 1)
+                known.append(dashed(name));
+        }
+    }
+    const QString meant = nearestName(dashed(unknown.first()), known, true);
+    if (meant.isEmpty())
+        return parser.errorText();
+    return tr("unknown option \"%1\"; did you mean \"%2\"?").arg(dashed(unknown.first()), meant);
+}
+
+// Qt's help, which names the command, and the files the command reads when
+// no option names others. Those paths go on lines of their own: Qt wraps an
+// option's description at any character once a word is longer than its
+// column, and a path is such a word.
+QString helpText(const QCommandLineParser &parser, const QString &command,
+                 const QList<QCommandLineOption> &options)
+{
+    QString text = parser.helpText();
+    // The first line names the program as it was called.
+    const int start = text.indexOf(QLatin1Char(' ')) + 1;
+    text.replace(start, text.indexOf(QLatin1Char(' '), start) - start,
+                 QStringLiteral("asciiexport ") + command);
+    QStringList defaults;
+    for (const QCommandLineOption &option : options) {
+        const QString name = option.names().constLast();
+        if (name == QLatin1String("plugin"))
+            defaults.append(tr("  plug-in:  %1").arg(PluginHost::defaultPluginPath()));
+        else if (name == QLatin1String("settings"))
+            defaults.append(tr("  settings: %1").arg(defaultSettingsFile()));
+    }
+    if (!defaults.isEmpty())
+        text += QLatin1Char('\n') + tr("Default files:") + QLatin1Char('\n')
+            + defaults.join(QLatin1Char('\n')) + QLatin1Char('\n');
+    return text;
+}
+
 } // namespace
 
 QString tr(const char *text)
@@ -80,26 +157,23 @@ int usageError(const QString &command, const QString &text)
     return 2;
 }
 
-bool parse(QCommandLineParser &parser, const QString &command, const QString &description,
-           const QStringList &arguments, int *status)
+bool parse(QCommandLineParser &parser, const QList<QCommandLineOption> &options,
+           const QString &command, const QString &description, const QStringList &arguments,
+           int *status)
 {
-    parser.setApplicationDescription(description);
+    parser.setApplicationDescription(wrapped(description));
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   tr("Show this help."));
     const QCommandLineOption version(QStringLiteral("version"),
                                      tr("Show the versions of the program and the plug-in."));
-    parser.addOptions({help, version});
+    const QList<QCommandLineOption> all = options + QList<QCommandLineOption>{help, version};
+    parser.addOptions(all);
     if (!parser.parse(QStringList{QStringLiteral("asciiexport")} + arguments)) {
-        *status = usageError(command, parser.errorText());
+        *status = usageError(command, parseError(parser, all));
         return false;
     }
     if (parser.isSet(help)) {
-        // The first line names the program as it was called; name the command too.
-        QString text = parser.helpText();
-        const int start = text.indexOf(QLatin1Char(' ')) + 1;
-        text.replace(start, text.indexOf(QLatin1Char(' '), start) - start,
-                     QStringLiteral("asciiexport ") + command);
-        std::fputs(text.toLocal8Bit().constData(), stdout);
+        std::fputs(helpText(parser, command, all).toLocal8Bit().constData(), stdout);
         *status = 0;
         return false;
     }
@@ -118,21 +192,16 @@ QCommandLineOption pluginOption()
 {
     return QCommandLineOption(
         QStringLiteral("plugin"),
-        tr("The plug-in file to load (default: %1, the first libasciiexporter.so in the "
-           "folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).")
-            .arg(PluginHost::defaultPluginPath()),
+        tr("The plug-in file to load (default: the first libasciiexporter.so in the folders "
+           "of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program; see below)."),
         tr("PATH"));
 }
 
 QCommandLineOption settingsOption()
 {
-    return QCommandLineOption(
-        QStringLiteral("settings"),
-        tr("The INI file that holds the settings (default: %1).")
-            .arg(QDir::toNativeSeparators(
-                QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
-                + QStringLiteral("/asciiexport.ini"))),
-        tr("FILE"));
+    return QCommandLineOption(QStringLiteral("settings"),
+                              tr("The INI file that holds the settings (default: see below)."),
+                              tr("FILE"));
 }
 
 QCommandLineOption fillOption()
@@ -182,10 +251,11 @@ bool readFillPolicy(const QCommandLineParser &parser, const QCommandLineOption &
     return true;
 }
 
-bool parseOptionsOnly(QCommandLineParser &parser, const QString &command,
-                      const QString &description, const QStringList &arguments, int *status)
+bool parseOptionsOnly(QCommandLineParser &parser, const QList<QCommandLineOption> &options,
+                      const QString &command, const QString &description,
+                      const QStringList &arguments, int *status)
 {
-    if (!parse(parser, command, description, arguments, status))
+    if (!parse(parser, options, command, description, arguments, status))
         return false;
     if (!parser.positionalArguments().isEmpty()) {
         *status = usageError(
@@ -205,8 +275,7 @@ QString settingsFile(const QCommandLineParser &parser, const QCommandLineOption 
 {
     if (parser.isSet(option))
         return localFilePath(parser.value(option));
-    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
-        + QStringLiteral("/asciiexport.ini");
+    return defaultSettingsFile();
 }
 
 bool loadPlugin(PluginHost &host, const QString &settings)

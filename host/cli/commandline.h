@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -28,15 +29,18 @@ void printError(const QString &text);
 int usageError(const QString &command, const QString &text);
 
 /**
- * Parses @p arguments; on --help prints the help and sets @p status to 0,
- * on --version prints the versions and sets @p status as printVersion()
- * does, on a parse error reports it and sets @p status to 2.
+ * Adds @p options and parses @p arguments; on --help prints the help and
+ * sets @p status to 0, on --version prints the versions and sets @p status
+ * as printVersion() does, on a parse error reports it (with the option an
+ * unknown one likely misspells) and sets @p status to 2.
  */
-bool parse(QCommandLineParser &parser, const QString &command, const QString &description,
-           const QStringList &arguments, int *status);
+bool parse(QCommandLineParser &parser, const QList<QCommandLineOption> &options,
+           const QString &command, const QString &description, const QStringList &arguments,
+           int *status);
 /** As parse(), for a command that takes options only. */
-bool parseOptionsOnly(QCommandLineParser &parser, const QString &command,
-                      const QString &description, const QStringList &arguments, int *status);
+bool parseOptionsOnly(QCommandLineParser &parser, const QList<QCommandLineOption> &options,
+                      const QString &command, const QString &description,
+                      const QStringList &arguments, int *status);
 
 QCommandLineOption pluginOption();
 QCommandLineOption settingsOption();

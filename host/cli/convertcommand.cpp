@@ -23,11 +23,10 @@ int convert(const QStringList &arguments)
         tr("The JSON Lines recording to write; - writes to standard output."), tr("FILE"));
     const QCommandLineOption fill = fillOption();
     const QCommandLineOption maxAge = maxAgeOption();
-    parser.addOptions({output, fill, maxAge});
     parser.addPositionalArgument(QStringLiteral("LOG"),
                                  tr("The UBX receiver log or PX4 flight log (ULog) to convert."));
     int status = 0;
-    if (!parse(parser, command,
+    if (!parse(parser, {output, fill, maxAge}, command,
                tr("Writes a UBX receiver log or a PX4 flight log as a recording in the JSON "
                   "Lines format, which exports to the same bytes as the log."),
                arguments, &status))

@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "groupselection.h"
 #include "localfilepath.h"
+#include "nearestname.h"
 #include "outputfile.h"
 #include "parallelexports.h"
 #include "pluginhost.h"
@@ -23,9 +24,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdio>
-#include <vector>
 
 #include <unistd.h>
 
@@ -34,40 +33,6 @@ namespace Commands {
 using namespace CommandLine;
 
 namespace {
-
-// The number of single-character edits between @p a and @p b, ignoring case.
-int editDistance(const QString &a, const QString &b)
-{
-    std::vector<int> row(std::size_t(b.size()) + 1);
-    for (int j = 0; j <= b.size(); ++j)
-        row[std::size_t(j)] = j;
-    for (int i = 1; i <= a.size(); ++i) {
-        int diagonal = row[0];
-        row[0] = i;
-        for (int j = 1; j <= b.size(); ++j) {
-            const int above = row[std::size_t(j)];
-            const bool same = a.at(i - 1).toCaseFolded() == b.at(j - 1).toCaseFolded();
-            row[std::size_t(j)] =
-                std::min({above + 1, row[std::size_t(j - 1)] + 1, diagonal + (same ? 0 : 1)});
-            diagonal = above;
-        }
-    }
-    return row[std::size_t(b.size())];
-}
-
-QString nearest(const QString &key, const QStringList &known)
-{
-    QString best;
-    int bestDistance = INT_MAX;
-    for (const QString &candidate : known) {
-        const int distance = editDistance(key, candidate);
-        if (distance < bestDistance) {
-            best = candidate;
-            bestDistance = distance;
-        }
-    }
-    return best;
-}
 
 // The keys --set takes: the store's, and "highPrecision", which the plug-in
 // reads although the store has no default for it.
@@ -138,8 +103,12 @@ bool ExportCommand::readOptions(const QStringList &arguments, Options *options, 
     QCommandLineParser parser;
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
-    addOptions(parser, plugin, settings);
-    if (!parse(parser, commandName(),
+    parser.addPositionalArgument(
+        QStringLiteral("RECORDING"),
+        tr("Recordings to export (JSON Lines, UBX logs or PX4 flight logs); - reads one "
+           "from standard input."),
+        QStringLiteral("RECORDING..."));
+    if (!parse(parser, commandLineOptions(plugin, settings), commandName(),
                tr("Exports recordings as delimited text, one file per recording. The output file "
                   "is named "
                   "by the settings outputFileFormat and outputFileExtension unless --output is "
@@ -164,8 +133,8 @@ bool ExportCommand::readOptions(const QStringList &arguments, Options *options, 
         && readJobs(parser, options, status) && readChanges(parser, options, status);
 }
 
-void ExportCommand::addOptions(QCommandLineParser &parser, const QCommandLineOption &plugin,
-                               const QCommandLineOption &settings)
+QList<QCommandLineOption> ExportCommand::commandLineOptions(const QCommandLineOption &plugin,
+                                                            const QCommandLineOption &settings)
 {
     const QCommandLineOption set(
         QStringLiteral("set"),
@@ -218,13 +187,8 @@ void ExportCommand::addOptions(QCommandLineParser &parser, const QCommandLineOpt
         tr("Show progress even when standard error is not a terminal."));
     const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")},
                                    tr("Show no progress, and do not name the files written."));
-    parser.addOptions({plugin, settings, set, strict, groups, from, to, every, output, outputDir,
-                       skipBadLines, fillOption(), maxAgeOption(), jobs, progress, quiet});
-    parser.addPositionalArgument(
-        QStringLiteral("RECORDING"),
-        tr("Recordings to export (JSON Lines, UBX logs or PX4 flight logs); - reads one "
-           "from standard input."),
-        QStringLiteral("RECORDING..."));
+    return {plugin, settings,  set,          strict,       groups,         from, to,       every,
+            output, outputDir, skipBadLines, fillOption(), maxAgeOption(), jobs, progress, quiet};
 }
 
 // The recordings, where their files go, and how much is said on the way.
@@ -334,7 +298,7 @@ bool ExportCommand::applyChanges(const Options &options, SettingsSynchronizer *s
     for (const auto &change : options.changes) {
         if (!knownKeys.contains(change.first)) {
             return refuse(tr("unknown setting \"%1\"; did you mean \"%2\"?")
-                              .arg(change.first, nearest(change.first, knownKeys)),
+                              .arg(change.first, nearestName(change.first, knownKeys)),
                           status);
         }
         QVariant value;

@@ -87,8 +87,8 @@ private:
      */
     using Claim = std::function<bool(const QString &fileName, QString *problem)>;
 
-    static void addOptions(QCommandLineParser &parser, const QCommandLineOption &plugin,
-                           const QCommandLineOption &settings);
+    static QList<QCommandLineOption> commandLineOptions(const QCommandLineOption &plugin,
+                                                        const QCommandLineOption &settings);
     static bool readOutputs(const QCommandLineParser &parser, Options *options, int *status);
     static bool readSelection(const QCommandLineParser &parser, Options *options, int *status);
     static bool readJobs(const QCommandLineParser &parser, Options *options, int *status);

@@ -119,10 +119,9 @@ int generate(const QStringList &arguments)
     const QString command = QStringLiteral("generate");
     const GenerateOptions o = generateOptions();
     QCommandLineParser parser;
-    parser.addOptions({o.samples, o.rate, o.groups, o.seed, o.output, o.format, o.layout});
     int status = 0;
     if (!parseOptionsOnly(
-            parser, command,
+            parser, {o.samples, o.rate, o.groups, o.seed, o.output, o.format, o.layout}, command,
             tr("Writes a synthetic recording: the same options give the same bytes. Keys: %1.")
                 .arg(recordingKeys().join(QStringLiteral(", "))),
             arguments, &status))

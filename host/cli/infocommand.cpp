@@ -43,9 +43,8 @@ int showInfo(const QStringList &arguments)
     const QCommandLineOption recording(
         QStringLiteral("recording"),
         tr("Show what this recording, UBX log or flight log holds instead."), tr("FILE"));
-    parser.addOptions({plugin, settings, recording});
     int status = 0;
-    if (!parseOptionsOnly(parser, command,
+    if (!parseOptionsOnly(parser, {plugin, settings, recording}, command,
                           tr("Shows the plug-in's metadata, name, version and file extension."),
                           arguments, &status))
         return status;

@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "localtimezone.h"
+#include "nearestname.h"
 #include "pluginhost.h"
 #include "translations.h"
 #include "versiontext.h"
@@ -27,10 +28,28 @@ const char overview[] =
                       "  options    edit the settings in the settings dialog\n"
                       "  info       show the plug-in's metadata, name, version and extension\n"
                       "  generate   write a synthetic recording\n"
-                      "  convert    write a UBX receiver log as a JSON Lines recording\n"
+                      "  convert    write a UBX receiver log or a PX4 flight log as JSON Lines\n"
                       "\n"
-                      "'asciiexport COMMAND --help' tells more about each command; 'asciiexport\n"
-                      "--version' shows the versions of the program and the plug-in.\n");
+                      "'asciiexport COMMAND --help' or 'asciiexport help COMMAND' tells more\n"
+                      "about each command; 'asciiexport --version' shows the versions of the\n"
+                      "program and the plug-in.\n");
+
+struct Command
+{
+    const char *name;
+    int (*run)(const QStringList &arguments);
+};
+
+const Command commands[] = {
+    {"export", Commands::exportRecordings}, {"settings", Commands::listSettings},
+    {"options", Commands::editOptions},     {"info", Commands::showInfo},
+    {"generate", Commands::generate},       {"convert", Commands::convert},
+};
+
+QByteArray translated(const char *text)
+{
+    return QCoreApplication::translate("main", text).toLocal8Bit();
+}
 
 } // namespace
 
@@ -67,36 +86,39 @@ int main(int argc, char *argv[])
     // (a custom delimiter, say) must not turn into question marks.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 
-    const QStringList arguments = QCoreApplication::arguments().mid(2);
-    if (command == QLatin1String("export"))
-        return Commands::exportRecordings(arguments);
-    if (command == QLatin1String("settings"))
-        return Commands::listSettings(arguments);
-    if (command == QLatin1String("options"))
-        return Commands::editOptions(arguments);
-    if (command == QLatin1String("info"))
-        return Commands::showInfo(arguments);
-    if (command == QLatin1String("generate"))
-        return Commands::generate(arguments);
-    if (command == QLatin1String("convert"))
-        return Commands::convert(arguments);
-    if (command == QLatin1String("-h") || command == QLatin1String("--help")
-        || command == QLatin1String("help")) {
-        std::fputs(QCoreApplication::translate("main", overview).toLocal8Bit().constData(), stdout);
+    QStringList arguments = QCoreApplication::arguments().mid(2);
+    // "help COMMAND" is "COMMAND --help".
+    QString name = command;
+    if (name == QLatin1String("help") && !arguments.isEmpty()) {
+        name = arguments.takeFirst();
+        arguments = QStringList{QStringLiteral("--help")};
+    }
+    for (const Command &entry : commands) {
+        if (name == QLatin1String(entry.name))
+            return entry.run(arguments);
+    }
+    if (name == QLatin1String("-h") || name == QLatin1String("--help")
+        || name == QLatin1String("help")) {
+        std::fputs(translated(overview).constData(), stdout);
         return 0;
     }
-    if (command == QLatin1String("--version"))
+    if (name == QLatin1String("--version"))
         return printVersion(PluginHost::defaultPluginPath());
-    if (command.isEmpty())
+    if (name.isEmpty()) {
         std::fprintf(
             stderr, "asciiexport: %s\n",
             QCoreApplication::translate("main", "no command given").toLocal8Bit().constData());
-    else
-        std::fprintf(stderr, "asciiexport: %s\n",
-                     QCoreApplication::translate("main", "unknown command \"%1\"")
-                         .arg(command)
-                         .toLocal8Bit()
-                         .constData());
-    std::fputs(QCoreApplication::translate("main", overview).toLocal8Bit().constData(), stderr);
+    } else {
+        QStringList names;
+        for (const Command &entry : commands)
+            names.append(QLatin1String(entry.name));
+        const QString meant = nearestName(name, names, true);
+        const QString problem = meant.isEmpty()
+            ? QCoreApplication::translate("main", "unknown command \"%1\"").arg(name)
+            : QCoreApplication::translate("main", "unknown command \"%1\"; did you mean \"%2\"?")
+                  .arg(name, meant);
+        std::fprintf(stderr, "asciiexport: %s\n", problem.toLocal8Bit().constData());
+    }
+    std::fputs(translated(overview).constData(), stderr);
     return 2;
 }

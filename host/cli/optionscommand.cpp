@@ -33,9 +33,8 @@ int editOptions(const QStringList &arguments)
     QCommandLineParser parser;
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
-    parser.addOptions({plugin, settings});
     int status = 0;
-    if (!parseOptionsOnly(parser, command,
+    if (!parseOptionsOnly(parser, {plugin, settings}, command,
                           tr("Shows the settings dialog with the plug-in's options page."),
                           arguments, &status))
         return status;

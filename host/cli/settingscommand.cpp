@@ -18,9 +18,8 @@ int listSettings(const QStringList &arguments)
     QCommandLineParser parser;
     const QCommandLineOption plugin = pluginOption();
     const QCommandLineOption settings = settingsOption();
-    parser.addOptions({plugin, settings});
     int status = 0;
-    if (!parseOptionsOnly(parser, command,
+    if (!parseOptionsOnly(parser, {plugin, settings}, command,
                           tr("Lists every setting of the plug-in: its current value, its default "
                              "and its description."),
                           arguments, &status))

@@ -1,5 +1,7 @@
 #include "settingsdialog.h"
 
+#include "pagescrollarea.h"
+
 #include <abstractoptionspage.h>
 
 #include <QDialogButtonBox>
@@ -7,7 +9,9 @@
 #include <QHeaderView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -41,7 +45,9 @@ SettingsDialog::SettingsDialog(const QList<AbstractOptionsPage *> &pages, const 
             category->setExpanded(true);
         }
         auto *item = new QTreeWidgetItem(category, {page->pageTitle()});
-        item->setData(0, Qt::UserRole, stack->addWidget(page));
+        auto *area = new PageScrollArea(page);
+        pageAreas.append(area);
+        item->setData(0, Qt::UserRole, stack->addWidget(area));
         connect(page, &AbstractOptionsPage::itemChanged, this,
                 [this] { buttons->button(QDialogButtonBox::Apply)->setEnabled(true); });
     }
@@ -78,9 +84,29 @@ void SettingsDialog::refresh()
     buttons->button(QDialogButtonBox::Apply)->setEnabled(false);
 }
 
+QSize SettingsDialog::openingSize(const QRect &available) const
+{
+    QSize size = sizeHint().expandedTo(minimumSizeHint());
+    // A page cut short scrolls; its scroll bar then takes width of its own.
+    if (size.height() > available.height())
+        size.rwidth() += style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
+    // The window's frame, once the window system has drawn one.
+    const QSize frame = frameGeometry().size() - geometry().size();
+    return size.boundedTo(available.size() - frame).expandedTo(minimumSize());
+}
+
 void SettingsDialog::showEvent(QShowEvent *event)
 {
     refresh();
+    if (!sized) {
+        // The first showing: pages get what their layouts need, and the
+        // dialog as much of that as the screen allows.
+        sized = true;
+        for (PageScrollArea *area : qAsConst(pageAreas))
+            area->fitPage();
+        layout()->activate();
+        resize(openingSize(screen()->availableGeometry()));
+    }
     QDialog::showEvent(event);
 }
 

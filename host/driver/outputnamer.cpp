@@ -6,16 +6,34 @@
 #include <filenamepatternreplacer.h>
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <cerrno>
 #include <utility>
+
+#include <sys/stat.h>
 
 namespace {
 
 bool isNoName(const QString &name)
 {
     return name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..");
+}
+
+// A recording read from a device, a pipe or a socket, or named through the
+// system's folders of them (/dev/stdin, a process substitution's /dev/fd/63,
+// /proc/self/fd/0), has no folder of its own to write beside. /dev/shm and
+// the like are folders for files as any other.
+bool isSystemStream(const QString &recording)
+{
+    const QString folder = QFileInfo(localFilePath(recording)).absolutePath();
+    if (folder == QLatin1String("/dev") || folder == QLatin1String("/dev/fd")
+        || folder.startsWith(QLatin1String("/proc/")))
+        return true;
+    struct stat status;
+    return ::stat(QFile::encodeName(localFilePath(recording)).constData(), &status) == 0
+        && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 
 } // namespace
@@ -108,7 +126,7 @@ QDir OutputNamer::folderOf(const QString &recording) const
 {
     if (!outputDir.isEmpty())
         return QDir(outputDir);
-    if (recording == QLatin1String("-"))
+    if (recording == QLatin1String("-") || isSystemStream(recording))
         return QDir::current();
     return QFileInfo(localFilePath(recording)).absoluteDir();
 }

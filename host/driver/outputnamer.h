@@ -11,7 +11,8 @@
  * expanded with the recording's name, its position on the command line, the
  * date and time and the recording's properties, then "." and the plug-in's
  * file extension, in the output folder or else beside the recording (the
- * current folder for standard input, "-", which is named "stdin").
+ * current folder for standard input, "-", which is named "stdin", and for
+ * a device, pipe or socket named as the recording, such as /dev/stdin).
  *
  * The folders of a name are the pattern's own: a property's text never adds,
  * removes or climbs a folder level. A "/" or a NUL in a property's text

@@ -8,6 +8,9 @@
  */
 namespace KvConstants {
 
+/** Zero, as the library compares against it. */
+KVTYPES_EXPORT extern const double zero;
+
 /** Positive infinity: the value of a quantity the sample does not hold (altitude). */
 KVTYPES_EXPORT extern const double infinity;
 

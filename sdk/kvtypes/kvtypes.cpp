@@ -4,6 +4,7 @@
 
 namespace KvConstants {
 
+const double zero = 0.0;
 const double infinity = std::numeric_limits<double>::infinity();
 
 } // namespace KvConstants

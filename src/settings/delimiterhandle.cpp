@@ -3,8 +3,16 @@
 #include "iasciidelimiter.h"
 
 DelimiterHandle::DelimiterHandle(IAsciiDelimiter *delimiter)
-    : record(new Record{delimiter, 1})
-{ }
+{
+    try {
+        record = new Record{delimiter, 1};
+    } catch (...) {
+        // The object is the handle's from the start: without a record to
+        // hold it, it goes with the exception.
+        delete delimiter;
+        throw;
+    }
+}
 
 DelimiterHandle::DelimiterHandle(const DelimiterHandle &other)
     : record(other.record)

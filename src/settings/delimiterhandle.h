@@ -14,7 +14,10 @@ class DelimiterHandle
 public:
     /** An empty handle. */
     DelimiterHandle() = default;
-    /** Takes ownership of @p delimiter (which may be null) with a count of 1. */
+    /**
+     * Takes ownership of @p delimiter (which may be null) with a count of 1;
+     * deletes it when the handle's record cannot be allocated.
+     */
     explicit DelimiterHandle(IAsciiDelimiter *delimiter);
     DelimiterHandle(const DelimiterHandle &other);
     DelimiterHandle(DelimiterHandle &&other) noexcept;

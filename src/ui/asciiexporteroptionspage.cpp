@@ -11,10 +11,13 @@
 #include <QComboBox>
 #include <QDate>
 #include <QIcon>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMap>
 #include <QTime>
 #include <QVariant>
+
+#include <initializer_list>
 
 namespace {
 
@@ -35,10 +38,23 @@ QString withExampleValues(const QString &help)
 
 AsciiExporterOptionsPage::AsciiExporterOptionsPage(SettingsSynchronizer *settings, QWidget *parent)
     : AbstractOptionsPage(parent)
-    , ui(new AsciiExporterOptionsPageUi)
+    , ui(std::make_unique<AsciiExporterOptionsPageUi>())
     , settings(settings)
 {
-    ui->setupUi(this);
+    try {
+        ui->setupUi(this);
+    } catch (...) {
+        // The widgets go with the page, their parent; a nested layout
+        // belongs to nothing until it is added to its outer layout. (The
+        // form is value-initialised: a layout not made yet is null.)
+        const std::initializer_list<QLayout *> nestedLayouts{
+            ui->gridLayout_2, ui->horizontalLayout_2, ui->horizontalLayout_3};
+        for (QLayout *nested : nestedLayouts) {
+            if (nested && !nested->parent())
+                delete nested;
+        }
+        throw;
+    }
 
     ui->outputFileFormat->setToolTip(withExampleValues(ui->outputFileFormat->toolTip()));
     ui->outputFileFormat->setWhatsThis(withExampleValues(ui->outputFileFormat->whatsThis()));
@@ -73,10 +89,7 @@ AsciiExporterOptionsPage::AsciiExporterOptionsPage(SettingsSynchronizer *setting
     AsciiExporterOptionsPage::refreshUi();
 }
 
-AsciiExporterOptionsPage::~AsciiExporterOptionsPage()
-{
-    delete ui;
-}
+AsciiExporterOptionsPage::~AsciiExporterOptionsPage() = default;
 
 QString AsciiExporterOptionsPage::pageId() const
 {

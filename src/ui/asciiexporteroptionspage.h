@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <memory>
+
 class QWidget;
 class SettingsSynchronizer;
 
@@ -45,6 +47,6 @@ public slots:
     void updateCustomPlaceholder(bool enabled);
 
 private:
-    AsciiExporterOptionsPageUi *ui;
+    std::unique_ptr<AsciiExporterOptionsPageUi> ui;
     SettingsSynchronizer *settings;
 };

@@ -13,8 +13,8 @@ CHECK is one of
   sdk          an exporter plug-in built out of tree against the installed
                SDK (CMake package), loaded by the installed program; a
                program built with the flags of the pkg-config file
-  completion   the installed bash completion offers commands, options and
-               setting keys
+  completion   the installed bash completion offers commands, options, setting
+               keys and values, and recordings whose names hold blanks
   german       a German user gets the German texts of program and plug-in
   manpage      the installed man page names every option of every command
 """
@@ -184,18 +184,27 @@ class Check:
         bindir = os.path.dirname(self.program())
         env = environment(PATH=bindir + os.pathsep + os.environ["PATH"], HOME=fresh(os.path.join(self.work, "home")))
 
+        files = fresh(os.path.join(self.work, "completion"))
+        os.mkdir(os.path.join(files, "my walks"))
+        for name in ["my walk.jsonl", "my drive.ubx", "my flight.ulg", "my notes.txt", "plain.jsonl"]:
+            open(os.path.join(files, name), "w").close()
+
         def complete(line):
             # What bash does on Tab: the words as it splits them (also at
-            # "=" and ":"), the cursor at the end of the line.
+            # "=" and ":"), the cursor at the end of the line, in a folder of
+            # recordings, with bash-completion's helpers loaded as an
+            # interactive shell has them.
             words = re.findall(r"[^\s=:]+|[=:]", line) + ([""] if line[-1:].isspace() else [])
-            shell = ('source "$1"; COMP_LINE="$2"; COMP_POINT=${#2}; shift 2; COMP_WORDS=("$@"); '
+            shell = ('source /usr/share/bash-completion/bash_completion; source "$1"; '
+                     'COMP_LINE="$2"; COMP_POINT=${#2}; shift 2; COMP_WORDS=("$@"); '
                      'COMP_CWORD=$(($# - 1)); _asciiexport; printf "%s\\n" "${COMPREPLY[@]}"')
-            result = run(["bash", "-c", shell, "bash", script, line] + words, env=env)
+            result = run(["bash", "-c", shell, "bash", script, line] + words, env=env, cwd=files)
             return sorted(filter(None, result.stdout.decode().split("\n")))
 
         expect(complete("asciiexport ") == sorted(COMMANDS + ["help", "--help", "--version"]),
                "commands: %s" % complete("asciiexport "))
         expect(complete("asciiexport exp") == ["export"], "a command's start")
+        expect(complete("asciiexport help ex") == ["export"], "help on a command")
         options = complete("asciiexport export --")
         for option in ["--plugin", "--settings", "--set", "--output", "--output-dir", "--progress", "--quiet",
                        "--help", "--version"]:
@@ -208,8 +217,19 @@ class Check:
         keys = complete("asciiexport export --set export")
         expect("exportRssi=" in keys and "exportOrientation=" in keys and len(keys) > 20,
                "setting keys: %s" % keys)
+        expect(complete("asciiexport export --set high") == ["highPrecision="], "a key without a default")
         expect(complete("asciiexport export --set useCommaDelimiter=") == ["false", "true"], "boolean values")
         expect(complete("asciiexport export --set useCommaDelimiter=t") == ["true"], "a boolean value's start")
+        expect(complete("asciiexport export --set exportOrientation=") == ["Euler", "Matrix", "None", "Quaternion"],
+               "orientations: %s" % complete("asciiexport export --set exportOrientation="))
+        expect(complete("asciiexport export --set exportOrientation=Q") == ["Quaternion"], "an orientation's start")
+        # Names with blanks stay whole; recordings of each format are offered.
+        recordings = ["my drive.ubx", "my flight.ulg", "my walk.jsonl", "my walks"]
+        expect(complete("asciiexport export my") == recordings, "recordings: %s" % complete("asciiexport export my"))
+        expect(complete("asciiexport export ") == recordings + ["plain.jsonl"], "every recording")
+        expect(complete("asciiexport convert my") == ["my drive.ubx", "my flight.ulg", "my walks"], "logs")
+        expect(complete("asciiexport info --recording my") == recordings, "a recording to describe")
+        expect(complete("asciiexport export --output-dir my") == ["my walks"], "a folder")
 
     def check_german(self):
         work = fresh(os.path.join(self.work, "german"))

@@ -8,6 +8,9 @@
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTreeWidget>
@@ -31,12 +34,18 @@ private slots:
     void okStoresSavesAndCloses();
     void cancelLeavesTheStoreAsItWas();
     void reopeningShowsTheStoredValues();
+    void openedOnTheScreenNoCheckBoxesOverlap();
+    void openingSizeNoCheckBoxesOverlap_data();
+    void openingSizeNoCheckBoxesOverlap();
+    void aPageTooTallForTheScreenScrolls();
 
 private:
     std::unique_ptr<SettingsDialog> makeDialog();
     static QPushButton *button(SettingsDialog *dialog, QDialogButtonBox::StandardButton which);
     static QCheckBox *box(SettingsDialog *dialog, const char *name);
     QString storedInFile(const QString &key) const;
+    static QStringList overlappingCheckBoxes(const QWidget *page);
+    static QStringList squeezedWidgets(const QWidget *page);
 
     PluginHost host{QStringLiteral(ASCIIEXPORTER_PLUGIN)};
     SettingsSynchronizer *store = nullptr;
@@ -172,6 +181,124 @@ void tst_SettingsDialog::reopeningShowsTheStoredValues()
     dialog->show();
     QVERIFY(box(dialog.get(), "exportTemperature")->isChecked());
     QVERIFY(!box(dialog.get(), "exportPressure")->isChecked());
+}
+
+// The pairs of visible check boxes of @p page that overlap. A box takes at
+// least the room it needs to be read (its minimum size hint): a layout that
+// squeezes a box below it leaves the box's text running into its neighbour.
+QStringList tst_SettingsDialog::overlappingCheckBoxes(const QWidget *page)
+{
+    QList<const QCheckBox *> boxes;
+    for (const QCheckBox *box : page->findChildren<QCheckBox *>()) {
+        if (box->isVisible())
+            boxes.append(box);
+    }
+    const auto shown = [](const QRect &r) {
+        return QStringLiteral("%1,%2 %3x%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
+    };
+    const auto area = [page](const QCheckBox *box) {
+        return QRect(box->mapTo(page, QPoint(0, 0)),
+                     box->size().expandedTo(box->minimumSizeHint()));
+    };
+    QStringList overlaps;
+    for (int i = 0; i < boxes.size(); ++i) {
+        for (int j = i + 1; j < boxes.size(); ++j) {
+            if (area(boxes.at(i)).intersects(area(boxes.at(j)))) {
+                overlaps.append(QStringLiteral("%1 at %2 and %3 at %4")
+                                    .arg(boxes.at(i)->objectName(), shown(boxes.at(i)->geometry()),
+                                         boxes.at(j)->objectName(),
+                                         shown(boxes.at(j)->geometry())));
+            }
+        }
+    }
+    return overlaps;
+}
+
+// The visible widgets of @p page that the layout gives less height than they
+// need to be read.
+QStringList tst_SettingsDialog::squeezedWidgets(const QWidget *page)
+{
+    QStringList squeezed;
+    for (const QWidget *widget : page->findChildren<QWidget *>()) {
+        if (widget->isVisible() && widget->height() < widget->minimumSizeHint().height()) {
+            squeezed.append(QStringLiteral("%1: %2 high, needs %3")
+                                .arg(widget->objectName())
+                                .arg(widget->height())
+                                .arg(widget->minimumSizeHint().height()));
+        }
+    }
+    return squeezed;
+}
+
+void tst_SettingsDialog::openedOnTheScreenNoCheckBoxesOverlap()
+{
+    const auto dialog = makeDialog();
+    dialog->show();
+    QCoreApplication::processEvents();
+    const QRect available = dialog->screen()->availableGeometry();
+    QVERIFY(dialog->height() <= available.height());
+    QVERIFY(dialog->width() <= available.width());
+    const auto *page = dialog->findChild<AbstractOptionsPage *>();
+    QVERIFY(page->findChildren<QCheckBox *>().size() >= 36);
+    const QStringList overlaps = overlappingCheckBoxes(page);
+    QVERIFY2(overlaps.isEmpty(), qPrintable(overlaps.join(QLatin1Char('\n'))));
+    const QStringList squeezed = squeezedWidgets(page);
+    QVERIFY2(squeezed.isEmpty(), qPrintable(squeezed.join(QLatin1Char('\n'))));
+}
+
+void tst_SettingsDialog::openingSizeNoCheckBoxesOverlap_data()
+{
+    QTest::addColumn<QRect>("available");
+    QTest::addColumn<bool>("wholePage"); // shown without scrolling
+
+    QTest::newRow("a 1366x768 screen") << QRect(0, 0, 1366, 768) << false;
+    QTest::newRow("a 1000x850 screen") << QRect(0, 0, 1000, 850) << false;
+    QTest::newRow("a 1920x1080 screen") << QRect(0, 0, 1920, 1080) << true;
+    QTest::newRow("a 1366x768 screen under a panel") << QRect(0, 32, 1366, 736) << false;
+}
+
+// The offscreen platform has one screen of its own size; the dialog's size
+// for other screens is the one it would open with there.
+void tst_SettingsDialog::openingSizeNoCheckBoxesOverlap()
+{
+    QFETCH(QRect, available);
+    QFETCH(bool, wholePage);
+
+    const auto dialog = makeDialog();
+    dialog->show();
+    const QSize opening = dialog->openingSize(available);
+    QVERIFY(opening.height() <= available.height());
+    QVERIFY(opening.width() <= available.width());
+    dialog->resize(opening);
+    QCoreApplication::processEvents();
+    QCOMPARE(dialog->size(), opening);
+    const auto *page = dialog->findChild<AbstractOptionsPage *>();
+    const QStringList overlaps = overlappingCheckBoxes(page);
+    QVERIFY2(overlaps.isEmpty(), qPrintable(overlaps.join(QLatin1Char('\n'))));
+    const QStringList squeezed = squeezedWidgets(page);
+    QVERIFY2(squeezed.isEmpty(), qPrintable(squeezed.join(QLatin1Char('\n'))));
+    if (wholePage) {
+        QCOMPARE(page->size(), page->sizeHint().expandedTo(page->minimumSize()));
+        QCOMPARE(page->visibleRegion().boundingRect(), page->rect());
+    }
+}
+
+void tst_SettingsDialog::aPageTooTallForTheScreenScrolls()
+{
+    const auto dialog = makeDialog();
+    dialog->show();
+    const auto *page = dialog->findChild<AbstractOptionsPage *>();
+    const QRect available(0, 0, 1366, page->sizeHint().height() / 2);
+    dialog->resize(dialog->openingSize(available));
+    QCoreApplication::processEvents();
+    auto *area = dialog->findChild<QScrollArea *>();
+    QVERIFY(area);
+    QCOMPARE(area->widget(), page);
+    QVERIFY(area->verticalScrollBar()->isVisible());
+    QVERIFY(!area->horizontalScrollBar()->isVisible());
+    QVERIFY(page->height() >= page->sizeHint().height());
+    QVERIFY(overlappingCheckBoxes(page).isEmpty());
+    QVERIFY(squeezedWidgets(page).isEmpty());
 }
 
 QTEST_MAIN(tst_SettingsDialog)

@@ -3,6 +3,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 // The output file of each recording: the pattern expanded with the
 // recording's name, number, the moment and its properties, in the output
 // folder or beside the recording; the names refused; the folders made.
@@ -107,6 +109,37 @@ void tst_OutputNamer::names_data()
         << "txt"
         << "{dir}/out"
         << "-" << 3 << walk << "{dir}/out/stdin-003.txt";
+    // A device or pipe has no folder to write beside: /dev is the system's.
+    QTest::newRow("a device is named after itself, in the current folder")
+        << "<inputfile>-<seqnr>"
+        << "txt"
+        << ""
+        << "/dev/null" << 1 << walk << "{dir}/null-001.txt";
+    QTest::newRow("standard input by its device name, in the current folder")
+        << "<inputfile>-<seqnr>"
+        << "txt"
+        << ""
+        << "/dev/stdin" << 1 << walk << "{dir}/stdin-001.txt";
+    QTest::newRow("a descriptor of this process, in the current folder")
+        << "<inputfile>"
+        << "txt"
+        << ""
+        << "/proc/self/fd/0" << 1 << walk << "{dir}/0.txt";
+    QTest::newRow("a file in a folder below /dev, beside it")
+        << "<inputfile>"
+        << "txt"
+        << ""
+        << "/dev/shm/walk.jsonl" << 1 << walk << "/dev/shm/walk.txt";
+    QTest::newRow("a pipe, in the current folder")
+        << "<inputfile>"
+        << "txt"
+        << ""
+        << "{dir}/rec/pipe.jsonl" << 1 << walk << "{dir}/pipe.txt";
+    QTest::newRow("a device in the output folder")
+        << "<inputfile>"
+        << "txt"
+        << "{dir}/out"
+        << "/dev/zero" << 1 << walk << "{dir}/out/zero.txt";
     QTest::newRow("only the last suffix of the recording goes")
         << "<inputfile>"
         << "txt"
@@ -184,6 +217,10 @@ void tst_OutputNamer::names()
     QFETCH(int, sequenceNumber);
     QFETCH(QVariantMap, properties);
     QFETCH(QString, expected);
+
+    // The pipe that rows may name.
+    QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("rec")));
+    QCOMPARE(::mkfifo(QFile::encodeName(inDir(QStringLiteral("{dir}/rec/pipe.jsonl"))), 0600), 0);
 
     const OutputNamer namer(pattern, extension, inDir(outputDir), started);
     QString problem;

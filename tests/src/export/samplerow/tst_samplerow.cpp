@@ -4,6 +4,7 @@
 #include <exportrun.h>
 #include <settingssynchronizer.h>
 
+#include <QTextCodec>
 #include <QtTest>
 
 #include <cmath>
@@ -74,6 +75,7 @@ class tst_SampleRow : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void row_data();
     void row();
     void countersAloneMakeNoLine();
@@ -86,7 +88,20 @@ private slots:
     void fieldCounts();
     void delimiterTexts_data();
     void delimiterTexts();
+    void highPrecisionStoredAs_data();
+    void highPrecisionStoredAs();
+    void surrogatesInCustomTexts_data();
+    void surrogatesInCustomTexts();
+    void groupSwitchedOffDuringAnExport_data();
+    void groupSwitchedOffDuringAnExport();
 };
+
+// The exporter's stream writes in the locale's encoding, which the host
+// program sets to UTF-8 whatever the environment; so does this test.
+void tst_SampleRow::initTestCase()
+{
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+}
 
 void tst_SampleRow::row_data()
 {
@@ -732,6 +747,176 @@ void tst_SampleRow::delimiterTexts()
             expected.chop(1);
         QCOMPARE(lines.at(i), expected);
     }
+}
+
+void tst_SampleRow::highPrecisionStoredAs_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<QString>("expected");
+
+    // the value as the variant's boolean conversion reads it
+    const QString high = QStringLiteral("9.8100000000000005\t-0.5\t100");
+    const QString fixed = QStringLiteral("9.810000\t-0.500000\t100.000000");
+    QTest::newRow("the text yes is true") << QVariant(QStringLiteral("yes")) << high;
+    QTest::newRow("the text true after a blank is true")
+        << QVariant(QStringLiteral(" true")) << high;
+    QTest::newRow("the text false after a blank is true too")
+        << QVariant(QStringLiteral(" false")) << high;
+    QTest::newRow("the text FALSE is false") << QVariant(QStringLiteral("FALSE")) << fixed;
+    QTest::newRow("the text 0 is false") << QVariant(QStringLiteral("0")) << fixed;
+    QTest::newRow("an empty text is false") << QVariant(QString()) << fixed;
+    QTest::newRow("the integer 2 is true") << QVariant(2) << high;
+    QTest::newRow("the integer 0 is false") << QVariant(0) << fixed;
+    QTest::newRow("an invalid variant is false") << QVariant() << fixed;
+}
+
+// However the host's store holds "highPrecision", the row writer reads it with
+// the variant's boolean conversion.
+void tst_SampleRow::highPrecisionStoredAs()
+{
+    QFETCH(QVariant, stored);
+    QFETCH(QString, expected);
+
+    TestSample s;
+    s.calibratedAcceleration = {9.81, -0.5, 100.0};
+    QCOMPARE(rowOf(base({{"exportCalibratedAcceleration", true}, {"highPrecision", stored}}), s),
+             expected);
+}
+
+void tst_SampleRow::surrogatesInCustomTexts_data()
+{
+    QTest::addColumn<QString>("delimiter");
+    QTest::addColumn<QString>("placeholder");
+    QTest::addColumn<QByteArray>("expected"); // the column-header line and the row
+
+    const QString grin = QString::fromUcs4(U"\U0001F600");
+    const QString high(QChar(0xD83D));
+    const QString low(QChar(0xDE00));
+    // UTF-8 of U+1F600; a surrogate without its partner cannot be written in
+    // UTF-8, and the stream writes a question mark in its place.
+    QTest::newRow("a delimiter of one character beyond the 16-bit range")
+        << grin << QStringLiteral("-")
+        << QByteArray("Acc_X\xF0\x9F\x98\x80"
+                      "Acc_Y\xF0\x9F\x98\x80"
+                      "Acc_Z\xF0\x9F\x98\x80"
+                      "Pressure\xF0\x9F\x98\x80\n"
+                      "1.000000\xF0\x9F\x98\x80"
+                      "2.000000\xF0\x9F\x98\x80"
+                      "3.000000\xF0\x9F\x98\x80"
+                      "-\xF0\x9F\x98\x80\n");
+    QTest::newRow("a placeholder of one character beyond the 16-bit range")
+        << QStringLiteral(";") << grin
+        << QByteArray("Acc_X;Acc_Y;Acc_Z;Pressure\n"
+                      "1.000000;2.000000;3.000000;\xF0\x9F\x98\x80\n");
+    QTest::newRow("a delimiter of a lone high surrogate")
+        << high << QStringLiteral("-")
+        << QByteArray("Acc_X?Acc_Y?Acc_Z?Pressure\n1.000000?2.000000?3.000000?-\n");
+    QTest::newRow("a delimiter of a lone low surrogate")
+        << low << QStringLiteral("-")
+        << QByteArray("Acc_X?Acc_Y?Acc_Z?Pressure\n1.000000?2.000000?3.000000?-\n");
+    QTest::newRow("a placeholder of a lone high surrogate")
+        << QStringLiteral(";") << high
+        << QByteArray("Acc_X;Acc_Y;Acc_Z;Pressure\n1.000000;2.000000;3.000000;?\n");
+    QTest::newRow("a placeholder of a lone low surrogate")
+        << QStringLiteral(";") << low
+        << QByteArray("Acc_X;Acc_Y;Acc_Z;Pressure\n1.000000;2.000000;3.000000;?\n");
+    QTest::newRow("a placeholder of the two surrogates in the wrong order")
+        << QStringLiteral(";") << low + high
+        << QByteArray("Acc_X;Acc_Y;Acc_Z;Pressure\n1.000000;2.000000;3.000000;??\n");
+}
+
+// The custom texts go into the file as the stream encodes them. Only the
+// first UTF-16 unit of the delimiter is trimmed from a line's end, so a
+// delimiter beyond the 16-bit range stays there whole.
+void tst_SampleRow::surrogatesInCustomTexts()
+{
+    QFETCH(QString, delimiter);
+    QFETCH(QString, placeholder);
+    QFETCH(QByteArray, expected);
+
+    const Settings settings = base({{"exportCalibratedAcceleration", true},
+                                    {"exportPressure", true},
+                                    {"useTabDelimiter", false},
+                                    {"useOtherDelimiter", true},
+                                    {"otherDelimiter", delimiter},
+                                    {"otherPlaceholder", placeholder}});
+    SettingsSynchronizer store(SettingsCatalogue::defaults(), SettingsCatalogue::descriptions());
+    apply(store, settings);
+    TestSource source;
+    AsciiExporter exporter(&source, &store);
+    const QByteArray file = exportSamples(&exporter, &source, {withAcceleration()});
+    // the five lines of the header block come first
+    int at = 0;
+    for (int line = 0; line < 5 && at >= 0; ++line)
+        at = file.indexOf('\n', at) + 1;
+    QVERIFY(at > 0);
+    QCOMPARE(file.mid(at), expected);
+}
+
+void tst_SampleRow::groupSwitchedOffDuringAnExport_data()
+{
+    QTest::addColumn<Settings>("atStart");
+    QTest::addColumn<Settings>("changes");
+    QTest::addColumn<QStringList>("expected");
+
+    const Settings both{{"exportCalibratedAcceleration", true}, {"exportPressure", true}};
+    QTest::newRow("a data group switched off")
+        << both << Settings{{"exportPressure", false}}
+        << QStringList{"Acc_X\tAcc_Y\tAcc_Z\tPressure", "1.000000\t2.000000\t3.000000\t_",
+                       "1.000000\t2.000000\t3.000000"};
+    QTest::newRow("the only sensor group switched off: no more rows")
+        << Settings{{"exportPacketCounter", true}, {"exportCalibratedAcceleration", true}}
+        << Settings{{"exportCalibratedAcceleration", false}}
+        << QStringList{"PacketCounter\tAcc_X\tAcc_Y\tAcc_Z", "00007\t1.000000\t2.000000\t3.000000"};
+    QTest::newRow("orientation switched off")
+        << Settings{{"exportCalibratedAcceleration", true}, {"exportOrientation", "Quaternion"}}
+        << Settings{{"exportOrientation", "None"}}
+        << QStringList{"Acc_X\tAcc_Y\tAcc_Z\tQuat_q0\tQuat_q1\tQuat_q2\tQuat_q3",
+                       "1.000000\t2.000000\t3.000000\t1.000000\t0.000000\t0.000000\t0.000000",
+                       "1.000000\t2.000000\t3.000000"};
+    QTest::newRow("orientation changed from quaternion to Euler angles")
+        << Settings{{"exportCalibratedAcceleration", true}, {"exportOrientation", "Quaternion"}}
+        << Settings{{"exportOrientation", "Euler"}}
+        << QStringList{"Acc_X\tAcc_Y\tAcc_Z\tQuat_q0\tQuat_q1\tQuat_q2\tQuat_q3",
+                       "1.000000\t2.000000\t3.000000\t1.000000\t0.000000\t0.000000\t0.000000",
+                       "1.000000\t2.000000\t3.000000\t10.000000\t-20.000000\t30.000000"};
+    QTest::newRow("orientation removed from the store")
+        << Settings{{"exportCalibratedAcceleration", true}, {"exportOrientation", "Quaternion"}}
+        << Settings{{"exportOrientation", QVariant()}}
+        << QStringList{"Acc_X\tAcc_Y\tAcc_Z\tQuat_q0\tQuat_q1\tQuat_q2\tQuat_q3",
+                       "1.000000\t2.000000\t3.000000\t1.000000\t0.000000\t0.000000\t0.000000",
+                       "1.000000\t2.000000\t3.000000"};
+}
+
+// The column-header line is written once, with the settings of the start;
+// the groups of each row are read from the settings as they are when the
+// row is written. A group switched off midway leaves the later rows without
+// its fields, under the header that still names them.
+void tst_SampleRow::groupSwitchedOffDuringAnExport()
+{
+    QFETCH(Settings, atStart);
+    QFETCH(Settings, changes);
+    QFETCH(QStringList, expected);
+
+    SettingsSynchronizer store(SettingsCatalogue::defaults(), SettingsCatalogue::descriptions());
+    apply(store, base(atStart));
+    TestSource source;
+    AsciiExporter exporter(&source, &store);
+    QTemporaryDir dir;
+    QFile file(dir.filePath(QStringLiteral("out.txt")));
+    QVERIFY(exporter.start(&file));
+    TestSample s = withAcceleration();
+    s.packetCounter = 7;
+    s.orientationQuaternion = {1.0, 0.0, 0.0, 0.0};
+    s.orientationEuler = {10.0, -20.0, 30.0};
+    source.sample = s;
+    QVERIFY(exporter.writeSample());
+    apply(store, changes);
+    QVERIFY(exporter.writeSample());
+    QVERIFY(exporter.finish());
+    file.close();
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(linesAfterHeaderBlock(file.readAll()), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_SampleRow)

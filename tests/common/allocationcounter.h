@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QtGlobal>
+
+/**
+ * The test binary's own global operator new and delete, for tests of what a
+ * constructor leaves behind when an allocation fails. Compiled into a test
+ * binary (not into a library), the replacement serves the whole process: the
+ * binary, Qt and the C++ library alike.
+ *
+ * Every block is counted while it lives. One allocation asked for by the
+ * binary's own code (the code under test and the inline code of the headers
+ * it uses, not Qt's libraries, whose frames need not release anything on an
+ * exception) can be made to throw std::bad_alloc.
+ */
+namespace AllocationCounter {
+
+/** Blocks from operator new not yet given back. */
+qint64 liveBlocks();
+
+/**
+ * Makes the @p nth allocation of the binary's own code from now on throw
+ * std::bad_alloc, counting from 1; 0 makes none fail. Starts the count of
+ * ownAllocations() again.
+ */
+void failOwnAllocation(int nth);
+
+/** Allocations of the binary's own code since the last failOwnAllocation(). */
+int ownAllocations();
+
+} // namespace AllocationCounter
