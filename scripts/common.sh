@@ -7,7 +7,8 @@ ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 BUILD_DIR=${BUILD_DIR:-$ROOT/build}
 
 # Debian packages the build and the tests need (dpkg-dev and file for the
-# Debian package's dependencies, pkg-config for the SDK's check).
+# Debian packages' dependencies, pkg-config for the SDK's check; scripts/test
+# adds what only the tests use, lintian among them).
 PACKAGES=(
     cmake g++ make
     qtbase5-dev qtbase5-dev-tools qttools5-dev qttools5-dev-tools

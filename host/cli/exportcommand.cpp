@@ -143,7 +143,8 @@ QList<QCommandLineOption> ExportCommand::commandLineOptions(const QCommandLineOp
         QStringLiteral("strict"),
         tr("Refuse what the warnings about settings name (values that the options page "
            "cannot make, delimiter or empty-field settings that contradict each other, "
-           "what the settings file holds besides settings) instead of warning about it."));
+           "what the settings file holds besides settings), and exports that hold no data "
+           "of the chosen groups, instead of warning about them."));
     const QCommandLineOption delimiter(
         QStringLiteral("delimiter"),
         tr("The field delimiter, set as the options page sets it: tab (or \\t), space, comma "
@@ -392,6 +393,7 @@ ExportCommand::ExportCommand(const Options &options, AbstractExporterFactory *fa
     job.setReadAhead(!sideBySide && QThread::idealThreadCount() > 1);
     job.setSelection(options.selection);
     job.setFillPolicy(options.fill);
+    job.setRefuseNoData(options.strict);
     job.setSkipBadLines(options.skipBadLines, [this](const QString &warning) {
         bar.clear();
         printError(warning);
@@ -505,6 +507,8 @@ int ExportCommand::exportOne(int index, const ExportJob::Progress &followReading
     }
     if (!options.quiet && !job.readingNotice().isEmpty())
         printError(job.readingNotice());
+    if (done && !job.noDataWarning().isEmpty())
+        printError(job.noDataWarning());
     if (!done) {
         const QString failure = failureText(index);
         if (!failure.isEmpty())
@@ -546,6 +550,11 @@ QString ExportCommand::failureText(int index) const
         return tr("%1 (a recording cannot be salvaged without its first line, the recording "
                   "object)")
             .arg(job.errorString());
+    case ExportJob::Failure::NoData:
+        // Standard output has had the header lines already.
+        if (job.outputFile() == OutputFile::standardOutputName())
+            return tr("%1 (--strict)").arg(job.errorString());
+        return tr("%1 (--strict: no file written)").arg(job.errorString());
     case ExportJob::Failure::NoUpdateRate:
         return tr("%1: gives no update rate, so --from and --to cannot be in seconds")
             .arg(shownName(index));

@@ -42,7 +42,9 @@ int showInfo(const QStringList &arguments)
     const QCommandLineOption settings = settingsOption();
     const QCommandLineOption recording(
         QStringLiteral("recording"),
-        tr("Show what this recording, UBX log or flight log holds instead."), tr("FILE"));
+        tr("Show what this recording, UBX log or flight log holds instead: its samples, "
+           "duration, rate, data groups and gaps."),
+        tr("FILE"));
     int status = 0;
     if (!parseOptionsOnly(parser, {plugin, settings, recording}, command,
                           tr("Shows the plug-in's metadata, name, version and file extension."),

@@ -1,6 +1,9 @@
 #include "recordingreport.h"
 
+#include "gapfinder.h"
+#include "heldgroups.h"
 #include "recordinginput.h"
+#include "recordingsample.h"
 #include "ubxmessages.h"
 #include "ubxtimeline.h"
 #include "ulogsummary.h"
@@ -54,28 +57,37 @@ QString shownText(const QString &text)
 bool RecordingReport::describe(RecordingInput &input, const QString &name, QStringList *lines,
                                QString *error)
 {
-    qint64 samples = 0;
+    Samples samples;
     while (input.readNext())
-        ++samples;
+        readSample(input.sample(), &samples);
     if (input.hasError()) {
         *error = input.errorString();
         return false;
     }
+    samples.times.finish();
+    samples.receiverTimes.finish();
 
     lines->append(row(tr("Recording"), name));
     switch (input.format()) {
     case RecordingInput::Format::Ubx:
         lines->append(row(tr("Format"), tr("UBX receiver log")));
-        describeUbx(input.ubxLog().statistics(), lines);
         break;
     case RecordingInput::Format::Ulog:
         lines->append(row(tr("Format"), tr("PX4 flight log (ULog)")));
-        lines->append(countRow(tr("Samples"), samples));
-        describeUlog(input.ulogLog().summary(), lines);
         break;
     case RecordingInput::Format::JsonLines:
         lines->append(row(tr("Format"), tr("JSON Lines")));
-        lines->append(countRow(tr("Samples"), samples));
+        break;
+    }
+    describeSamples(input, samples, lines);
+    switch (input.format()) {
+    case RecordingInput::Format::Ubx:
+        describeUbx(input.ubxLog().statistics(), lines);
+        break;
+    case RecordingInput::Format::Ulog:
+        describeUlog(input.ulogLog().summary(), lines);
+        break;
+    case RecordingInput::Format::JsonLines:
         break;
     }
     const double rate = input.updateRate();
@@ -84,6 +96,106 @@ bool RecordingReport::describe(RecordingInput &input, const QString &name, QStri
     for (auto property = properties.cbegin(); property != properties.cend(); ++property)
         lines->append(row(property.key(), shownText(property.value().toString())));
     return true;
+}
+
+// The number of samples, how long they last, how many come a second, the
+// data groups they hold and the gaps in their counter and time.
+void RecordingReport::describeSamples(const RecordingInput &input, const Samples &samples,
+                                      QStringList *lines)
+{
+    lines->append(countRow(tr("Samples"), samples.count));
+    // The span of the samples from their own times where they have them,
+    // else from a receiver log's epochs, else from the update rate.
+    double seconds = 0.0;
+    qint64 spanned = 0;
+    QString source;
+    const UbxLogStatistics *log =
+        input.format() == RecordingInput::Format::Ubx ? &input.ubxLog().statistics() : nullptr;
+    if (samples.times.values() > 1) {
+        seconds = double(samples.times.span()) / ticksPerSecond;
+        spanned = samples.times.values() - 1;
+        source = tr("from the sample times");
+    } else if (log && log->epochs > 1) {
+        seconds = double(log->lastTime - log->firstTime) / 1000.0;
+        spanned = log->epochs - 1;
+        source = tr("from the receiver's times");
+    } else if (input.updateRate() > 0.0 && samples.count > 0) {
+        seconds = double(samples.count) / input.updateRate();
+        spanned = samples.count;
+        source = tr("from the update rate");
+    }
+    if (source.isEmpty()) {
+        lines->append(row(tr("Duration"), tr("not known")));
+        lines->append(row(tr("Rate"), tr("not known")));
+    } else {
+        lines->append(row(tr("Duration"), tr("%1 s (%2)").arg(seconds, 0, 'f', 4).arg(source)));
+        lines->append(row(tr("Rate"),
+                          seconds > 0.0
+                              ? tr("%1 samples/s").arg(double(spanned) / seconds, 0, 'f', 2)
+                              : tr("not known")));
+    }
+    const QStringList groups = HeldGroups::names(samples.groups);
+    lines->append(
+        row(tr("Data groups"), groups.isEmpty() ? tr("none") : groups.join(QStringLiteral(", "))));
+
+    const GapFinder &counters = samples.counters;
+    if (counters.values() == 0) {
+        lines->append(row(tr("Counter gaps"), tr("no packet counter")));
+    } else if (counters.gaps() == 0) {
+        lines->append(row(tr("Counter gaps"), tr("none")));
+    } else {
+        const GapFinder::Gap gap = counters.largest();
+        lines->append(row(tr("Counter gaps"),
+                          tr("%1; the largest %2 -> %3 before sample %4")
+                              .arg(counters.gaps())
+                              .arg(gap.from, 5, 10, QLatin1Char('0'))
+                              .arg(gap.to, 5, 10, QLatin1Char('0'))
+                              .arg(gap.sample)));
+    }
+
+    if (samples.times.values() > 1)
+        lines->append(row(tr("Time gaps"), timeGaps(samples.times, ticksPerSecond)));
+    else if (samples.receiverTimes.values() > 1)
+        lines->append(
+            row(tr("Time gaps"),
+                tr("in the receiver's time: %1").arg(timeGaps(samples.receiverTimes, 1000.0))));
+    else
+        lines->append(row(tr("Time gaps"), tr("no sample times")));
+}
+
+void RecordingReport::readSample(const RecordingSample &sample, Samples *samples)
+{
+    samples->groups |= HeldGroups::of(sample);
+    if (sample.hasPacketCounter)
+        samples->counters.add(samples->count, sample.packetCounter);
+    if (sample.hasSampleTimeFine) {
+        samples->times.add(samples->count, sample.sampleTimeFine);
+    } else {
+        // The records of one epoch share its time; 0 is no record.
+        for (const quint32 timeOfWeek :
+             {sample.gnssPvt.iTOW, sample.gpsSolution.iTOW, sample.gpsUtcTime.iTOW,
+              sample.gpsDop.iTOW, sample.gnssSatellites.iTOW, sample.gpsSatellites.iTOW}) {
+            if (timeOfWeek != 0) {
+                samples->receiverTimes.add(samples->count, timeOfWeek);
+                break;
+            }
+        }
+    }
+    ++samples->count;
+}
+
+// The gaps of @p times, which count @p perSecond a second.
+QString RecordingReport::timeGaps(const GapFinder &times, double perSecond)
+{
+    const auto seconds = [perSecond](quint32 step) { return double(step) / perSecond; };
+    if (times.gaps() == 0)
+        return tr("none (median step %1 s)").arg(seconds(times.typicalStep()), 0, 'f', 4);
+    const GapFinder::Gap gap = times.largest();
+    return tr("%1 (steps over 1.5 times the median step %2 s); the largest %3 s before sample %4")
+        .arg(times.gaps())
+        .arg(seconds(times.typicalStep()), 0, 'f', 4)
+        .arg(seconds(gap.step), 0, 'f', 4)
+        .arg(gap.sample);
 }
 
 void RecordingReport::describeUbx(const UbxLogStatistics &log, QStringList *lines)

@@ -8,6 +8,7 @@
 
 #include <abstractexporter.h>
 #include <abstractexporterfactory.h>
+#include <settingssynchronizer.h>
 
 #include <QFileDevice>
 
@@ -41,6 +42,11 @@ void ExportJob::setFillPolicy(const UlogFillPolicy &policy)
     fill = policy;
 }
 
+void ExportJob::setRefuseNoData(bool refuse)
+{
+    refuseNoData = refuse;
+}
+
 bool ExportJob::run(const QString &recording, const OutputName &outputName,
                     const Progress &progress)
 {
@@ -50,6 +56,12 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
     written = 0;
     skipped = 0;
     notice.clear();
+    wanted = HeldGroups::chosen(*factory->settings()) & HeldGroups::makingRows();
+    samplesRead = 0;
+    endReached = false;
+    dataExported = false;
+    recordingHolds = 0;
+    noData.clear();
 
     RecordingInput reader;
     reader.setUlogFillPolicy(fill);
@@ -72,7 +84,14 @@ bool ExportJob::run(const QString &recording, const OutputName &outputName,
     if (ahead)
         ahead->finish();
     notice = samples.readingNotice();
-    return readToTheEnd(samples) && commit(file);
+    if (!readToTheEnd(samples))
+        return false;
+    if (!dataExported) {
+        noData = noDataText(recordingName);
+        if (refuseNoData)
+            return fail(Failure::NoData, noData);
+    }
+    return commit(file);
 }
 
 bool ExportJob::open(const QString &recording, RecordingInput *reader, QFile *standardInput)
@@ -146,7 +165,16 @@ void ExportJob::writeSelected(AbstractRecordingReader &samples, AbstractExporter
         if (!everything && selection.isPastEnd(index, rate))
             break;
         if (samples.readNext()) {
-            if (everything || selection.selects(index, rate)) {
+            ++samplesRead;
+            const bool selected = everything || selection.selects(index, rate);
+            // Mostly the first sample holds data of a chosen group; only
+            // until one does are the groups of the samples looked at.
+            if (!dataExported) {
+                const HeldGroups::Mask held = HeldGroups::of(samples.sample());
+                recordingHolds |= held;
+                dataExported = selected && (held & wanted) != 0;
+            }
+            if (selected) {
                 exporter.writeSample();
                 ++written;
             }
@@ -158,11 +186,42 @@ void ExportJob::writeSelected(AbstractRecordingReader &samples, AbstractExporter
             warning(tr("%1 (skipped)").arg(message));
             continue;
         } else {
+            endReached = !samples.hasError();
             break;
         }
         if (progress)
             progress(samples.position(), size);
     }
+}
+
+// Why the samples exported hold no data of the chosen groups, for the user.
+QString ExportJob::noDataText(const QString &recordingName) const
+{
+    if (written == 0) {
+        if (!endReached)
+            return tr("%1: no sample was selected").arg(recordingName);
+        if (samplesRead == 0)
+            return tr("%1: the recording holds no sample").arg(recordingName);
+        return tr("%1: no sample was selected; the recording's samples go from 0 to %2")
+            .arg(recordingName)
+            .arg(samplesRead - 1);
+    }
+    // Reading stops where the selection ends: then only the samples up to
+    // there are known.
+    const QString held = HeldGroups::names(recordingHolds).join(QStringLiteral(", "));
+    QString holds;
+    if (endReached)
+        holds = recordingHolds == 0 ? tr("the recording holds no data of any group")
+                                    : tr("the recording holds: %1").arg(held);
+    else
+        holds = recordingHolds == 0
+            ? tr("the samples read, 0 to %1, hold no data of any group").arg(samplesRead - 1)
+            : tr("the samples read, 0 to %1, hold: %2").arg(samplesRead - 1).arg(held);
+    if (wanted == 0)
+        return tr("%1: none of the chosen groups makes a row of its own (counters, times, status "
+                  "words, clipping flags and RSSI go with other data); %2")
+            .arg(recordingName, holds);
+    return tr("%1: no sample holds data of the chosen groups; %2").arg(recordingName, holds);
 }
 
 // Whether the reading stopped at the end of the recording, not at an error.
@@ -224,4 +283,9 @@ QString ExportJob::standardInputName()
 QString ExportJob::readingNotice() const
 {
     return notice;
+}
+
+QString ExportJob::noDataWarning() const
+{
+    return noData;
 }

@@ -6,6 +6,7 @@
 
 #include <functional>
 
+#include "heldgroups.h"
 #include "sampleselection.h"
 #include "ulogfillpolicy.h"
 
@@ -57,6 +58,8 @@ public:
         Unwritable,
         /** The reader of the pipe written to went away. */
         ReaderWentAway,
+        /** No exported sample holds data of the chosen groups, and such exports are refused. */
+        NoData,
     };
 
     explicit ExportJob(AbstractExporterFactory *factory);
@@ -81,6 +84,13 @@ public:
     void setFillPolicy(const UlogFillPolicy &policy);
 
     /**
+     * Fails an export whose samples hold no data of the chosen groups, which
+     * makes a file without rows, instead of writing it with a warning: no
+     * file is left, as with any failed export.
+     */
+    void setRefuseNoData(bool refuse);
+
+    /**
      * Exports @p recording ("-" for standard input) into the file that
      * @p outputName gives. Returns false on failure; failure() then tells
      * what failed and errorString() what to tell the user, which is empty
@@ -98,6 +108,11 @@ public:
     qint64 linesSkipped() const;
     /** What the reader of the last run passed over, for the user; often empty. */
     QString readingNotice() const;
+    /**
+     * The warning that the last run exported no data of the chosen groups,
+     * naming the groups the recording holds; empty when it exported data.
+     */
+    QString noDataWarning() const;
 
     /** The name of standard input in messages. */
     static QString standardInputName();
@@ -110,6 +125,7 @@ private:
                        const QString &recordingName, const Progress &progress);
     void writeSelected(AbstractRecordingReader &samples, AbstractExporter &exporter, double rate,
                        const Progress &progress);
+    QString noDataText(const QString &recordingName) const;
     bool readToTheEnd(const AbstractRecordingReader &samples);
     bool commit(OutputFile &file);
     bool fail(Failure kind, const QString &message);
@@ -117,6 +133,7 @@ private:
     AbstractExporterFactory *factory;
     bool skipBadLines = false;
     bool readAhead = true;
+    bool refuseNoData = false;
     WarningHandler warning;
     SampleSelection selection;
     UlogFillPolicy fill;
@@ -126,4 +143,13 @@ private:
     qint64 written = 0;
     qint64 skipped = 0;
     QString notice;
+    // Of the groups chosen, those that make rows; of the last run, the
+    // samples read, whether they were read to the end, whether one exported sample held data of
+    // those groups, and until then, the groups of the samples read.
+    HeldGroups::Mask wanted = 0;
+    qint64 samplesRead = 0;
+    bool endReached = false;
+    bool dataExported = false;
+    HeldGroups::Mask recordingHolds = 0;
+    QString noData;
 };

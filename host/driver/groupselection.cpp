@@ -8,18 +8,6 @@ namespace {
 
 const QString orientationKey = QStringLiteral("exportOrientation");
 
-// The orientation formats as the options page names them, with their values.
-struct Orientation
-{
-    const char *label;
-    const char *value;
-};
-constexpr Orientation orientations[] = {
-    {"Euler Angles", "Euler"},
-    {"Quaternion", "Quaternion"},
-    {"Matrix", "Matrix"},
-};
-
 QString folded(const QString &name)
 {
     return name.toCaseFolded().remove(QLatin1Char(' '));
@@ -57,6 +45,13 @@ const GroupSelection::Group GroupSelection::groups[] = {
     {"Trigger In 2", "exportTriggerIn2"},
 };
 const int GroupSelection::groupCount = int(std::size(groups));
+
+const GroupSelection::Orientation GroupSelection::orientations[] = {
+    {"Euler Angles", "Euler"},
+    {"Quaternion", "Quaternion"},
+    {"Matrix", "Matrix"},
+};
+const int GroupSelection::orientationCount = int(std::size(orientations));
 
 QStringList GroupSelection::names()
 {

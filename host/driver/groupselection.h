@@ -30,6 +30,15 @@ public:
     static const Group groups[];
     static const int groupCount;
 
+    /** The orientation formats as the options page names them, with their values. */
+    struct Orientation
+    {
+        const char *label;
+        const char *value;
+    };
+    static const Orientation orientations[];
+    static const int orientationCount;
+
     /** The names a list may hold. */
     static QStringList names();
 

@@ -69,7 +69,7 @@ void writeInertialKeys(JsonLineWriter &line, const RecordingSample &sample)
         line.key("utcTime");
         line.record(RecordFields::utcTime, sample.utcTime);
     }
-    if (sample.clippingFlags != 0) {
+    if (sample.hasClippingFlags) {
         line.key("clippingFlags");
         line.integer(sample.clippingFlags);
     }

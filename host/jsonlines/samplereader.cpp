@@ -162,6 +162,26 @@ struct NumberKey
     static void reset(S &sample) { resetMember<member>(sample); }
 };
 
+// A key whose missing value is also a valid one: read by Key, with the
+// sample's flag @p held saying whether the line holds it.
+template <typename Key, bool S::*held>
+struct FlaggedKey
+{
+    template <typename In>
+    static bool read(ValueOf<In> &value, const KeyPath &path, S &sample, In &in)
+    {
+        if (!Key::read(value, path, sample, in))
+            return false;
+        sample.*held = true;
+        return true;
+    }
+    static void reset(S &sample)
+    {
+        Key::reset(sample);
+        sample.*held = false;
+    }
+};
+
 // The vector of the sample before is overwritten where it stands, so that a
 // sample whose keys are those of the one before costs no allocation.
 template <auto member, int size>
@@ -372,13 +392,13 @@ using RecordFields::gnssSatelliteList;
 using RecordFields::gpsChannelList;
 
 constexpr SampleKey sampleKeys[] = {
-    key<IntegerKey<&S::packetCounter>>("packetCounter"),
+    key<FlaggedKey<IntegerKey<&S::packetCounter>, &S::hasPacketCounter>>("packetCounter"),
     key<SampleTimeFineKey>("sampleTimeFine"),
     key<SampleDateTimeKey>("sampleDateTime"),
     key<RecordKey<&S::utcTime, RecordFields::utcTime, false>>("utcTime"),
-    key<StatusWordKey>("statusWord"),
-    key<IntegerKey<&S::clippingFlags>>("clippingFlags"),
-    key<NumberKey<&S::rssi>>("rssi"),
+    key<FlaggedKey<StatusWordKey, &S::hasStatusWord>>("statusWord"),
+    key<FlaggedKey<IntegerKey<&S::clippingFlags>, &S::hasClippingFlags>>("clippingFlags"),
+    key<FlaggedKey<NumberKey<&S::rssi>, &S::hasRssi>>("rssi"),
     key<VectorKey<&S::calibratedAcceleration, 3>>("calibratedAcceleration"),
     key<VectorKey<&S::freeAcceleration, 3>>("freeAcceleration"),
     key<VectorKey<&S::calibratedAngularVelocity, 3>>("calibratedAngularVelocity"),
@@ -396,7 +416,7 @@ constexpr SampleKey sampleKeys[] = {
     key<NumberKey<&S::altitude>>("altitude"),
     key<NumberKey<&S::temperature>>("temperature"),
     key<NumberKey<&S::pressure>>("pressure"),
-    key<IntegerKey<&S::scrTemperature>>("scrTemperature"),
+    key<FlaggedKey<IntegerKey<&S::scrTemperature>, &S::hasScrTemperature>>("scrTemperature"),
     key<GyroTemperaturesKey>("gyroTemperatures"),
     key<RecordKey<&S::gpsSolution, RecordFields::gpsSolution, true>>("gpsSolution"),
     key<RecordKey<&S::gpsDop, RecordFields::gpsDop, true>>("gpsDop"),

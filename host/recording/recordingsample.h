@@ -20,14 +20,20 @@
  */
 struct RecordingSample
 {
+    // For the words whose missing value 0 is also a valid one, the reader
+    // says whether the sample holds them.
     quint16 packetCounter = 0;
+    bool hasPacketCounter = false;
     quint32 sampleTimeFine = 0;
     bool hasSampleTimeFine = false;
     QDateTime sampleDateTime;
     KvUtcTime utcTime;
     qint32 statusWord = 0;
+    bool hasStatusWord = false;
     quint16 clippingFlags = 0;
+    bool hasClippingFlags = false;
     double rssi = 0.0;
+    bool hasRssi = false;
     KvVector calibratedAcceleration;
     KvVector freeAcceleration;
     KvVector calibratedAngularVelocity;
@@ -49,6 +55,7 @@ struct RecordingSample
     double temperature = std::numeric_limits<double>::quiet_NaN();
     double pressure = std::numeric_limits<double>::quiet_NaN();
     quint16 scrTemperature = 0;
+    bool hasScrTemperature = false;
     QVector<quint16> gyroTemperatures;
     KvGpsSolution gpsSolution;
     KvGpsDop gpsDop;

@@ -399,6 +399,7 @@ bool UbxReader::readNext()
         return false;
     const Epoch &epoch = epochs[nextEpoch];
     current.packetCounter = quint16(nextEpoch);
+    current.hasPacketCounter = true;
     current.gpsSolution = KvGpsSolution();
     current.gpsDop = KvGpsDop();
     current.gpsUtcTime = KvGpsUtcTime();

@@ -57,4 +57,5 @@ void UlogImuFields::fill(const char *payload, RecordingSample &sample) const
     if (gyroClipping.valid())
         flags |= quint16((gyroClipping.unsignedValue(payload) & 7) << 3);
     sample.clippingFlags = flags;
+    sample.hasClippingFlags = accelerometerClipping.valid() || gyroClipping.valid();
 }

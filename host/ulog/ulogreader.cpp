@@ -328,6 +328,7 @@ bool UlogReader::readNext()
     const quint64 timestamp = samples.times()[nextSample];
     current = RecordingSample();
     current.packetCounter = quint16(nextSample);
+    current.hasPacketCounter = true;
     current.sampleTimeFine = quint32(timestamp / 100);
     current.hasSampleTimeFine = true;
     imu.fill(payload, current);

@@ -20,9 +20,11 @@ QByteArray sampleFingerprint(const RecordingSample &s)
         for (const auto &field : table)
             out << field.load(record);
     };
-    out << s.packetCounter << s.sampleTimeFine << s.hasSampleTimeFine << s.sampleDateTime;
+    out << s.packetCounter << s.hasPacketCounter << s.sampleTimeFine << s.hasSampleTimeFine
+        << s.sampleDateTime;
     fields(RecordFields::utcTime, s.utcTime);
-    out << s.statusWord << s.clippingFlags << s.rssi;
+    out << s.statusWord << s.hasStatusWord << s.clippingFlags << s.hasClippingFlags << s.rssi
+        << s.hasRssi;
     for (const KvVector *v :
          {&s.calibratedAcceleration, &s.freeAcceleration, &s.calibratedAngularVelocity,
           &s.magneticField, &s.velocityIncrement, &s.scrAcceleration, &s.scrGyroscopeData,
@@ -35,7 +37,8 @@ QByteArray sampleFingerprint(const RecordingSample &s)
     out << s.orientationMatrix.isEmpty();
     for (int i = 0; i < 9; ++i)
         out << s.orientationMatrix.at(i);
-    out << s.altitude << s.temperature << s.pressure << s.scrTemperature << s.gyroTemperatures;
+    out << s.altitude << s.temperature << s.pressure << s.scrTemperature << s.hasScrTemperature
+        << s.gyroTemperatures;
     fields(RecordFields::gpsSolution, s.gpsSolution);
     fields(RecordFields::gpsDop, s.gpsDop);
     fields(RecordFields::gpsUtcTime, s.gpsUtcTime);

@@ -615,10 +615,15 @@ void tst_Hostile::badRecordingsSalvaged()
         QCOMPARE(files(), QStringList{"bad.jsonl"});
         return;
     }
+    const int written = content.count('\n') - 1 - (content.endsWith('\n') ? 1 : 0);
+    // Without its one bad sample line, a recording holds no sample at all.
+    const QString nothingLeft = written == 0
+        ? path("bad.jsonl") + QStringLiteral(": the recording holds no sample\n")
+        : QString();
     QCOMPARE(QString::fromUtf8(result.err),
              path("bad.jsonl") + message + QStringLiteral(" (skipped)\n") + path("bad.jsonl")
-                 + QStringLiteral(": samples written: %1, bad lines skipped: 1\n")
-                       .arg(content.count('\n') - 1 - (content.endsWith('\n') ? 1 : 0)));
+                 + QStringLiteral(": samples written: %1, bad lines skipped: 1\n").arg(written)
+                 + nothingLeft);
     QCOMPARE(result.status, 0);
     QCOMPARE(files(), (QStringList{"bad-001.txt", "bad.jsonl"}));
 }

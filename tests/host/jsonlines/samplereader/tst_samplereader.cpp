@@ -217,6 +217,7 @@ void tst_SampleReader::keysALineLacksAreMissing()
     QVERIFY(read(R"({"packetCounter": 65535, "calibratedAcceleration": null})"));
     RecordingSample expected;
     expected.packetCounter = 65535;
+    expected.hasPacketCounter = true;
     QCOMPARE(sampleFingerprint(sample), sampleFingerprint(expected));
 }
 
