@@ -1,10 +1,13 @@
 #include "commandline.h"
 
+#include "choicegroup.h"
 #include "commands.h"
 #include "localfilepath.h"
 #include "nearestname.h"
 #include "outputfile.h"
 #include "pluginhost.h"
+#include "settingnames.h"
+#include "settingsfilecheck.h"
 #include "ulogfillpolicy.h"
 #include "versiontext.h"
 
@@ -14,6 +17,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <cerrno>
@@ -278,7 +282,7 @@ QString settingsFile(const QCommandLineParser &parser, const QCommandLineOption 
     return defaultSettingsFile();
 }
 
-bool loadPlugin(PluginHost &host, const QString &settings)
+bool loadPlugin(PluginHost &host, const QString &settings, SettingsFileState *state)
 {
     if (!host.load()) {
         printError(host.errorString());
@@ -286,16 +290,70 @@ bool loadPlugin(PluginHost &host, const QString &settings)
     }
     if (settings.isEmpty())
         return true;
+    state->missing = !QFileInfo::exists(settings);
+    SettingsSynchronizer *store = host.factory()->settings();
     QStringList problems;
-    if (!host.factory()->settings()->load(settings, &problems)) {
+    if (!store->load(settings, &problems)) {
         const QString reason = unreadableReason(settings);
         printError(reason.isEmpty()
                        ? tr("%1: the settings cannot be read").arg(settings)
                        : tr("%1: the settings cannot be read: %2").arg(settings, reason));
         return false;
     }
+    // The store has taken what QSettings found; what it found besides the
+    // plug-in's settings is told here, line by line.
+    QFile file(settings);
+    if (!state->missing && file.open(QIODevice::ReadOnly)) {
+        state->warnings =
+            SettingsFileCheck::findings(settings, file.readAll(), SettingNames::known(store));
+    }
     for (const QString &problem : qAsConst(problems))
-        printError(tr("%1: ignored: %2").arg(settings, problem));
+        state->warnings.append(tr("%1: ignored: %2").arg(settings, problem));
+    return true;
+}
+
+void noteMissingSettings(const QString &command, const QString &fileName)
+{
+    const QString consequence = command == QLatin1String("options")
+        ? tr("%1 does not exist yet: OK or Apply makes it")
+        : tr("%1 does not exist yet: the default settings apply");
+    printError(QStringLiteral("asciiexport %1: ").arg(command)
+               + tr("note: %1").arg(consequence.arg(fileName)));
+}
+
+QStringList choiceWarnings(const SettingsSynchronizer *store, const QString &fileName)
+{
+    QStringList warnings;
+    for (const ChoiceGroup *group : {&ChoiceGroup::delimiter(), &ChoiceGroup::emptyField()}) {
+        const QString contradiction = group->contradiction(store);
+        if (!contradiction.isEmpty())
+            warnings.append(tr("%1: %2").arg(fileName, contradiction));
+    }
+    if (ChoiceGroup::delimiter().writtenText(store).isEmpty())
+        warnings.append(tr("%1: %2").arg(fileName, emptyDelimiterText()));
+    return warnings;
+}
+
+QString emptyDelimiterText()
+{
+    return tr("useOtherDelimiter is on with an empty otherDelimiter: the fields of a line "
+              "would run together");
+}
+
+bool warnOrRefuse(const QString &command, const QStringList &warnings, bool strict, int *status)
+{
+    for (int i = 0; i < warnings.size(); ++i) {
+        const QString &warning = warnings.at(i);
+        if (!strict) {
+            printError(QStringLiteral("asciiexport %1: ").arg(command)
+                       + tr("warning: %1").arg(warning));
+        } else if (i + 1 < warnings.size()) {
+            printError(QStringLiteral("asciiexport %1: %2").arg(command, warning));
+        } else {
+            *status = usageError(command, warning);
+            return false;
+        }
+    }
     return true;
 }
 

@@ -12,6 +12,7 @@ struct UlogFillPolicy;
 class QIODevice;
 class QCommandLineOption;
 class QCommandLineParser;
+class SettingsSynchronizer;
 
 /**
  * What the subcommands share: their messages, their options for the plug-in
@@ -59,8 +60,43 @@ QCommandLineOption maxAgeOption();
 bool readFillPolicy(const QCommandLineParser &parser, const QCommandLineOption &fill,
                     const QCommandLineOption &maxAge, UlogFillPolicy *policy, QString *message);
 
-/** Loads the plug-in and its stored settings; false after reporting why not. */
-bool loadPlugin(PluginHost &host, const QString &settings);
+/** What loading a settings file found besides the settings. */
+struct SettingsFileState
+{
+    /** The file does not exist: the defaults apply until "options" saves it. */
+    bool missing = false;
+    /** What the file holds that the plug-in does not take, each naming the file. */
+    QStringList warnings;
+};
+
+/**
+ * Loads the plug-in and the settings file @p settings (none when empty);
+ * false after reporting why not. What else the file holds goes into
+ * @p state.
+ */
+bool loadPlugin(PluginHost &host, const QString &settings, SettingsFileState *state);
+
+/**
+ * Says on standard error that the settings file @p fileName, which the user
+ * named for @p command, does not exist yet.
+ */
+void noteMissingSettings(const QString &command, const QString &fileName);
+
+/**
+ * Warnings about the field delimiter and the empty-field text of @p store
+ * as the settings file @p fileName left them: a group with several members
+ * on or none, an empty custom delimiter.
+ */
+QStringList choiceWarnings(const SettingsSynchronizer *store, const QString &fileName);
+
+/** What is wrong with a custom delimiter that is on and empty. */
+QString emptyDelimiterText();
+
+/**
+ * Says @p warnings of @p command on standard error, or with @p strict
+ * refuses them as a usage error: then false, with @p status set to 2.
+ */
+bool warnOrRefuse(const QString &command, const QStringList &warnings, bool strict, int *status);
 
 /**
  * Writes @p fileName ("-": standard output) with @p write, which sets the

@@ -1,5 +1,6 @@
 #include "exportcommand.h"
 
+#include "choicegroup.h"
 #include "commandline.h"
 #include "commands.h"
 #include "groupselection.h"
@@ -9,6 +10,7 @@
 #include "parallelexports.h"
 #include "pluginhost.h"
 #include "recordinginput.h"
+#include "settingnames.h"
 #include "systemreason.h"
 
 #include <abstractexporterfactory.h>
@@ -33,16 +35,6 @@ namespace Commands {
 using namespace CommandLine;
 
 namespace {
-
-// The keys --set takes: the store's, and "highPrecision", which the plug-in
-// reads although the store has no default for it.
-QStringList knownSettingKeys(const SettingsSynchronizer *store)
-{
-    QStringList keys = store->keys();
-    if (!keys.contains(QStringLiteral("highPrecision")))
-        keys.append(QStringLiteral("highPrecision"));
-    return keys;
-}
 
 // What the plug-in makes of a value that no options page could have stored,
 // or an empty text for an ordinary value.
@@ -90,9 +82,13 @@ int exportRecordings(const QStringList &arguments)
     if (!ExportCommand::readOptions(arguments, &options, &status))
         return status;
     PluginHost host(options.pluginFile);
-    if (!loadPlugin(host, options.settingsFile))
+    SettingsFileState settingsFile;
+    if (!loadPlugin(host, options.settingsFile, &settingsFile))
         return 1;
-    if (!ExportCommand::changeSettings(options, host.factory()->settings(), &status))
+    if (settingsFile.missing && options.settingsNamed && !options.quiet)
+        noteMissingSettings(commandName(), options.settingsFile);
+    if (!ExportCommand::changeSettings(options, host.factory()->settings(), settingsFile.warnings,
+                                       &status))
         return status;
     ExportCommand command(options, host.factory());
     return command.run();
@@ -115,11 +111,13 @@ bool ExportCommand::readOptions(const QStringList &arguments, Options *options, 
                   "given.\n"
                   "Exit status: 0 when every recording was exported, 1 when one failed, 2 for a "
                   "usage error "
-                  "(an unknown option or setting key, a value a setting cannot take)."),
+                  "(an unknown option or setting key, a value a setting cannot take, an empty "
+                  "delimiter)."),
                arguments, status))
         return false;
     options->pluginFile = pluginFile(parser, plugin);
     options->settingsFile = settingsFile(parser, settings);
+    options->settingsNamed = parser.isSet(settings);
     for (const QString &recording : parser.positionalArguments())
         options->recordings.append(localFilePath(recording));
     options->strict = parser.isSet(QStringLiteral("strict"));
@@ -143,8 +141,22 @@ QList<QCommandLineOption> ExportCommand::commandLineOptions(const QCommandLineOp
         tr("KEY=VALUE"));
     const QCommandLineOption strict(
         QStringLiteral("strict"),
-        tr("Refuse setting values that the options page cannot make, and exports "
-           "that hold no data of the chosen groups, instead of warning about them."));
+        tr("Refuse what the warnings about settings name (values that the options page "
+           "cannot make, delimiter or empty-field settings that contradict each other, "
+           "what the settings file holds besides settings), and exports that hold no data "
+           "of the chosen groups, instead of warning about them."));
+    const QCommandLineOption delimiter(
+        QStringLiteral("delimiter"),
+        tr("The field delimiter, set as the options page sets it: tab (or \\t), space, comma "
+           "(or ,), semicolon (or ;), or any other text, which becomes the custom delimiter. "
+           "Excludes --set of the delimiter settings."),
+        tr("TEXT"));
+    const QCommandLineOption empty(
+        QStringLiteral("empty"),
+        tr("The text of empty fields, set as the options page sets it: nothing (or \"\"), "
+           "NaN, 0, or any other text, which becomes the custom placeholder. Excludes --set "
+           "of the empty-field settings."),
+        tr("TEXT"));
     const QCommandLineOption output(
         {QStringLiteral("o"), QStringLiteral("output")},
         tr("Write exactly this file (one recording only); - writes to standard "
@@ -187,8 +199,9 @@ QList<QCommandLineOption> ExportCommand::commandLineOptions(const QCommandLineOp
         tr("Show progress even when standard error is not a terminal."));
     const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")},
                                    tr("Show no progress, and do not name the files written."));
-    return {plugin, settings,  set,          strict,       groups,         from, to,       every,
-            output, outputDir, skipBadLines, fillOption(), maxAgeOption(), jobs, progress, quiet};
+    return {plugin,         settings, set,      delimiter, empty,     strict,       groups,
+            from,           to,       every,    output,    outputDir, skipBadLines, fillOption(),
+            maxAgeOption(), jobs,     progress, quiet};
 }
 
 // The recordings, where their files go, and how much is said on the way.
@@ -265,10 +278,32 @@ bool ExportCommand::readChanges(const QCommandLineParser &parser, Options *optio
             return refuse(tr("--set takes KEY=VALUE, not \"%1\"").arg(change), status);
         options->changes.append({change.left(equals), change.mid(equals + 1)});
     }
+    if (parser.isSet(QStringLiteral("delimiter"))) {
+        options->delimiter = parser.value(QStringLiteral("delimiter"));
+        if (options->delimiter->isEmpty())
+            return refuse(tr("--delimiter takes a text, such as tab, space, ; or ,"), status);
+    }
+    if (parser.isSet(QStringLiteral("empty")))
+        options->emptyFieldText = parser.value(QStringLiteral("empty"));
+    // Either option sets its whole group; a --set beside it would be undone
+    // or would undo it, depending on the order.
+    const QPair<QString, const ChoiceGroup *> groups[] = {
+        {QStringLiteral("--delimiter"), options->delimiter ? &ChoiceGroup::delimiter() : nullptr},
+        {QStringLiteral("--empty"), options->emptyFieldText ? &ChoiceGroup::emptyField() : nullptr},
+    };
+    for (const auto &group : groups) {
+        for (const auto &change : qAsConst(options->changes)) {
+            if (group.second && group.second->keys().contains(change.first))
+                return refuse(
+                    tr("%1 and --set %2 exclude each other").arg(group.first, change.first),
+                    status);
+        }
+    }
     return true;
 }
 
-bool ExportCommand::changeSettings(const Options &options, SettingsSynchronizer *store, int *status)
+bool ExportCommand::changeSettings(const Options &options, SettingsSynchronizer *store,
+                                   const QStringList &fileWarnings, int *status)
 {
     QString problem;
     if (options.groups && !GroupSelection::apply(*options.groups, store, &problem))
@@ -277,14 +312,34 @@ bool ExportCommand::changeSettings(const Options &options, SettingsSynchronizer 
     // plug-in reads it in a way of its own (oddValue() says which), as it
     // would in the desktop application. So it is warned about, and refused
     // only when strict.
-    QStringList warnings;
+    QStringList warnings = fileWarnings;
     if (!applyChanges(options, store, &warnings, status))
         return false;
-    for (const QString &warning : qAsConst(warnings)) {
-        if (options.strict)
-            return refuse(warning, status);
-        printError(tr("asciiexport export: warning: %1").arg(warning));
-    }
+    // A group that --delimiter or --empty set is consistent; what is wrong
+    // with another is the settings file's, unless --set changed the group.
+    const auto named = [&options](const ChoiceGroup &group, const QString &text) {
+        for (const auto &change : options.changes) {
+            if (group.keys().contains(change.first))
+                return text;
+        }
+        return tr("%1: %2").arg(options.settingsFile, text);
+    };
+    const auto check = [&](const ChoiceGroup &group, const std::optional<QString> &choice) {
+        if (choice) {
+            group.choose(*choice, store);
+            return;
+        }
+        const QString contradiction = group.contradiction(store);
+        if (!contradiction.isEmpty())
+            warnings.append(named(group, contradiction));
+    };
+    check(ChoiceGroup::delimiter(), options.delimiter);
+    check(ChoiceGroup::emptyField(), options.emptyFieldText);
+    if (!warnOrRefuse(commandName(), warnings, options.strict, status))
+        return false;
+    // Fields run together cannot be read back: no file is written so.
+    if (ChoiceGroup::delimiter().writtenText(store).isEmpty())
+        return refuse(named(ChoiceGroup::delimiter(), emptyDelimiterText()), status);
     return true;
 }
 
@@ -293,7 +348,7 @@ bool ExportCommand::changeSettings(const Options &options, SettingsSynchronizer 
 bool ExportCommand::applyChanges(const Options &options, SettingsSynchronizer *store,
                                  QStringList *warnings, int *status)
 {
-    const QStringList knownKeys = knownSettingKeys(store);
+    const QStringList knownKeys = SettingNames::known(store);
     QSet<QString> changed;
     for (const auto &change : options.changes) {
         if (!knownKeys.contains(change.first)) {

@@ -39,6 +39,8 @@ public:
     {
         QString pluginFile;
         QString settingsFile;
+        /** Whether --settings named the file. */
+        bool settingsNamed = false;
         QStringList recordings;
         /** --output: empty when not given, "-" for standard output. */
         QString output;
@@ -48,6 +50,9 @@ public:
         std::optional<QString> groups;
         /** --set KEY=VALUE, in the order given. */
         QList<QPair<QString, QString>> changes;
+        /** --delimiter and --empty, when given. */
+        std::optional<QString> delimiter;
+        std::optional<QString> emptyFieldText;
         bool strict = false;
         bool skipBadLines = false;
         SampleSelection selection;
@@ -66,10 +71,14 @@ public:
 
     /**
      * Changes the settings in @p store for this run as @p options say, and
-     * warns about values that the options page could not have made (or
-     * refuses them when strict); false, with @p status set, on a usage error.
+     * warns about what the settings file holds besides settings
+     * (@p fileWarnings), about values that the options page could not have
+     * made and about delimiter or empty-field settings that contradict each
+     * other (or refuses all those when strict); false, with @p status set,
+     * on a usage error, such as an empty delimiter.
      */
-    static bool changeSettings(const Options &options, SettingsSynchronizer *store, int *status);
+    static bool changeSettings(const Options &options, SettingsSynchronizer *store,
+                               const QStringList &fileWarnings, int *status);
 
     /** Exports with @p factory and its settings as they stand now. */
     ExportCommand(const Options &options, AbstractExporterFactory *factory);

@@ -54,9 +54,14 @@ int showInfo(const QStringList &arguments)
         return describeRecording(localFilePath(parser.value(recording)));
 
     PluginHost host(pluginFile(parser, plugin));
-    if (!loadPlugin(host,
-                    parser.isSet(settings) ? localFilePath(parser.value(settings)) : QString()))
+    const QString fileName =
+        parser.isSet(settings) ? localFilePath(parser.value(settings)) : QString();
+    SettingsFileState fileState;
+    if (!loadPlugin(host, fileName, &fileState))
         return 1;
+    if (fileState.missing)
+        noteMissingSettings(command, fileName);
+    warnOrRefuse(command, fileState.warnings, false, &status);
     const QJsonObject metaData = host.metaData();
     const int qtVersion = metaData.value(QStringLiteral("version")).toInt();
     const AbstractExporterFactory *factory = host.factory();

@@ -41,8 +41,13 @@ int editOptions(const QStringList &arguments)
 
     const QString fileName = settingsFile(parser, settings);
     PluginHost host(pluginFile(parser, plugin));
-    if (!loadPlugin(host, fileName))
+    SettingsFileState fileState;
+    if (!loadPlugin(host, fileName, &fileState))
         return 1;
+    if (fileState.missing && parser.isSet(settings))
+        noteMissingSettings(command, fileName);
+    // The dialog is where such settings are put right.
+    warnOrRefuse(command, fileState.warnings, false, &status);
     SettingsSynchronizer *store = host.factory()->settings();
     SettingsDialog dialog(host.factory()->optionsPages(),
                           [store, fileName] { return saveSettings(store, fileName); });

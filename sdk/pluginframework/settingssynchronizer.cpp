@@ -162,6 +162,10 @@ bool SettingsSynchronizer::load(const QString &fileName, QStringList *problems)
         return false;
     const QStringList fileKeys = file.allKeys();
     for (const QString &key : fileKeys) {
+        // A line "=value" has no key to store it under (and QSettings
+        // would complain of being asked for it).
+        if (key.isEmpty())
+            continue;
         // QSettings gives back the text it wrote; a string list means the
         // value held a comma, which is text all the same.
         const QVariant raw = file.value(key);

@@ -19,6 +19,7 @@ private slots:
     void saveAndLoadRoundTrip();
     void loadTypesByDefaultAndSkipsBadBooleans();
     void loadOfMissingFileStoresNothing();
+    void loadSkipsAValueWithoutKey();
     void loadOfUnreadableFileFails();
     void answersFollowChanges();
     void freshKeyStringsGetTheirOwnAnswers();
@@ -181,6 +182,22 @@ void tst_SettingsSynchronizer::loadOfMissingFileStoresNothing()
     QScopedPointer<SettingsSynchronizer> store(makeStore());
     QVERIFY(store->load(dir.filePath(QStringLiteral("absent.ini"))));
     QVERIFY(!store->hasStoredSetting(QStringLiteral("flag")));
+}
+
+void tst_SettingsSynchronizer::loadSkipsAValueWithoutKey()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString fileName = dir.filePath(QStringLiteral("settings.ini"));
+    QFile file(fileName);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[General]\n=true\ntext=x\n");
+    file.close();
+
+    QScopedPointer<SettingsSynchronizer> store(makeStore());
+    QVERIFY(store->load(fileName));
+    QVERIFY(!store->hasStoredSetting(QString()));
+    QCOMPARE(store->keys(), (QStringList{"described", "flag", "text"}));
 }
 
 void tst_SettingsSynchronizer::loadOfUnreadableFileFails()

@@ -46,7 +46,7 @@ def main():
     assert len(samples) == SAMPLES
 
     failures = []
-    for name, sep, extra in (("tab", "\t", []), ("comma", ",", ["--set", "useCommaDelimiter=true"])):
+    for name, sep, extra in (("tab", "\t", []), ("comma", ",", ["--delimiter", ","])):
         output = os.path.join(workdir, f"consumer-{name}.txt")
         subprocess.run([program, "export", "--quiet", "--settings", os.path.join(workdir, "settings.ini"),
                         "-o", output, "--groups", "all"] + extra + [recording], check=True)

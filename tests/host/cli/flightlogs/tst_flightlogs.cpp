@@ -311,6 +311,8 @@ void tst_FlightLogs::info()
 // A log cut short exports what it holds up to the cut, and says so.
 void tst_FlightLogs::cutLog()
 {
+    // the defaults, from a settings file that exists: no note about it
+    QVERIFY(QFile(path(QStringLiteral("settings.ini"))).open(QIODevice::WriteOnly));
     const QString log = generated(QStringLiteral("flight.ulg"), {"--samples", "500"});
     QVERIFY(!log.isEmpty());
     const QByteArray whole = readFile(log);
@@ -333,6 +335,8 @@ void tst_FlightLogs::cutLog()
 // Bytes that start as a flight log but hold no samples are refused, naming the log.
 void tst_FlightLogs::notAFlightLog()
 {
+    // the defaults, from a settings file that exists: no note about it
+    QVERIFY(QFile(path(QStringLiteral("settings.ini"))).open(QIODevice::WriteOnly));
     const QString log = path(QStringLiteral("empty.ulg"));
     {
         QFile file(log);

@@ -115,11 +115,9 @@ const QByteArray headerBlock = "// Start Time: 2026-11-21 09:30:00\n"
 // The settings that put a custom delimiter and placeholder in force.
 QStringList customTexts(const QString &delimiter, const QString &placeholder)
 {
-    return {"--set", "useOtherDelimiter=true",
-            "--set", "otherDelimiter=" + delimiter,
-            "--set", "insertNothing=false",
-            "--set", "insertOtherPlaceholder=true",
-            "--set", "otherPlaceholder=" + placeholder};
+    return {"--set", "useOtherDelimiter=true",      "--set", "useTabDelimiter=false",
+            "--set", "otherDelimiter=" + delimiter, "--set", "insertNothing=false",
+            "--set", "insertOtherPlaceholder=true", "--set", "otherPlaceholder=" + placeholder};
 }
 
 // The environment with every locale variable replaced by @p locale.

@@ -43,6 +43,12 @@ private slots:
     void unknownSettingKeys();
     void oddSettingValues_data();
     void oddSettingValues();
+    void delimiterAndEmptyFields_data();
+    void delimiterAndEmptyFields();
+    void settingsFileIsChecked_data();
+    void settingsFileIsChecked();
+    void unknownKeysOfTheFileAreNoSettings();
+    void missingSettingsFile();
     void outputFolderIsMade();
     void recordingFromStandardInput();
     void exportToStandardOutput();
@@ -163,8 +169,8 @@ void tst_HostProgram::generatedExports_data()
         << setAll(dataGroupKeys()) << "host-all-euler.txt";
     QTest::newRow("every group with a matrix, commas, NaN and high precision")
         << setAll(dataGroupKeys())
-            + QStringList{"--set", "exportOrientation=Matrix", "--set", "useCommaDelimiter=1",
-                          "--set", "insertNan=true",           "--set", "highPrecision=true"}
+            + QStringList{"--set", "exportOrientation=Matrix", "--delimiter", ",", "--empty", "NaN",
+                          "--set", "highPrecision=true"}
         << "host-all-matrix.txt";
 }
 
@@ -249,7 +255,7 @@ void tst_HostProgram::setTyping_data()
                       "Try 'asciiexport export --help'.\n");
     // " = " loses its last blank only: one character comes off the line
     QTest::newRow("a string key takes the text after the first = verbatim")
-        << QStringList{"useOtherDelimiter=true", "otherDelimiter= = "} << 0
+        << QStringList{"useOtherDelimiter=true", "useTabDelimiter=false", "otherDelimiter= = "} << 0
         << QByteArray("PacketCounter = SampleTimeFine = Roll = Pitch = Yaw =") << QByteArray();
     // read as ever, with a warning, since no options page offers it
     QTest::newRow("a string key keeps true as text")
@@ -399,6 +405,7 @@ void tst_HostProgram::failedRecordingLeavesItsNameFree_data()
 
 void tst_HostProgram::failedRecordingLeavesItsNameFree()
 {
+    writeFile(path("settings.ini"), QByteArray()); // the defaults, without a note
     QFETCH(int, jobs);
 
     QVERIFY(QDir(dir->path()).mkdir(QStringLiteral("bad")));
@@ -429,6 +436,7 @@ void tst_HostProgram::failedRecordingLeavesItsNameFree()
 
 void tst_HostProgram::lineBreakCannotReachAFileName()
 {
+    writeFile(path("settings.ini"), QByteArray()); // the defaults, without a note
     writeFile(path("noted.jsonl"),
               "{\"properties\": {\"DeviceId\": \"01\\n23\"}, \"updateRate\": 100}\n"
               "{\"packetCounter\": 1, \"orientationEuler\": [1, 2, 3]}\n");
@@ -466,6 +474,7 @@ void tst_HostProgram::outputFileAndFolder()
 
 void tst_HostProgram::progress()
 {
+    writeFile(path("settings.ini"), QByteArray()); // the defaults, without a note
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2000"});
     const ProgramRun shown =
         ProgramRun::start(program, withSettings({"export", "--progress", recording}), dir->path());
@@ -785,6 +794,284 @@ void tst_HostProgram::oddSettingValues()
     QCOMPARE(result.status, !warning.isEmpty() ? 2 : noRows.isEmpty() ? 0 : 1);
 }
 
+namespace {
+
+// A recording whose first sample has no sample time: its field is empty.
+const QByteArray gapRecording = recordingObject
+    + "{\"packetCounter\": 1, \"calibratedAcceleration\": [1, 2, 3]}\n"
+      "{\"packetCounter\": 2, \"sampleTimeFine\": 40, \"calibratedAcceleration\": [4, 5, 6]}\n";
+
+// The column line and the rows of gapRecording exported with @p delimiter
+// after every field, less the line's last character, and @p empty in empty
+// fields (Euler angles of a sample without orientation are empty as well).
+QByteArray gapRows(const QByteArray &delimiter, const QByteArray &empty)
+{
+    const QList<QList<QByteArray>> lines{
+        {"PacketCounter", "SampleTimeFine", "Acc_X", "Acc_Y", "Acc_Z", "Roll", "Pitch", "Yaw"},
+        {"00001", empty, "1.000000", "2.000000", "3.000000", empty, empty, empty},
+        {"00002", "00040", "4.000000", "5.000000", "6.000000", empty, empty, empty},
+    };
+    QByteArray rows;
+    for (const QList<QByteArray> &fields : lines) {
+        QByteArray line;
+        for (const QByteArray &field : fields)
+            line += field + delimiter;
+        line.chop(1);
+        rows += line + '\n';
+    }
+    return rows;
+}
+
+} // namespace
+
+void tst_HostProgram::delimiterAndEmptyFields_data()
+{
+    QTest::addColumn<QByteArray>("settingsFile"); // empty: none
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("error"); // {settings} stands for the settings file
+    QTest::addColumn<QByteArray>("rows"); // empty: no file written
+
+    const QByteArray usage = "Try 'asciiexport export --help'.\n";
+    QTest::newRow("--delimiter ,")
+        << QByteArray() << QStringList{"--delimiter", ","} << 0 << QByteArray() << gapRows(",", "");
+    QTest::newRow("--delimiter comma") << QByteArray() << QStringList{"--delimiter", "comma"} << 0
+                                       << QByteArray() << gapRows(",", "");
+    QTest::newRow("--delimiter ;")
+        << QByteArray() << QStringList{"--delimiter", ";"} << 0 << QByteArray() << gapRows(";", "");
+    QTest::newRow("--delimiter space") << QByteArray() << QStringList{"--delimiter", "space"} << 0
+                                       << QByteArray() << gapRows(" ", "");
+    QTest::newRow("--delimiter tab over a comma of the file")
+        << QByteArray("[General]\nuseCommaDelimiter=true\nuseTabDelimiter=false\n")
+        << QStringList{"--delimiter", "tab"} << 0 << QByteArray() << gapRows("\t", "");
+    QTest::newRow("--delimiter with a text of its own")
+        << QByteArray() << QStringList{"--delimiter", " | "} << 0 << QByteArray()
+        << gapRows(" | ", "");
+    QTest::newRow("--empty 0") << QByteArray() << QStringList{"--empty", "0"} << 0 << QByteArray()
+                               << gapRows("\t", "0");
+    QTest::newRow("--empty NaN with commas")
+        << QByteArray() << QStringList{"--empty", "NaN", "--delimiter", ","} << 0 << QByteArray()
+        << gapRows(",", "NaN");
+    QTest::newRow("--empty with a text of its own") << QByteArray() << QStringList{"--empty", "n/a"}
+                                                    << 0 << QByteArray() << gapRows("\t", "n/a");
+    QTest::newRow("--empty nothing over zero of the file")
+        << QByteArray("[General]\ninsertZero=true\ninsertNothing=false\n")
+        << QStringList{"--empty", "nothing"} << 0 << QByteArray() << gapRows("\t", "");
+    QTest::newRow("--set insertZero alone changes nothing, and says so")
+        << QByteArray() << QStringList{"--set", "insertZero=true"} << 0
+        << QByteArray("asciiexport export: warning: insertNothing and insertZero are both on: "
+                      "the plug-in writes nothing into empty fields (insertNothing wins)\n")
+        << gapRows("\t", "");
+    QTest::newRow("--set of a comma beside the tab")
+        << QByteArray() << QStringList{"--set", "useCommaDelimiter=true"} << 0
+        << QByteArray("asciiexport export: warning: useCommaDelimiter and useTabDelimiter are "
+                      "both on: the plug-in uses \",\" between fields (useCommaDelimiter wins)\n")
+        << gapRows(",", "");
+    QTest::newRow("no delimiter on")
+        << QByteArray() << QStringList{"--set", "useTabDelimiter=false"} << 0
+        << QByteArray("asciiexport export: warning: none of useCommaDelimiter, "
+                      "useOtherDelimiter, useSemiColonDelimiter, useSpaceDelimiter and "
+                      "useTabDelimiter is on: the plug-in uses a tab between fields\n")
+        << gapRows("\t", "");
+    QTest::newRow("no empty-field text on in the file")
+        << QByteArray("[General]\ninsertNothing=false\n") << QStringList() << 0
+        << QByteArray("asciiexport export: warning: {settings}: none of insertNan, insertNothing, "
+                      "insertOtherPlaceholder and insertZero is on: the plug-in writes a tab "
+                      "into empty fields\n")
+        << gapRows("\t", "\t");
+    QTest::newRow("three delimiters of the file")
+        << QByteArray("[General]\nuseSemiColonDelimiter=true\nuseSpaceDelimiter=true\n")
+        << QStringList() << 0
+        << QByteArray("asciiexport export: warning: {settings}: useSemiColonDelimiter, "
+                      "useSpaceDelimiter and useTabDelimiter are all on: the plug-in uses \";\" "
+                      "between fields (useSemiColonDelimiter wins)\n")
+        << gapRows(";", "");
+    QTest::newRow("--strict refuses a contradiction")
+        << QByteArray() << QStringList{"--strict", "--set", "useCommaDelimiter=true"} << 2
+        << "asciiexport export: useCommaDelimiter and useTabDelimiter are both on: the plug-in "
+           "uses \",\" between fields (useCommaDelimiter wins)\n"
+            + usage
+        << QByteArray();
+    QTest::newRow("an empty custom delimiter")
+        << QByteArray()
+        << QStringList{"--set", "useOtherDelimiter=true", "--set", "useTabDelimiter=false"} << 2
+        << "asciiexport export: useOtherDelimiter is on with an empty otherDelimiter: the fields "
+           "of a line would run together\n"
+            + usage
+        << QByteArray();
+    QTest::newRow("an empty custom delimiter of the file")
+        << QByteArray("[General]\nuseOtherDelimiter=true\nuseTabDelimiter=false\n") << QStringList()
+        << 2
+        << "asciiexport export: {settings}: useOtherDelimiter is on with an empty "
+           "otherDelimiter: the fields of a line would run together\n"
+            + usage
+        << QByteArray();
+    QTest::newRow("an empty --delimiter")
+        << QByteArray() << QStringList{"--delimiter", ""} << 2
+        << "asciiexport export: --delimiter takes a text, such as tab, space, ; or ,\n" + usage
+        << QByteArray();
+    QTest::newRow("--delimiter with --set of its group")
+        << QByteArray() << QStringList{"--delimiter", ",", "--set", "otherDelimiter=|"} << 2
+        << "asciiexport export: --delimiter and --set otherDelimiter exclude each other\n" + usage
+        << QByteArray();
+    QTest::newRow("--empty with --set of its group")
+        << QByteArray() << QStringList{"--set", "insertZero=true", "--empty", "NaN"} << 2
+        << "asciiexport export: --empty and --set insertZero exclude each other\n" + usage
+        << QByteArray();
+}
+
+// --delimiter and --empty set their group as the options page does; a group
+// that contradicts itself is warned about, naming what the plug-in does, and
+// an empty delimiter is refused. The rows show what the plug-in wrote.
+void tst_HostProgram::delimiterAndEmptyFields()
+{
+    QFETCH(QByteArray, settingsFile);
+    QFETCH(QStringList, options);
+    QFETCH(int, status);
+    QFETCH(QByteArray, error);
+    QFETCH(QByteArray, rows);
+
+    writeFile(path("gap.jsonl"), gapRecording);
+    writeFile(path("settings.ini"), settingsFile);
+    const ProgramRun result =
+        ProgramRun::start(program,
+                          withSettings(QStringList{"export", "--quiet", "-o", path("out.txt"),
+                                                   "--set", "exportCalibratedAcceleration=true"}
+                                       + options + QStringList{path("gap.jsonl")}),
+                          dir->path());
+    QCOMPARE(QString::fromUtf8(result.err),
+             QString::fromUtf8(error).replace(QStringLiteral("{settings}"), path("settings.ini")));
+    QCOMPARE(result.status, status);
+    if (rows.isEmpty()) {
+        QVERIFY(!QFile::exists(path("out.txt")));
+        return;
+    }
+    const QByteArray exported = readFile(path("out.txt"));
+    QCOMPARE(exported.mid(exported.indexOf("PacketCounter")), rows);
+    // the settings file is read, not written
+    QCOMPARE(readFile(path("settings.ini")), settingsFile);
+}
+
+void tst_HostProgram::settingsFileIsChecked_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<QStringList>("findings"); // {settings} stands for the settings file
+
+    QTest::newRow("a misspelt key")
+        << QByteArray("[General]\nexportRssi=true\nexportAccleration=true\n")
+        << QStringList{"{settings}:3: unknown setting \"exportAccleration\"; did you mean "
+                       "\"exportScrAcceleration\"?"};
+    QTest::newRow("another section")
+        << QByteArray("[General]\nexportRssi=true\n[Export]\nexportTemperature=true\n")
+        << QStringList{"{settings}:3: section [Export] is not read: the plug-in's settings "
+                       "belong in [General]"};
+    QTest::newRow("lines that are no settings")
+        << QByteArray("[General]\nexportRssi true\n=true\n")
+        << QStringList{"{settings}:2: neither KEY=VALUE nor a [section]: ignored",
+                       "{settings}:3: no key before the =: ignored"};
+    QTest::newRow("random bytes") << QByteArray(
+        "\x8f\x03z=\xc1\x9a\n\x7f\x00q",
+        10) << QStringList{"{settings}: not a settings file: it holds bytes that are not text"};
+    QTest::newRow("a value that is no boolean")
+        << QByteArray("[General]\nexportRssi=yes\n")
+        << QStringList{"{settings}: ignored: exportRssi: \"yes\" is not a boolean"};
+}
+
+// Whatever the settings file holds that the plug-in does not read is named,
+// the export goes on with the rest; --strict refuses it and writes nothing.
+void tst_HostProgram::settingsFileIsChecked()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(QStringList, findings);
+
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
+    writeFile(path("settings.ini"), contents);
+    ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path("out.txt"), recording}),
+        dir->path());
+    QString warnings;
+    QString refusals;
+    for (QString finding : qAsConst(findings)) {
+        finding.replace(QStringLiteral("{settings}"), path("settings.ini"));
+        warnings += QStringLiteral("asciiexport export: warning: %1\n").arg(finding);
+        refusals += QStringLiteral("asciiexport export: %1\n").arg(finding);
+    }
+    QCOMPARE(QString::fromUtf8(result.err), warnings);
+    QCOMPARE(result.status, 0);
+    QVERIFY(QFile::exists(path("out.txt")));
+
+    result = ProgramRun::start(
+        program,
+        withSettings({"export", "--quiet", "--strict", "-o", path("strict.txt"), recording}),
+        dir->path());
+    QCOMPARE(QString::fromUtf8(result.err),
+             refusals + QStringLiteral("Try 'asciiexport export --help'.\n"));
+    QCOMPARE(result.status, 2);
+    QVERIFY(!QFile::exists(path("strict.txt")));
+
+    // settings lists the settings all the same, with the same warnings
+    result = ProgramRun::start(program, withSettings({"settings"}), dir->path());
+    QCOMPARE(QString::fromUtf8(result.err),
+             QString(warnings).replace(QStringLiteral("export:"), QStringLiteral("settings:")));
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.out.count('\n'), 43);
+}
+
+// A key of the file that the plug-in does not know is no setting: settings
+// does not list it, and --set does not take it.
+void tst_HostProgram::unknownKeysOfTheFileAreNoSettings()
+{
+    writeFile(path("settings.ini"), "[General]\nexportAccleration=true\n[Other]\nkey=1\n");
+    ProgramRun result = ProgramRun::start(program, withSettings({"settings"}), dir->path());
+    QCOMPARE(result.status, 0);
+    QVERIFY2(!result.out.contains("exportAccleration"), result.out.constData());
+    QVERIFY2(!result.out.contains("Other/key"), result.out.constData());
+    QCOMPARE(result.out.count('\n'), 43);
+
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
+    result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "--set", "exportAccleration=false", recording}),
+        dir->path());
+    QCOMPARE(result.status, 2);
+    QVERIFY2(result.err.contains("asciiexport export: unknown setting \"exportAccleration\"; did "
+                                 "you mean \"exportScrAcceleration\"?\n"),
+             result.err.constData());
+    QVERIFY(!QFile::exists(path("rec-001.txt")));
+}
+
+// A settings file that was named but does not exist is said to hold the
+// defaults (--quiet leaves that out), and nothing makes it but options.
+void tst_HostProgram::missingSettingsFile()
+{
+    const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
+    const QString note = QStringLiteral("note: %1 does not exist yet: the default settings apply\n")
+                             .arg(path("settings.ini"));
+    ProgramRun result = ProgramRun::start(
+        program, withSettings({"export", "-o", path("out.txt"), recording}), dir->path());
+    QCOMPARE(QString::fromUtf8(result.err),
+             QStringLiteral("asciiexport export: ") + note
+                 + QStringLiteral("%1 -> %2\n").arg(recording, path("out.txt")));
+    QCOMPARE(result.status, 0);
+
+    result = ProgramRun::start(
+        program, withSettings({"export", "--quiet", "-o", path("quiet.txt"), recording}),
+        dir->path());
+    QCOMPARE(result.err, QByteArray());
+    QCOMPARE(result.status, 0);
+
+    result = ProgramRun::start(program, withSettings({"settings"}), dir->path());
+    QCOMPARE(QString::fromUtf8(result.err), QStringLiteral("asciiexport settings: ") + note);
+    QCOMPARE(result.status, 0);
+    QVERIFY(!QFile::exists(path("settings.ini")));
+
+    // the default file, which nobody named, is no news
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), path("config"));
+    result = ProgramRun::start(program, {"settings"}, dir->path(), environment);
+    QCOMPARE(result.err, QByteArray());
+    QCOMPARE(result.status, 0);
+}
+
 void tst_HostProgram::outputFolderIsMade()
 {
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "2"});
@@ -1010,6 +1297,7 @@ void tst_HostProgram::exportWithoutAThread()
 // --groups is the same as setting the groups one by one.
 void tst_HostProgram::groupsShorthand()
 {
+    writeFile(path("settings.ini"), QByteArray()); // the defaults, without a note
     const QString recording = generated(QStringLiteral("rec.jsonl"), {"--samples", "20"});
     QStringList longWay{"export", "--quiet", "-o", path("long.txt")};
     for (const QString &key : dataGroupKeys())
@@ -1100,6 +1388,7 @@ void tst_HostProgram::partOfARecording()
 
 void tst_HostProgram::writtenFilesAreNamed()
 {
+    writeFile(path("settings.ini"), QByteArray()); // the defaults, without a note
     const QString first = generated(QStringLiteral("a.jsonl"), {"--samples", "2"});
     const QString second = generated(QStringLiteral("b.jsonl"), {"--samples", "2"});
     const ProgramRun result =

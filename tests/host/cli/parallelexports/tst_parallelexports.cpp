@@ -119,6 +119,8 @@ void tst_ParallelExports::init()
 {
     dir = new QTemporaryDir;
     QVERIFY(dir->isValid());
+    // the defaults, from a settings file that exists: no note about it
+    QVERIFY(QFile(dir->filePath(QStringLiteral("settings.ini"))).open(QIODevice::WriteOnly));
 }
 
 void tst_ParallelExports::cleanup()

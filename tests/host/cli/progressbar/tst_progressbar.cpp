@@ -113,6 +113,8 @@ void tst_ProgressBar::onANarrowTerminal()
     const ProgramRun generated = ProgramRun::start(
         program, {"generate", "--samples", "20000", "-o", dir.filePath("walk.jsonl")}, dir.path());
     QCOMPARE(generated.status, 0);
+    // the defaults, from a settings file that exists: no note about it
+    QVERIFY(QFile(dir.filePath(QStringLiteral("settings.ini"))).open(QIODevice::WriteOnly));
 
     const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
     QVERIFY(terminal >= 0);
