@@ -223,6 +223,10 @@ class Check:
         expect(complete("asciiexport export --set exportOrientation=") == ["Euler", "Matrix", "None", "Quaternion"],
                "orientations: %s" % complete("asciiexport export --set exportOrientation="))
         expect(complete("asciiexport export --set exportOrientation=Q") == ["Quaternion"], "an orientation's start")
+        expect(complete("asciiexport export --delimiter ") == ["comma", "semicolon", "space", "tab"],
+               "delimiters: %s" % complete("asciiexport export --delimiter "))
+        expect(complete("asciiexport export --empty ") == ["0", "NaN", "nothing"], "empty-field texts")
+        expect("--delimiter" in options and "--empty" in options, "export's new options: %s" % options)
         # Names with blanks stay whole; recordings of each format are offered.
         recordings = ["my drive.ubx", "my flight.ulg", "my walk.jsonl", "my walks"]
         expect(complete("asciiexport export my") == recordings, "recordings: %s" % complete("asciiexport export my"))
