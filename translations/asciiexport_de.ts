@@ -9,6 +9,52 @@
     </message>
 </context>
 <context>
+    <name>ChoiceGroup</name>
+    <message>
+        <source>nothing</source>
+        <translation>nichts</translation>
+    </message>
+    <message>
+        <source>a tab</source>
+        <translation>einen Tabulator</translation>
+    </message>
+    <message>
+        <source>a blank</source>
+        <translation>ein Leerzeichen</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1... (%n characters)</source>
+        <translation>
+            <numerusform>%1... (%n Zeichen)</numerusform>
+            <numerusform>%1... (%n Zeichen)</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>the plug-in uses %1 between fields</source>
+        <translation>das Plug-in setzt %1 zwischen die Felder</translation>
+    </message>
+    <message>
+        <source>the plug-in writes %1 into empty fields</source>
+        <translation>das Plug-in schreibt %1 in leere Felder</translation>
+    </message>
+    <message>
+        <source>none of %1 and %2 is on: %3</source>
+        <translation>keine von %1 und %2 ist an: %3</translation>
+    </message>
+    <message>
+        <source>%1 and %2 are both on</source>
+        <translation>%1 und %2 sind beide an</translation>
+    </message>
+    <message>
+        <source>%1 and %2 are all on</source>
+        <translation>%1 und %2 sind alle an</translation>
+    </message>
+    <message>
+        <source>%1: %2 (%3 wins)</source>
+        <translation>%1: %2 (%3 gewinnt)</translation>
+    </message>
+</context>
+<context>
     <name>CommandLine</name>
     <message>
         <source>not a regular file</source>
@@ -27,16 +73,8 @@
         <translation>Die Versionen des Programms und des Plug-ins zeigen.</translation>
     </message>
     <message>
-        <source>The plug-in file to load (default: %1, the first libasciiexporter.so in the folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program).</source>
-        <translation>Die zu ladende Plug-in-Datei (Vorgabe: %1, die erste libasciiexporter.so in den Ordnern von ASCIIEXPORT_PLUGIN_PATH, sonst die mit dem Programm installierte).</translation>
-    </message>
-    <message>
         <source>PATH</source>
         <translation>PFAD</translation>
-    </message>
-    <message>
-        <source>The INI file that holds the settings (default: %1).</source>
-        <translation>Die INI-Datei mit den Einstellungen (Vorgabe: %1).</translation>
     </message>
     <message>
         <source>FILE</source>
@@ -93,6 +131,54 @@
     <message>
         <source>--max-age applies to --fill hold and nearest only</source>
         <translation>--max-age gilt nur für --fill hold und nearest</translation>
+    </message>
+    <message>
+        <source>unknown option &quot;%1&quot;; did you mean &quot;%2&quot;?</source>
+        <translation>unbekannte Option „%1“; war „%2“ gemeint?</translation>
+    </message>
+    <message>
+        <source>  plug-in:  %1</source>
+        <translation>  Plug-in:       %1</translation>
+    </message>
+    <message>
+        <source>  settings: %1</source>
+        <translation>  Einstellungen: %1</translation>
+    </message>
+    <message>
+        <source>Default files:</source>
+        <translation>Vorgegebene Dateien:</translation>
+    </message>
+    <message>
+        <source>The plug-in file to load (default: the first libasciiexporter.so in the folders of ASCIIEXPORT_PLUGIN_PATH, else the one installed with the program; see below).</source>
+        <translation>Die zu ladende Plug-in-Datei (Vorgabe: die erste libasciiexporter.so in den Ordnern von ASCIIEXPORT_PLUGIN_PATH, sonst die mit dem Programm installierte; siehe unten).</translation>
+    </message>
+    <message>
+        <source>The INI file that holds the settings (default: see below).</source>
+        <translation>Die INI-Datei mit den Einstellungen (Vorgabe: siehe unten).</translation>
+    </message>
+    <message>
+        <source>%1 does not exist yet: OK or Apply makes it</source>
+        <translation>%1 gibt es noch nicht: OK oder Übernehmen legt sie an</translation>
+    </message>
+    <message>
+        <source>%1 does not exist yet: the default settings apply</source>
+        <translation>%1 gibt es noch nicht: es gelten die Vorgaben</translation>
+    </message>
+    <message>
+        <source>note: %1</source>
+        <translation>Hinweis: %1</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>useOtherDelimiter is on with an empty otherDelimiter: the fields of a line would run together</source>
+        <translation>useOtherDelimiter ist an, otherDelimiter aber leer: die Felder einer Zeile liefen ineinander</translation>
+    </message>
+    <message>
+        <source>warning: %1</source>
+        <translation>Warnung: %1</translation>
     </message>
 </context>
 <context>
@@ -270,10 +356,6 @@
         <translation>Eine Einstellung nur für diesen Lauf ändern; darf mehrfach angegeben werden. Ein unbekannter Schlüssel ist ein Fehler.</translation>
     </message>
     <message>
-        <source>Refuse setting values that the options page cannot make, instead of warning about them.</source>
-        <translation>Werte von Einstellungen, die die Optionsseite nicht erzeugen kann, zurückweisen, statt vor ihnen zu warnen.</translation>
-    </message>
-    <message>
         <source>Write exactly this file (one recording only); - writes to standard output.</source>
         <translation>Genau diese Datei schreiben (nur eine Aufzeichnung); - schreibt in die Standardausgabe.</translation>
     </message>
@@ -284,12 +366,6 @@
     <message>
         <source>Export the good samples of a damaged recording: warn about each bad line and go on.</source>
         <translation>Die guten Abtastwerte einer beschädigten Aufzeichnung exportieren: vor jeder fehlerhaften Zeile warnen und weitermachen.</translation>
-    </message>
-    <message>
-        <source>Exports recordings as delimited text, one file per recording. The output file is named by the settings outputFileFormat and outputFileExtension unless --output is given.
-Exit status: 0 when every recording was exported, 1 when one failed, 2 for a usage error (an unknown option or setting key, a value a setting cannot take).</source>
-        <translation>Exportiert Aufzeichnungen als Text mit Trennzeichen, eine Datei je Aufzeichnung. Die Ausgabedatei wird nach den Einstellungen outputFileFormat und outputFileExtension benannt, außer --output ist angegeben.
-Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug, 2 bei einem Aufruffehler (eine unbekannte Option oder Einstellung, ein Wert, den eine Einstellung nicht annimmt).</translation>
     </message>
     <message>
         <source>standard input (-) can be read once only</source>
@@ -314,10 +390,6 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>%1: %2=%3: %4</source>
         <translation>%1: %2=%3: %4</translation>
-    </message>
-    <message>
-        <source>asciiexport export: warning: %1</source>
-        <translation>asciiexport export: Warnung: %1</translation>
     </message>
     <message>
         <source>%1: the folder cannot be made: %2</source>
@@ -460,8 +532,46 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <translation>--layout nimmt current oder older, nicht „%1“</translation>
     </message>
     <message>
-        <source>Show what this recording, UBX log or flight log holds instead.</source>
-        <translation>Stattdessen zeigen, was diese Aufzeichnung, dieses UBX-Log oder Fluglog enthält.</translation>
+        <source>Exports recordings as delimited text, one file per recording. The output file is named by the settings outputFileFormat and outputFileExtension unless --output is given.
+Exit status: 0 when every recording was exported, 1 when one failed, 2 for a usage error (an unknown option or setting key, a value a setting cannot take, an empty delimiter).</source>
+        <translation>Exportiert Aufzeichnungen als Text mit Trennzeichen, eine Datei je Aufzeichnung. Die Ausgabedatei wird nach den Einstellungen outputFileFormat und outputFileExtension benannt, außer --output ist angegeben.
+Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug, 2 bei einem Aufruffehler (eine unbekannte Option oder Einstellung, ein Wert, den eine Einstellung nicht annimmt, ein leeres Trennzeichen).</translation>
+    </message>
+    <message>
+        <source>Refuse what the warnings about settings name (values that the options page cannot make, delimiter or empty-field settings that contradict each other, what the settings file holds besides settings), and exports that hold no data of the chosen groups, instead of warning about them.</source>
+        <translation>Zurückweisen, wovor die Warnungen zu Einstellungen warnen (Werte, die die Optionsseite nicht erzeugen kann, Einstellungen für Trennzeichen oder leere Felder, die einander widersprechen, was die Einstellungsdatei außer Einstellungen enthält), und Exporte ohne Daten der gewählten Gruppen, statt vor ihnen zu warnen.</translation>
+    </message>
+    <message>
+        <source>The field delimiter, set as the options page sets it: tab (or \t), space, comma (or ,), semicolon (or ;), or any other text, which becomes the custom delimiter. Excludes --set of the delimiter settings.</source>
+        <translation>Das Trennzeichen der Felder, gesetzt wie auf der Optionsseite: tab (oder \t), space, comma (oder ,), semicolon (oder ;) oder ein anderer Text, der zum eigenen Trennzeichen wird. Schließt --set der Trennzeichen-Einstellungen aus.</translation>
+    </message>
+    <message>
+        <source>TEXT</source>
+        <translation>TEXT</translation>
+    </message>
+    <message>
+        <source>The text of empty fields, set as the options page sets it: nothing (or &quot;&quot;), NaN, 0, or any other text, which becomes the custom placeholder. Excludes --set of the empty-field settings.</source>
+        <translation>Der Text leerer Felder, gesetzt wie auf der Optionsseite: nothing (oder &quot;&quot;), NaN, 0 oder ein anderer Text, der zum eigenen Platzhalter wird. Schließt --set der Einstellungen für leere Felder aus.</translation>
+    </message>
+    <message>
+        <source>--delimiter takes a text, such as tab, space, ; or ,</source>
+        <translation>--delimiter nimmt einen Text, etwa tab, space, ; oder ,</translation>
+    </message>
+    <message>
+        <source>%1 and --set %2 exclude each other</source>
+        <translation>%1 und --set %2 schließen einander aus</translation>
+    </message>
+    <message>
+        <source>%1 (--strict)</source>
+        <translation>%1 (--strict)</translation>
+    </message>
+    <message>
+        <source>%1 (--strict: no file written)</source>
+        <translation>%1 (--strict: keine Datei geschrieben)</translation>
+    </message>
+    <message>
+        <source>Show what this recording, UBX log or flight log holds instead: its samples, duration, rate, data groups and gaps.</source>
+        <translation>Stattdessen zeigen, was diese Aufzeichnung, dieses UBX-Log oder Fluglog enthält: Abtastwerte, Dauer, Rate, Datengruppen und Lücken.</translation>
     </message>
 </context>
 <context>
@@ -489,6 +599,42 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>%1: gives no update rate, so its samples cannot be selected by time</source>
         <translation>%1: nennt keine Aktualisierungsrate, daher sind ihre Abtastwerte nicht nach der Zeit auszuwählen</translation>
+    </message>
+    <message>
+        <source>%1: no sample was selected</source>
+        <translation>%1: kein Abtastwert wurde ausgewählt</translation>
+    </message>
+    <message>
+        <source>%1: the recording holds no sample</source>
+        <translation>%1: die Aufzeichnung enthält keinen Abtastwert</translation>
+    </message>
+    <message>
+        <source>%1: no sample was selected; the recording&apos;s samples go from 0 to %2</source>
+        <translation>%1: kein Abtastwert wurde ausgewählt; die Abtastwerte der Aufzeichnung reichen von 0 bis %2</translation>
+    </message>
+    <message>
+        <source>the recording holds no data of any group</source>
+        <translation>die Aufzeichnung enthält keine Daten irgendeiner Gruppe</translation>
+    </message>
+    <message>
+        <source>the recording holds: %1</source>
+        <translation>die Aufzeichnung enthält: %1</translation>
+    </message>
+    <message>
+        <source>the samples read, 0 to %1, hold no data of any group</source>
+        <translation>die gelesenen Abtastwerte, 0 bis %1, enthalten keine Daten irgendeiner Gruppe</translation>
+    </message>
+    <message>
+        <source>the samples read, 0 to %1, hold: %2</source>
+        <translation>die gelesenen Abtastwerte, 0 bis %1, enthalten: %2</translation>
+    </message>
+    <message>
+        <source>%1: none of the chosen groups makes a row of its own (counters, times, status words, clipping flags and RSSI go with other data); %2</source>
+        <translation>%1: keine der gewählten Gruppen ergibt eine eigene Zeile (Zähler, Zeiten, Statuswörter, Clipping-Flags und RSSI gehen mit anderen Daten); %2</translation>
+    </message>
+    <message>
+        <source>%1: no sample holds data of the chosen groups; %2</source>
+        <translation>%1: kein Abtastwert enthält Daten der gewählten Gruppen; %2</translation>
     </message>
 </context>
 <context>
@@ -632,6 +778,13 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>%1: not an exporter plug-in (it does not provide %2)</source>
         <translation>%1: kein Exporter-Plug-in (es bietet %2 nicht an)</translation>
+    </message>
+</context>
+<context>
+    <name>ProgressBar</name>
+    <message>
+        <source>%1 left</source>
+        <translation>noch %1</translation>
     </message>
 </context>
 <context>
@@ -802,6 +955,74 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
         <source>Passed over</source>
         <translation>Übergangen</translation>
     </message>
+    <message>
+        <source>from the sample times</source>
+        <translation>aus den Zeiten der Abtastwerte</translation>
+    </message>
+    <message>
+        <source>from the receiver&apos;s times</source>
+        <translation>aus den Zeiten des Empfängers</translation>
+    </message>
+    <message>
+        <source>from the update rate</source>
+        <translation>aus der Aktualisierungsrate</translation>
+    </message>
+    <message>
+        <source>Duration</source>
+        <translation>Dauer</translation>
+    </message>
+    <message>
+        <source>Rate</source>
+        <translation>Rate</translation>
+    </message>
+    <message>
+        <source>%1 s (%2)</source>
+        <translation>%1 s (%2)</translation>
+    </message>
+    <message>
+        <source>%1 samples/s</source>
+        <translation>%1 Abtastwerte/s</translation>
+    </message>
+    <message>
+        <source>Data groups</source>
+        <translation>Datengruppen</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>keine</translation>
+    </message>
+    <message>
+        <source>Counter gaps</source>
+        <translation>Lücken im Zähler</translation>
+    </message>
+    <message>
+        <source>no packet counter</source>
+        <translation>kein Paketzähler</translation>
+    </message>
+    <message>
+        <source>%1; the largest %2 -&gt; %3 before sample %4</source>
+        <translation>%1; die größte %2 -&gt; %3 vor Abtastwert %4</translation>
+    </message>
+    <message>
+        <source>Time gaps</source>
+        <translation>Lücken in der Zeit</translation>
+    </message>
+    <message>
+        <source>in the receiver&apos;s time: %1</source>
+        <translation>in der Zeit des Empfängers: %1</translation>
+    </message>
+    <message>
+        <source>no sample times</source>
+        <translation>keine Zeiten der Abtastwerte</translation>
+    </message>
+    <message>
+        <source>none (median step %1 s)</source>
+        <translation>keine (Median-Schritt %1 s)</translation>
+    </message>
+    <message>
+        <source>%1 (steps over 1.5 times the median step %2 s); the largest %3 s before sample %4</source>
+        <translation>%1 (Schritte über dem 1,5-Fachen des Median-Schritts %2 s); der größte %3 s vor Abtastwert %4</translation>
+    </message>
 </context>
 <context>
     <name>SampleReader</name>
@@ -830,6 +1051,29 @@ Exit-Status: 0, wenn jede Aufzeichnung exportiert wurde, 1, wenn eine fehlschlug
     <message>
         <source>The settings could not be saved.</source>
         <translation>Die Einstellungen konnten nicht gespeichert werden.</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsFileCheck</name>
+    <message>
+        <source>%1: not a settings file: it holds bytes that are not text</source>
+        <translation>%1: keine Einstellungsdatei: sie enthält Bytes, die kein Text sind</translation>
+    </message>
+    <message>
+        <source>section [%1] is not read: the plug-in&apos;s settings belong in [General]</source>
+        <translation>der Abschnitt [%1] wird nicht gelesen: die Einstellungen des Plug-ins gehören in [General]</translation>
+    </message>
+    <message>
+        <source>neither KEY=VALUE nor a [section]: ignored</source>
+        <translation>weder SCHLÜSSEL=WERT noch ein [Abschnitt]: übergangen</translation>
+    </message>
+    <message>
+        <source>no key before the =: ignored</source>
+        <translation>kein Schlüssel vor dem =: übergangen</translation>
+    </message>
+    <message>
+        <source>unknown setting &quot;%1&quot;; did you mean &quot;%2&quot;?</source>
+        <translation>unbekannte Einstellung „%1“; war „%2“ gemeint?</translation>
     </message>
 </context>
 <context>
@@ -1033,10 +1277,11 @@ Commands:
   options    edit the settings in the settings dialog
   info       show the plug-in&apos;s metadata, name, version and extension
   generate   write a synthetic recording
-  convert    write a UBX receiver log as a JSON Lines recording
+  convert    write a UBX receiver log or a PX4 flight log as JSON Lines
 
-&apos;asciiexport COMMAND --help&apos; tells more about each command; &apos;asciiexport
---version&apos; shows the versions of the program and the plug-in.
+&apos;asciiexport COMMAND --help&apos; or &apos;asciiexport help COMMAND&apos; tells more
+about each command; &apos;asciiexport --version&apos; shows the versions of the
+program and the plug-in.
 </source>
         <translation>Aufruf: asciiexport BEFEHL [Optionen]
 
@@ -1049,11 +1294,16 @@ Befehle:
   options    die Einstellungen im Einstellungsdialog bearbeiten
   info       Metadaten, Name, Version und Dateiendung des Plug-ins zeigen
   generate   eine synthetische Aufzeichnung schreiben
-  convert    ein UBX-Empfänger-Log als Aufzeichnung in JSON Lines schreiben
+  convert    ein UBX-Empfänger-Log oder PX4-Fluglog als JSON Lines schreiben
 
-„asciiexport BEFEHL --help“ sagt mehr über jeden Befehl; „asciiexport
---version“ zeigt die Versionen des Programms und des Plug-ins.
+„asciiexport BEFEHL --help“ oder „asciiexport help BEFEHL“ sagt mehr über
+jeden Befehl; „asciiexport --version“ zeigt die Versionen des Programms und
+des Plug-ins.
 </translation>
+    </message>
+    <message>
+        <source>unknown command &quot;%1&quot;; did you mean &quot;%2&quot;?</source>
+        <translation>unbekannter Befehl „%1“; war „%2“ gemeint?</translation>
     </message>
 </context>
 </TS>
