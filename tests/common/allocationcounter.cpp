@@ -55,9 +55,25 @@ void AllocationCounter::failOwnAllocation(int nth)
     failing = nth;
 }
 
-int AllocationCounter::ownAllocations()
+int AllocationCounter::failEachInTurn(const std::function<void()> &make, QString *leak)
 {
-    return own.load();
+    for (int nth = 1;; ++nth) {
+        const qint64 before = liveBlocks();
+        bool made = false;
+        failOwnAllocation(nth);
+        try {
+            make();
+            made = true;
+        } catch (const std::bad_alloc &) { }
+        failOwnAllocation(0);
+        const qint64 left = liveBlocks() - before;
+        if (left != 0) {
+            *leak = QStringLiteral("allocation %1 failed: %2 blocks left").arg(nth).arg(left);
+            return nth - 1;
+        }
+        if (made)
+            return nth - 1;
+    }
 }
 
 void *operator new(std::size_t size)

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QString>
 #include <QtGlobal>
+
+#include <functional>
 
 /**
  * The test binary's own global operator new and delete, for tests of what a
@@ -20,12 +23,15 @@ qint64 liveBlocks();
 
 /**
  * Makes the @p nth allocation of the binary's own code from now on throw
- * std::bad_alloc, counting from 1; 0 makes none fail. Starts the count of
- * ownAllocations() again.
+ * std::bad_alloc, counting from 1; 0 makes none fail.
  */
 void failOwnAllocation(int nth);
 
-/** Allocations of the binary's own code since the last failOwnAllocation(). */
-int ownAllocations();
+/**
+ * Runs @p make with its first own allocation failing, then its second, and
+ * so on, until it runs through. Gives the number of runs that failed; at the
+ * first run that left blocks behind, stops and says so in @p leak.
+ */
+int failEachInTurn(const std::function<void()> &make, QString *leak);
 
 } // namespace AllocationCounter
