@@ -23,46 +23,12 @@ import gzip
 import os
 import re
 import shutil
-import subprocess
 import sys
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "common"))
+from usercheck import environment, expect, fresh, run  # noqa: E402
+
 COMMANDS = ["export", "convert", "settings", "options", "info", "generate"]
-
-
-def fail(message):
-    print("FAIL: " + message)
-    sys.exit(1)
-
-
-def expect(condition, message):
-    if not condition:
-        fail(message)
-
-
-def environment(**changes):
-    """The environment of a user who has nothing of the build around."""
-    env = {key: value for key, value in os.environ.items()
-           if key not in ("LD_LIBRARY_PATH", "ASCIIEXPORT_PLUGIN_PATH", "LANGUAGE")
-           and not key.startswith("LC_")}
-    env["LANG"] = "C.UTF-8"
-    env.update(changes)
-    return env
-
-
-def run(args, status=0, env=None, cwd=None):
-    result = subprocess.run(args, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                            env=env or environment(), cwd=cwd)
-    if status is not None and result.returncode != status:
-        fail("%s exited with %d, not %d\nstdout: %s\nstderr: %s" % (
-            " ".join(args), result.returncode, status, result.stdout.decode(errors="replace"),
-            result.stderr.decode(errors="replace")))
-    return result
-
-
-def fresh(path):
-    shutil.rmtree(path, ignore_errors=True)
-    os.makedirs(path)
-    return path
 
 
 class Check:

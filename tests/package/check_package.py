@@ -22,37 +22,15 @@ import subprocess
 import sys
 import tarfile
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "common"))
+from usercheck import environment, expect, fail, run as run_program  # noqa: E402
+
 SKIPPED = 77
 
 
-def fail(message):
-    print("FAIL: " + message)
-    sys.exit(1)
-
-
-def expect(condition, message):
-    if not condition:
-        fail(message)
-
-
-def environment(**changes):
-    """The environment of a user who has nothing of the build around."""
-    env = {key: value for key, value in os.environ.items()
-           if key not in ("LD_LIBRARY_PATH", "ASCIIEXPORT_PLUGIN_PATH", "LANGUAGE")
-           and not key.startswith("LC_")}
-    env["LANG"] = "C.UTF-8"
-    env.update(changes)
-    return env
-
-
-def run(args, status=0, env=None, cwd=None):
-    result = subprocess.run(args, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                            env=env or environment(), cwd=cwd)
-    if result.returncode != status:
-        fail("%s exited with %d\nstdout: %s\nstderr: %s" % (
-            " ".join(args), result.returncode, result.stdout.decode(errors="replace"),
-            result.stderr.decode(errors="replace")))
-    return result.stdout.decode()
+def run(args, **kwargs):
+    """What args writes on standard output; fails unless it exits with 0."""
+    return run_program(args, **kwargs).stdout.decode()
 
 
 def field(package, name):
