@@ -117,6 +117,16 @@ struct Reading
     QString error;
 };
 
+// The start most of these logs share: the header with @p startTime, the
+// flag bits, and sensor_combined's format and subscription as message id 0.
+void beginSensorLog(UlogWriter &writer, quint64 startTime)
+{
+    writer.writeHeader(startTime);
+    writer.writeFlagBits();
+    writer.writeFormat(sensorFormat);
+    writer.writeSubscription(0, 0, "sensor_combined");
+}
+
 QString describe(const UlogParser &parser, Message kind)
 {
     const auto text = [](std::string_view view) {
@@ -297,10 +307,7 @@ void TestUlogParser::multiIdsAndUnsubscription()
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     UlogWriter writer(&buffer);
-    writer.writeHeader(0);
-    writer.writeFlagBits();
-    writer.writeFormat(sensorFormat);
-    writer.writeSubscription(0, 0, "sensor_combined");
+    beginSensorLog(writer, 0);
     writer.writeSubscription(1, 1, "sensor_combined");
     writer.writeData(1, sensorPayload(10, 0, 0));
     writer.writeData(0, sensorPayload(11, 0, 0));
@@ -321,10 +328,7 @@ void TestUlogParser::paddingAtTheEndLeftOut()
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     UlogWriter writer(&buffer);
-    writer.writeHeader(0);
-    writer.writeFlagBits();
-    writer.writeFormat(sensorFormat);
-    writer.writeSubscription(0, 0, "sensor_combined");
+    beginSensorLog(writer, 0);
     const std::string whole = sensorPayload(10, 2.0f, 3);
     writer.writeData(0, whole.substr(0, whole.size() - 3));
     QVERIFY(writer.finish());
@@ -350,10 +354,7 @@ void TestUlogParser::appendedParts()
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadWrite);
     UlogWriter writer(&buffer);
-    writer.writeHeader(5);
-    writer.writeFlagBits();
-    writer.writeFormat(sensorFormat);
-    writer.writeSubscription(0, 0, "sensor_combined");
+    beginSensorLog(writer, 5);
     writer.writeData(0, sensorPayload(10, 0, 0));
     const qint64 first = writer.offset();
     writer.beginAppendedPart();
@@ -388,10 +389,7 @@ void TestUlogParser::messageRunningIntoAppendedPart()
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadWrite);
     UlogWriter writer(&buffer);
-    writer.writeHeader(5);
-    writer.writeFlagBits();
-    writer.writeFormat(sensorFormat);
-    writer.writeSubscription(0, 0, "sensor_combined");
+    beginSensorLog(writer, 5);
     const qint64 cutMessage = writer.offset();
     UlogBytes header;
     header.put(quint16(34)).put('D').put(quint16(0));
@@ -451,10 +449,7 @@ void TestUlogParser::damagedHeaderThenSync()
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     UlogWriter writer(&buffer);
-    writer.writeHeader(0);
-    writer.writeFlagBits();
-    writer.writeFormat(sensorFormat);
-    writer.writeSubscription(0, 0, "sensor_combined");
+    beginSensorLog(writer, 0);
     writer.writeData(0, sensorPayload(10, 0, 0));
     const qint64 damaged = writer.offset();
     writer.writeBytes(std::string("\x05\x00\x00garbage", 10));
@@ -501,10 +496,7 @@ void TestUlogParser::damageInMainPartReadsOnInAppendedPart()
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadWrite);
     UlogWriter writer(&buffer);
-    writer.writeHeader(0);
-    writer.writeFlagBits();
-    writer.writeFormat(sensorFormat);
-    writer.writeSubscription(0, 0, "sensor_combined");
+    beginSensorLog(writer, 0);
     const qint64 damaged = writer.offset();
     writer.writeBytes(std::string(40, '\xff'));
     const qint64 appended = writer.offset();
@@ -524,10 +516,7 @@ void TestUlogParser::dataForNoSubscription()
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     UlogWriter writer(&buffer);
-    writer.writeHeader(0);
-    writer.writeFlagBits();
-    writer.writeFormat(sensorFormat);
-    writer.writeSubscription(0, 0, "sensor_combined");
+    beginSensorLog(writer, 0);
     const qint64 stray = writer.offset();
     writer.writeData(9, sensorPayload(10, 0, 0));
     writer.writeData(9, sensorPayload(11, 0, 0));
@@ -547,10 +536,7 @@ void TestUlogParser::wrongDataSize()
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     UlogWriter writer(&buffer);
-    writer.writeHeader(0);
-    writer.writeFlagBits();
-    writer.writeFormat(sensorFormat);
-    writer.writeSubscription(0, 0, "sensor_combined");
+    beginSensorLog(writer, 0);
     const qint64 tooShort = writer.offset();
     writer.writeData(0, sensorPayload(10, 0, 0).substr(0, 28));
     const qint64 tooLong = writer.offset();
